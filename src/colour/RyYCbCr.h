@@ -1,0 +1,93 @@
+#pragma once
+
+#include "RyImageCutterExport.h"
+#include "colour/RyYCbCrPixel.h"
+
+#include <QRgb>
+
+/**
+ * A YCbCr colour whose channels are wide enough to be sums of many pixels.
+ *
+ * Channels are 0 … 255 for a colour and grow without a check when it accumulates; sums wrap at
+ * 2³², that is beyond about 16.8 million pixels.
+ *
+ * Errors   none reported; dividing by 0 must not be asked for.
+ * Threads  a plain value.
+ */
+class RYIMAGECUTTER_EXPORT RyYCbCr
+{
+public:
+    RyYCbCr() = default;
+    explicit RyYCbCr(const RyYCbCrPixel &pixel)
+        : m_luminance(pixel.y)
+        , m_cb(pixel.cb)
+        , m_cr(pixel.cr)
+    {}
+    RyYCbCr(unsigned int y, unsigned int cb, unsigned int cr)
+        : m_luminance(y)
+        , m_cb(cb)
+        , m_cr(cr)
+    {}
+    RyYCbCr(const RyYCbCr &) = default;
+    RyYCbCr &operator=(const RyYCbCr &) = default;
+    virtual ~RyYCbCr() = default;
+
+    void clear() { m_luminance = m_cb = m_cr = 0; }
+
+    bool operator==(const RyYCbCr &other) const
+    {
+        return m_luminance == other.m_luminance && m_cb == other.m_cb && m_cr == other.m_cr;
+    }
+
+    RyYCbCr &operator+=(const RyYCbCr &other)
+    {
+        m_luminance += other.m_luminance;
+        m_cb += other.m_cb;
+        m_cr += other.m_cr;
+        return *this;
+    }
+    RyYCbCr &operator+=(const RyYCbCrPixel &pixel)
+    {
+        m_luminance += pixel.y;
+        m_cb += pixel.cb;
+        m_cr += pixel.cr;
+        return *this;
+    }
+
+    /// Divides each channel, rounding half away from zero.
+    RyYCbCr &operator/=(int divisor);
+
+    /// The absolute difference of each channel.
+    RyYCbCr absDistance(const RyYCbCr &other) const;
+
+    /// The squared Euclidean distance of two colours.
+    int distanceQuadrat(const RyYCbCr &other) const
+    {
+        return squaredDistance(int(other.m_luminance), int(other.m_cb), int(other.m_cr));
+    }
+    int distanceQuadrat(const RyYCbCrPixel &pixel) const
+    {
+        return squaredDistance(pixel.y, pixel.cb, pixel.cr);
+    }
+
+    unsigned int luminance() const { return m_luminance; }
+    unsigned int cb() const { return m_cb; }
+    unsigned int cr() const { return m_cr; }
+
+    /// The colour as an opaque ARGB word. Red is computed from Cb, not from Cr: the shown colour of
+    /// a superpixel has always been this one, and nothing is decided by it.
+    QRgb rgb() const;
+
+private:
+    int squaredDistance(int y, int cb, int cr) const
+    {
+        const int dy = int(m_luminance) - y;
+        const int dcb = int(m_cb) - cb;
+        const int dcr = int(m_cr) - cr;
+        return dy * dy + dcb * dcb + dcr * dcr;
+    }
+
+    unsigned int m_luminance = 0;
+    unsigned int m_cb = 0;
+    unsigned int m_cr = 0;
+};

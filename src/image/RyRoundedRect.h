@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QRect>
+
+#include <cmath>
+
+/// The rectangle rounded to whole pixels as QRectF::toRect() does it; null where a coordinate is
+/// not finite or not below 1e9, since sums of such no longer fit integers.
+inline QRect ryRoundedRect(const QRectF &rect)
+{
+    constexpr double limit = 1e9;
+    const auto fits = [](double value) { return std::isfinite(value) && std::abs(value) < limit; };
+    const bool allFit =
+            fits(rect.left()) && fits(rect.top()) && fits(rect.right()) && fits(rect.bottom());
+    return allFit ? rect.toRect() : QRect();
+}

@@ -1,0 +1,118 @@
+#include "segmentation/RyImageSegmentation.h"
+
+#include "image/RyRoundedRect.h"
+#include "segmentation/RyImageSegmentation_p.h"
+#include "segmentation/RyInitialCut.h"
+#include "segmentation/RyLasso.h"
+
+#include <QElapsedTimer>
+#include <QMutexLocker>
+#include <QPainter>
+
+void RyImageSegmentation::doInitialCut()
+{
+    RySegmentationState work;
+    quint64 epoch = 0;
+    bool hasNewLasso = false;
+    {
+        const QMutexLocker lock(&d->mutex);
+        if (d->state.pointsOfSuperpixels.isEmpty())
+            return; // reset() came first
+        work = d->state;
+        epoch = d->epoch;
+        hasNewLasso = d->pendingLasso.has_value();
+        d->pendingLasso.reset();
+    }
+    if (hasNewLasso && !adoptLassoInsideTheLastOne(work, epoch))
+        return;
+    QElapsedTimer timer;
+    timer.start();
+    cutObjectInitial(work, epoch);
+    work.statistics.firstCutMs = double(timer.nsecsElapsed()) / 1e6;
+    // A cut that was overtaken says nothing; what overtook it has asked for a cut of its own.
+    if (!isInterruptionRequested() && publishCut(work, epoch))
+        Q_EMIT sendNewMask(work.foregroundMask);
+}
+
+/// Grows the new lasso. When the regions at hand do not cover it, the host's thread starts a worker
+/// for it instead, unless something newer has come up by then.
+bool RyImageSegmentation::adoptLassoInsideTheLastOne(RySegmentationState &work, quint64 epoch)
+{
+    const QRect picture = work.picture.rect();
+    const QPainterPath path = RyLasso::snappedToBorder(work.lassoPath, picture.size());
+    const QRect area = RyLasso::boundingRect(path).adjusted(-1, -1, 1, 1) & picture;
+    const bool covered = RyLasso::isCovered(path, area, [&work](QPainter &painter) {
+        painter.fillPath(work.computedPath, Qt::white);
+    });
+    if (!covered) {
+        const auto startOver = [this, lasso = work.lassoPath, epoch] {
+            const auto isCurrent = [this, epoch] {
+                const QMutexLocker lock(&d->mutex);
+                return d->epoch == epoch;
+            };
+            if (isCurrent())
+                startInitialSegmentation(lasso);
+        };
+        QMetaObject::invokeMethod(this, startOver, Qt::QueuedConnection);
+        return false;
+    }
+    work.expandedLasso = RyExpandedLasso(path, picture, RyInitialSegmentationWorker::marginPixels);
+    RySegmentationStatistics &statistics = work.statistics; // the worker's stages are not run again
+    statistics.colorPlanesMs = statistics.superPixelsMs = 0.0;
+    statistics.edgesWaitMs = statistics.regionsMs = 0.0;
+    const QMutexLocker lock(&d->mutex);
+    if (d->epoch == epoch)
+        d->state.expandedLasso = work.expandedLasso;
+    return d->epoch == epoch;
+}
+
+void RyImageSegmentation::cutObjectInitial(RySegmentationState &work, quint64 epoch)
+{
+    if (isInterruptionRequested())
+        return;
+    RyInitialCut cut(work);
+    cut.clear();
+    int workerSteps = 0;
+    int total = 0;
+    {
+        const QMutexLocker lock(&d->mutex);
+        if (d->epoch != epoch)
+            return;
+        workerSteps = d->workerTotalSteps;
+        total = totalSteps();
+    }
+    publishCut(work, epoch);
+    Q_EMIT segmentationProgress(workerSteps, total);
+
+    const QImage lassoImage = work.createImageWithLassoPath();
+    increaseAndUpdateProgressbar(epoch);
+    const QRect area = ryRoundedRect(work.expandedLasso.boundingRect());
+    const RyInitialCut::Sets sets =
+            cut.separateForegroundAndBackgroundSuperPixels(lassoImage, area);
+    if (isInterruptionRequested())
+        return;
+    increaseAndUpdateProgressbar(epoch);
+    cut.assignForegroundPixels(sets);
+    increaseAndUpdateProgressbar(epoch);
+    // A cut whose lasso was replaced meanwhile ends here, without asking the colour model.
+    if (isInterruptionRequested() || !publishCut(work, epoch))
+        return;
+    increaseAndUpdateProgressbar(epoch);
+    const QSet<int> background = cut.extractBackground(work.analysis->image());
+    increaseAndUpdateProgressbar(epoch);
+    cut.confirmPossibleBackground(background);
+}
+
+/// Makes a cut the session's state; false when it was overtaken.
+bool RyImageSegmentation::publishCut(const RySegmentationState &work, quint64 epoch)
+{
+    const QMutexLocker lock(&d->mutex);
+    if (d->epoch != epoch)
+        return false;
+    d->state.foregroundMask = work.foregroundMask;
+    d->state.foregroundClusters = work.foregroundClusters;
+    d->state.backgroundClusters = work.backgroundClusters;
+    d->state.statistics = work.statistics;
+    ++d->revision;
+    return true;
+}

@@ -1,0 +1,122 @@
+#include "segmentation/RyImageSegmentation.h"
+
+#include "RyLogger.h"
+#include "segmentation/RyImageSegmentation_p.h"
+#include "segmentation/RyLasso.h"
+
+#include <QMutexLocker>
+
+void RyImageSegmentation::startThreadWithInitialPath(const QPainterPath &thePath)
+{
+    if (!RyLasso::isFinite(thePath))
+        return;
+    const QRect rect = RyLasso::boundingRect(thePath);
+    const bool insideTheLastOne = isValid() && d->lassoRect.contains(rect);
+    {
+        const QMutexLocker lock(&d->mutex);
+        d->state.foregroundClusters.clear();
+        d->state.backgroundClusters.clear();
+        d->state.lassoPath = thePath;
+        ++d->epoch;
+        ++d->revision;
+        if (insideTheLastOne) {
+            d->pendingLasso = thePath;
+            d->currentStep = d->workerTotalSteps; // the worker's share is done already
+        }
+    }
+    if (insideTheLastOne)
+        startWithMode(InitialCut);
+    else
+        startInitialSegmentation(thePath);
+}
+
+void RyImageSegmentation::startInitialSegmentation(const QPainterPath &path)
+{
+    if (d->worker) {
+        RyLogger::instance().legacyLog(QStringLiteral("SEG:CancelThread"), false);
+        forgetWorker();
+    }
+    reset();
+    d->lassoRect = RyLasso::boundingRect(path);
+    d->worker = RyInitialSegmentationWorker::create(snapshot().analysis);
+    connect(d->worker.get(), &RyInitialSegmentationWorker::updateProgress, this,
+            &RyImageSegmentation::setProgressFromWorker);
+    connect(d->worker.get(), &RyInitialSegmentationWorker::finished, this,
+            &RyImageSegmentation::initialSegmentationIsFinished);
+    d->worker->startInitialSegmentation(path);
+}
+
+void RyImageSegmentation::forgetWorker()
+{
+    if (!d->worker)
+        return;
+    d->worker->stop();
+    d->formerWorkers.push_back(std::move(d->worker));
+}
+
+void RyImageSegmentation::initialSegmentationIsFinished()
+{
+    auto *const finished = qobject_cast<RyInitialSegmentationWorker *>(sender());
+    if (!finished)
+        return;
+    if (finished != d->worker.get()) {
+        finished->releaseResults(); // it was replaced when it had already finished
+        return;
+    }
+    const RyInitialSegmentationWorker::Results results = finished->results();
+    finished->releaseResults();
+    {
+        const QMutexLocker lock(&d->mutex);
+        RySegmentationState &state = d->state;
+        if (results.labels.size() != state.picture.size())
+            return; // setImage() brought another picture meanwhile
+        state.expandedLasso = results.pathExpanded;
+        state.computedPath = results.path;
+        state.labels = results.labels;
+        state.superPixels = results.superPixels;
+        state.neighbours = results.neighbours;
+        state.pointsOfSuperpixels = results.pointsOfSuperPixels;
+        state.statistics = results.statistics;
+        ++d->epoch;
+        ++d->revision;
+    }
+    startWithMode(InitialCut);
+}
+
+void RyImageSegmentation::setProgressFromWorker(int, int theTotalStep)
+{
+    if (!d->worker || sender() != d->worker.get())
+        return;
+    quint64 epoch = 0;
+    {
+        const QMutexLocker lock(&d->mutex);
+        d->workerTotalSteps = theTotalStep;
+        epoch = d->epoch;
+    }
+    increaseAndUpdateProgressbar(epoch);
+}
+
+void RyImageSegmentation::resetProgress()
+{
+    int total = 0;
+    {
+        const QMutexLocker lock(&d->mutex);
+        d->currentStep = 0;
+        total = totalSteps();
+    }
+    Q_EMIT segmentationProgress(0, total);
+}
+
+void RyImageSegmentation::increaseAndUpdateProgressbar(quint64 epoch)
+{
+    int current = 0;
+    int total = 0;
+    {
+        const QMutexLocker lock(&d->mutex);
+        if (d->epoch != epoch)
+            return; // steps of a cut that was overtaken
+        current = ++d->currentStep;
+        total = totalSteps();
+    }
+    Q_EMIT segmentationProgress(current, total);
+}

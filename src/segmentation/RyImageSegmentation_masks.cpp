@@ -1,0 +1,141 @@
+#include "segmentation/RyImageSegmentation.h"
+
+#include "segmentation/RyImageSegmentation_p.h"
+
+#include <QGraphicsBlurEffect>
+#include <QGraphicsPixmapItem>
+#include <QGraphicsScene>
+#include <QMutexLocker>
+#include <QPainter>
+
+QImage RyImageSegmentation::maskForeground() const
+{
+    return snapshot().foregroundMask;
+}
+
+bool RyImageSegmentation::containsPath(const QPainterPath &path) const
+{
+    return snapshot().expandedLasso.contains(path);
+}
+
+RySegmentationStatistics RyImageSegmentation::statistics() const
+{
+    return snapshot().statistics;
+}
+
+std::unique_ptr<RyMementoSegmentation>
+RyImageSegmentation::createMemento(bool withSuperPixelData) const
+{
+    const RySegmentationState state = snapshot();
+    return std::make_unique<RyMementoSegmentation>(
+            state.lassoPath, state.foregroundClusters, state.backgroundClusters,
+            state.foregroundMask, withSuperPixelData ? state.labels : QImage(),
+            withSuperPixelData ? state.pointsOfSuperpixels : QList<QList<QPoint>>(),
+            QColor(state.maskColor.rgb()));
+}
+
+void RyImageSegmentation::setMaskColor(const QColor &color)
+{
+    {
+        const QMutexLocker lock(&d->mutex);
+        if (color.rgb() == d->state.maskColor.rgb())
+            return;
+        d->state.maskColor = color;
+        ++d->revision;
+        if (d->state.foregroundMask.isNull())
+            return;
+    }
+    startWithMode(UpdateMask);
+}
+
+void RyImageSegmentation::invertMask()
+{
+    {
+        const QMutexLocker lock(&d->mutex);
+        d->maskIsInverted = !d->maskIsInverted;
+        if (d->active)
+            return;
+    }
+    startWithMode(InvertMask);
+}
+
+void RyImageSegmentation::setMaskIsInverted(bool inverted)
+{
+    {
+        const QMutexLocker lock(&d->mutex);
+        if (d->maskIsInverted == inverted)
+            return;
+        d->maskIsInverted = inverted;
+    }
+    if (isValid())
+        invertMaskJob();
+}
+
+void RyImageSegmentation::updateMask()
+{
+    changeMask(&RySegmentationState::updateMask);
+    Q_EMIT sendNewMask(maskForeground());
+}
+
+void RyImageSegmentation::invertMaskJob()
+{
+    changeMask(&RySegmentationState::invertMaskJob);
+}
+
+/// Applies a change to a copy of the state, without the mutex, until no other change has come in
+/// between.
+void RyImageSegmentation::changeMask(void (RySegmentationState::*change)())
+{
+    while (true) {
+        RySegmentationState work;
+        quint64 revision = 0;
+        {
+            const QMutexLocker lock(&d->mutex);
+            work = d->state;
+            revision = d->revision;
+        }
+        (work.*change)();
+        const QMutexLocker lock(&d->mutex);
+        if (d->revision != revision)
+            continue;
+        d->state.foregroundMask = work.foregroundMask;
+        d->state.foregroundClusters = work.foregroundClusters;
+        d->state.backgroundClusters = work.backgroundClusters;
+        ++d->revision;
+        return;
+    }
+}
+
+QImage RyImageSegmentation::createMask(const QPainterPath &path) const
+{
+    return snapshot().createMask(path);
+}
+
+QImage RyImageSegmentation::createImageWithLassoPath() const
+{
+    return snapshot().createImageWithLassoPath();
+}
+
+QImage RyImageSegmentation::drawContour() const
+{
+    return snapshot().drawContour();
+}
+
+QImage RyImageSegmentation::createSmoothForegroundMask(int radius) const
+{
+    const QImage mask = maskForeground();
+    if (mask.isNull())
+        return {};
+    auto *const blur = new QGraphicsBlurEffect; // the item takes it
+    blur->setBlurRadius(radius);
+    auto *const item = new QGraphicsPixmapItem(QPixmap::fromImage(mask)); // the scene takes it
+    item->setGraphicsEffect(blur);
+    QGraphicsScene scene;
+    scene.addItem(item);
+    QImage result(mask.size(), QImage::Format_Mono);
+    result.fill(Qt::transparent);
+    QPainter painter(&result);
+    scene.render(&painter, QRectF(), QRectF(mask.rect()), Qt::KeepAspectRatio);
+    painter.end();
+    return result;
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "segmentation/RyExpandedLasso.h"
+#include "segmentation/RyPictureAnalysis.h"
+#include "segmentation/RySegmentationStatistics.h"
+#include "superpixels/RySuperPixel.h"
+
+#include <QFuture>
+#include <QHash>
+#include <QObject>
+#include <QPainterPath>
+#include <QSet>
+
+#include <atomic>
+#include <memory>
+
+/**
+ * Turns a picture and a lasso into what a session cuts with: regions of superpixels.
+ *
+ * One worker serves one lasso: the edge picture (on a thread of its own) beside SLIC, then region
+ * growing. The lasso is snapped to the picture's border first; SLIC and region growing get the
+ * snapped lasso, not the grown one.
+ *
+ * Input    the picture's shared analysis, and a finite path in picture pixels.
+ * Output   readable in the host's thread from finished() until releaseResults().
+ * Errors   none reported: an empty lasso or picture gives label images of zeroes, or null ones.
+ * Threads  made and used in the host's thread; run() executes on the global pool and keeps the
+ *          worker alive until it has ended. stop() is looked at between stages; a stopped worker
+ *          never emits finished() and frees what it has computed when its run ends.
+ */
+class RyInitialSegmentationWorker : public QObject,
+                                    public std::enable_shared_from_this<RyInitialSegmentationWorker>
+{
+    Q_OBJECT
+
+public:
+    struct Results
+    {
+        QImage labels;
+        QList<RySuperPixel> superPixels;
+        QList<QList<QPoint>> pointsOfSuperPixels;
+        QHash<int, QSet<int>> neighbours;
+        QPainterPath path; ///< the lasso, snapped to the border
+        RyExpandedLasso pathExpanded;
+        RySegmentationStatistics statistics;
+    };
+
+    static constexpr int marginPixels = 10; ///< by which pathExpanded exceeds the lasso
+
+    /// The last owner may be a pool thread; the object is then deleted in its own thread.
+    static std::shared_ptr<RyInitialSegmentationWorker>
+    create(const std::shared_ptr<RyPictureAnalysis> &analysis);
+
+    /// Host thread. Progress is announced with its total first.
+    QFuture<void> startInitialSegmentation(const QPainterPath &path);
+
+    /// Any thread; does not wait. Stays in force when the run has not begun yet.
+    void stop();
+    bool isRunning() const { return m_state == State::Running; }
+
+    Results results() const { return m_results; }
+    void releaseResults(); ///< Host thread, after finished().
+
+    /// Picture of the results for debugging: every labelled pixel in the mean colour of its region.
+    QImage drawClustersWithTransparentColorsAndContours() const;
+
+Q_SIGNALS:
+    void updateProgress(int currentStep, int totalSteps);
+    void resetProgress();
+    void finished();
+
+private:
+    enum class State { Created, Running, Finished, Stopped };
+
+    explicit RyInitialSegmentationWorker(const std::shared_ptr<RyPictureAnalysis> &analysis);
+
+    void run();
+    bool compute(Results &results);
+    void increaseAndUpdateProgressbar(); // Host thread: the stages' steps arrive queued.
+
+    const int m_totalSteps;
+    int m_currentStep = 0;
+    std::atomic<State> m_state = State::Created;
+
+    // Written by run() before finished(); host thread only, from finished() on.
+    std::shared_ptr<RyPictureAnalysis> m_analysis;
+    QPainterPath m_lasso;
+    Results m_results;
+};

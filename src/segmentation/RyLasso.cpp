@@ -1,0 +1,76 @@
+#include "segmentation/RyLasso.h"
+
+#include "image/RyRoundedRect.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double snapShare = 0.02;
+constexpr double farOutside = 9e8; // rounds to integers whose sums still fit
+
+double snapped(double value, int side)
+{
+    const int margin = int(side * snapShare);
+    if (value < margin)
+        return 0.0;
+    return value <= side - margin ? value : double(side);
+}
+
+} // namespace
+
+bool RyLasso::isFinite(const QPainterPath &path)
+{
+    for (int i = 0; i < path.elementCount(); ++i) {
+        const QPainterPath::Element element = path.elementAt(i);
+        if (!std::isfinite(element.x) || !std::isfinite(element.y))
+            return false;
+    }
+    return true;
+}
+
+QRect RyLasso::boundingRect(const QPainterPath &path)
+{
+    const QRectF rect = path.boundingRect();
+    const auto bounded = [](double value) { return std::clamp(value, -farOutside, farOutside); };
+    return ryRoundedRect(QRectF(QPointF(bounded(rect.left()), bounded(rect.top())),
+                                QPointF(bounded(rect.right()), bounded(rect.bottom()))));
+}
+
+QPainterPath RyLasso::snappedToBorder(const QPainterPath &path, const QSize &picture)
+{
+    QPainterPath result = path;
+    for (int i = 0; i < result.elementCount(); ++i) {
+        const QPainterPath::Element element = result.elementAt(i);
+        result.setElementPositionAt(i, snapped(element.x, picture.width()),
+                                    snapped(element.y, picture.height()));
+    }
+    return result;
+}
+
+bool RyLasso::isCovered(const QPainterPath &inner, const QRect &area,
+                        const std::function<void(QPainter &)> &fillOuter)
+{
+    if (area.isEmpty())
+        return true;
+    QImage uncovered(area.size(), QImage::Format_ARGB32_Premultiplied);
+    if (uncovered.isNull())
+        return false;
+    uncovered.fill(Qt::transparent);
+    QPainter painter(&uncovered);
+    painter.translate(-area.topLeft());
+    painter.fillPath(inner, Qt::white);
+    painter.setCompositionMode(QPainter::CompositionMode_Clear);
+    fillOuter(painter);
+    painter.end();
+    for (int y = 0; y < uncovered.height(); ++y) {
+        const auto *const row = reinterpret_cast<const QRgb *>(uncovered.constScanLine(y));
+        if (std::any_of(row, row + uncovered.width(), [](QRgb pixel) { return pixel != 0; }))
+            return false;
+    }
+    return true;
+}

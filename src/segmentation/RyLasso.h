@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QPainterPath>
+#include <QRect>
+#include <QSize>
+
+#include <functional>
+
+class QPainter;
+
+/**
+ * What a session asks of a lasso as the user drew it, in picture pixels.
+ *
+ * Threads  stateless; safe from every thread that owns its paths.
+ */
+namespace RyLasso {
+
+/// False when a coordinate is infinite or not a number: such a path must not reach the rasteriser.
+bool isFinite(const QPainterPath &path);
+
+/// The bounding rectangle rounded to pixels; huge coordinates count as far outside.
+QRect boundingRect(const QPainterPath &path);
+
+/// Moves every point that lies outside the picture, or within 2 % of a side from its border, onto
+/// that border (0, width or height). A lasso drawn hastily along the edge so takes the edge in.
+QPainterPath snappedToBorder(const QPainterPath &path, const QSize &picture);
+
+/// True when fillOuter(painter), which fills something in picture coordinates, fills every pixel of
+/// the area that inner fills. Time O(area).
+bool isCovered(const QPainterPath &inner, const QRect &area,
+               const std::function<void(QPainter &)> &fillOuter);
+
+} // namespace RyLasso

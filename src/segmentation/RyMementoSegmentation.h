@@ -1,0 +1,49 @@
+#pragma once
+
+#include "RyImageCutterExport.h"
+
+#include <QColor>
+#include <QImage>
+#include <QList>
+#include <QPainterPath>
+#include <QPoint>
+#include <QSet>
+
+#include <memory>
+
+/**
+ * A session's cut at one moment. Its parts share their data with the session and with each other.
+ *
+ * Threads  immutable after construction.
+ */
+class RYIMAGECUTTER_EXPORT RyMementoSegmentation
+{
+public:
+    RyMementoSegmentation(const QPainterPath &lassoPath, const QSet<int> &foregroundClusters,
+                          const QSet<int> &backgroundClusters, const QImage &mask,
+                          const QImage &labels, const QList<QList<QPoint>> &pointsOfSuperpixels,
+                          const QColor &maskColor);
+    virtual ~RyMementoSegmentation();
+
+    /// Empty when the memento carries no superpixel data; else one list for each label.
+    QList<QList<QPoint>> pointsOfSuperpixels() const { return m_pointsOfSuperpixels; }
+    QSet<int> foregroundClusters() const { return m_foregroundClusters; }
+    QSet<int> backgroundClusters() const { return m_backgroundClusters; }
+    QImage mask() const { return m_mask; }
+    /// Null when the memento carries no superpixel data; else the picture's size, Format_ARGB32,
+    /// every word a signed 32-bit label, 0 for no superpixel.
+    QImage labels() const { return m_labels; }
+    QColor maskColor() const { return m_maskColor; } ///< opaque
+    QPainterPath lassoPath() const { return m_lassoPath; }
+
+    std::unique_ptr<RyMementoSegmentation> clone() const;
+
+private:
+    QList<QList<QPoint>> m_pointsOfSuperpixels;
+    QSet<int> m_foregroundClusters;
+    QSet<int> m_backgroundClusters;
+    QImage m_mask;
+    QImage m_labels;
+    QColor m_maskColor;
+    QPainterPath m_lassoPath;
+};

@@ -1,0 +1,30 @@
+#include "segmentation/RyPictureAnalysis.h"
+
+#include <QMutexLocker>
+
+RyPictureAnalysis::RyPictureAnalysis(const QImage &picture, const QFileInfo &file)
+    : m_picture(picture)
+    , m_file(file)
+{}
+
+const RyImage &RyPictureAnalysis::image()
+{
+    const QMutexLocker lock(&m_mutex);
+    if (!m_image) {
+        m_image = std::make_unique<const RyImage>(m_picture, m_file);
+        m_picture = QImage();
+    }
+    return *m_image;
+}
+
+std::optional<RyPictureAnalysis::Edges> RyPictureAnalysis::edges() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_edges;
+}
+
+void RyPictureAnalysis::setEdges(const Edges &edges)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_edges = edges;
+}
