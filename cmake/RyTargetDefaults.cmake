@@ -13,6 +13,8 @@ function(ry_target_defaults target)
         # A fused multiply and add rounds once where two operations round twice, and thousands of
         # packed colours would depend on the compiler and the processor.
         -ffp-contract=off
+        # Nobody reads errno after a square root, and setting it keeps loops from being vectorised.
+        -fno-math-errno
         -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
         $<$<BOOL:${RY_WARNINGS_AS_ERRORS}>:-Werror>)
     if(RY_SANITIZE)

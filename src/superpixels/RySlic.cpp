@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <vector>
 
 namespace {
 
@@ -125,20 +126,25 @@ QPoint RySlic::findLocalGradientMinimum(int x, int y, const RyYCbCrPixel *pixels
 
 void RySlic::adjustSuperPixels()
 {
+    // One buffer a slice, kept over the rounds: fresh memory costs more than the pixels in it.
+    std::vector<std::vector<float>> distances;
     for (int round = 0; round < m_iterations; ++round) {
-        QList<RySlicSlice> slices = createSlices(*m_image);
+        QList<RySlicSlice> slices = createSlices();
+        distances.resize(std::size_t(slices.size()));
+        for (qsizetype i = 0; i < slices.size(); ++i)
+            slices[i].distances = &distances[std::size_t(i)];
         RyConcurrent::blockingMap(slices, RySlicKernels::available().last().adjust);
         updateSuperPixelInformations();
     }
 }
 
-QList<RySlicSlice> RySlic::createSlices(const RyImage &image)
+QList<RySlicSlice> RySlic::createSlices()
 {
     const QRect rect = lassoBoundingRect();
     const int cores = RyPlatformIndependent::instance().coreCount();
     const int sliceWidth = std::max(narrowestSlice, roundedDown(rect.width() / cores, 8));
     RySlicSlice slice;
-    slice.image = image.imageYCbCr();
+    slice.image = m_image->imageYCbCr();
     slice.labels = reinterpret_cast<quint32 *>(m_labels.bits()); // detaches before any slice runs
     slice.superPixels = m_superPixels;
     slice.yStart = rect.top();
@@ -151,7 +157,7 @@ QList<RySlicSlice> RySlic::createSlices(const RyImage &image)
         // The last slice holds the whole group of the right-hand column however many slices there
         // are, else results would depend on the core count.
         const int end = x < rect.right() ? x : std::max(x, roundedDown(rect.right(), 8) + 8);
-        slice.xEnd = std::clamp(end, 0, image.width());
+        slice.xEnd = std::clamp(end, 0, m_image->width());
         slices.append(slice);
     }
     return slices;

@@ -72,7 +72,7 @@ Q_SIGNALS:
 
 private:
     bool isDegenerate() const;
-    QList<RySlicSlice> createSlices(const RyImage &image);
+    QList<RySlicSlice> createSlices();
     void updateSuperPixelInformations();
     void initNewSuperPixels(int count);
     void addLabelledPixels();

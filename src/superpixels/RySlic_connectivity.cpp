@@ -196,7 +196,8 @@ void RySlic::forceConnectivity()
         label = area[rootOf(runs, i)] <= smallArea ? nextMark-- : nextLabel++;
     }
 
-    m_labels.fill(0U);
+    if (runs.empty())
+        m_labels.fill(0U);
     for (std::size_t i = 0; i < runs.size(); ++i) {
         qint32 *const row = RyLabelImage::row(m_labels, runs[i].row);
         std::fill(row + runs[i].begin, row + runs[i].end, newLabel[rootOf(runs, i)]);

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cfloat>
-#include <vector>
 
 namespace RySlicKernels {
 
@@ -89,7 +88,8 @@ void adjustSlice(const RySlicSlice &slice, int lanes, Measure groups, Measure pa
     if (slice.superPixels.size() < 2 || left >= right || top >= bottom)
         return;
 
-    std::vector<float> distances(std::size_t(right - left) * std::size_t(bottom - top), FLT_MAX);
+    std::vector<float> &distances = *slice.distances;
+    distances.assign(std::size_t(right - left) * std::size_t(bottom - top), FLT_MAX);
     Block block;
     block.pixels = reinterpret_cast<const RyYCbCrPixel *>(slice.image.constBits());
     block.labels = slice.labels;

@@ -5,6 +5,8 @@
 #include <QImage>
 #include <QList>
 
+#include <vector>
+
 /// One column band of one assignment round: plain values and borrowed storage. Bands write disjoint
 /// columns of the labels, so none locks.
 struct RySlicSlice
@@ -16,6 +18,7 @@ struct RySlicSlice
         xEnd = 0; ///< columns [xStart, xEnd); every start but the first is a multiple of 8
     int yStart = 0, yEnd = 0; ///< rows [yStart, yEnd); yEnd is the rectangle's bottom row
     int step = 0;             ///< grid interval in whole pixels
+    std::vector<float> *distances = nullptr; ///< borrowed scratch memory, no other slice's
 };
 
 /**
