@@ -1,10 +1,6 @@
 #pragma once
 
-#include <QCoreApplication>
 #include <QList>
-#include <QThread>
-#include <QThreadPool>
-#include <QtConcurrentMap>
 
 #include <functional>
 #include <type_traits>
@@ -12,44 +8,31 @@
 /**
  * Blocking parallel loops over lists of slices on Qt's global thread pool.
  *
- * A caller that is not the main thread does the work itself while the pool is saturated, so that
- * tasks which fan out from inside the pool cannot starve each other. Slices run in any order and at
- * the same time; they must write to places of their own.
+ * The caller works on the slices itself, helped by as many pool threads as are free at that moment
+ * and never waiting for one that is not. So a loop ends also when the pool is full of callers of
+ * such loops, where Qt's own blocking maps, which only wait, would wait for each other. Slices run
+ * in any order and at the same time; they must write to places of their own.
  */
 namespace RyConcurrent {
 
-inline const int maxRunningThreads = 3 * QThread::idealThreadCount();
-
-inline bool mustRunSequentially()
-{
-    const QCoreApplication *const application = QCoreApplication::instance();
-    const bool onMainThread = application && QThread::currentThread() == application->thread();
-    return !onMainThread && QThreadPool::globalInstance()->activeThreadCount() >= maxRunningThreads;
-}
+/// Calls body(0) … body(count − 1) and returns when all have returned.
+void forEachIndex(qsizetype count, const std::function<void(qsizetype)> &body);
 
 /// Applies function to every item and returns when all are done.
 template <typename Item, typename Function>
 void blockingMap(QList<Item> &items, Function function)
 {
-    if (mustRunSequentially()) {
-        for (Item &item : items)
-            std::invoke(function, item);
-    } else {
-        QtConcurrent::blockingMap(items, function);
-    }
+    Item *const first = items.data(); // detaches here, once
+    forEachIndex(items.size(), [&](qsizetype i) { std::invoke(function, first[i]); });
 }
 
 /// The results of function for every item, in the order of the items.
 template <typename Item, typename Function>
 auto blockingMapped(const QList<Item> &items, Function function)
 {
-    using Result = std::decay_t<std::invoke_result_t<Function, const Item &>>;
-    if (!mustRunSequentially())
-        return QtConcurrent::blockingMapped<QList<Result>>(items, function);
-    QList<Result> results;
-    results.reserve(items.size());
-    for (const Item &item : items)
-        results.append(std::invoke(function, item));
+    QList<std::decay_t<std::invoke_result_t<Function, const Item &>>> results(items.size());
+    auto *const first = results.data();
+    forEachIndex(items.size(), [&](qsizetype i) { first[i] = std::invoke(function, items.at(i)); });
     return results;
 }
 

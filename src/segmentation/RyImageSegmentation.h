@@ -56,7 +56,7 @@ public:
     Q_DISABLE_COPY_MOVE(RyImageSegmentation)
 
     /// Begins a session on a picture, which is converted to Format_ARGB32 where it is something
-    /// else; a null picture empties the session. Results for an earlier picture never arrive.
+    /// else; a null picture empties the session. Nothing computed for an earlier picture is adopted.
     void setup(const QImage &image, const QFileInfo &fileInfo);
     /// Replaces the picture as given; results of another size are dropped from then on.
     void setImage(const QImage &image);

@@ -4,6 +4,7 @@
 #include "segmentation/RyImageSegmentation_p.h"
 #include "segmentation/RyInitialCut.h"
 #include "segmentation/RyLasso.h"
+#include "superpixels/RySlic.h"
 
 #include <QElapsedTimer>
 #include <QMutexLocker>
@@ -44,7 +45,9 @@ bool RyImageSegmentation::adoptLassoInsideTheLastOne(RySegmentationState &work, 
     const bool covered = RyLasso::isCovered(path, area, [&work](QPainter &painter) {
         painter.fillPath(work.computedPath, Qt::white);
     });
-    if (!covered) {
+    RySlic slic; // what it cannot divide is the business of a worker, which then finds no regions
+    slic.setup(&work.analysis->image(), path);
+    if (!covered || slic.isDegenerate()) {
         const auto startOver = [this, lasso = work.lassoPath, epoch] {
             const auto isCurrent = [this, epoch] {
                 const QMutexLocker lock(&d->mutex);

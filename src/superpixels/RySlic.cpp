@@ -56,7 +56,7 @@ void RySlic::run()
 {
     initialize();
     Q_EMIT increaseProgress();
-    const bool degenerate = isDegenerate();
+    const bool degenerate = isDegenerate() || m_labels.isNull();
     if (!degenerate)
         adjustSuperPixels();
     Q_EMIT increaseProgress();
@@ -71,7 +71,7 @@ void RySlic::run()
 bool RySlic::isDegenerate() const
 {
     const QRect inside = lassoBoundingRect() & m_image->rect();
-    return inside.isEmpty() || !std::isfinite(m_step) || m_step < 1.0 || m_labels.isNull() ||
+    return inside.isEmpty() || !std::isfinite(m_step) || m_step < 1.0 ||
            m_image->imageYCbCr().isNull();
 }
 

@@ -42,6 +42,9 @@ public:
     /// The lasso's bounding rectangle rounded to pixels; null when it cannot be rounded.
     QRect lassoBoundingRect() const;
 
+    /// True when the lasso has no area that could be divided; run() then labels nothing.
+    bool isDegenerate() const;
+
     /// Number of increaseProgress() signals that run() emits.
     int totalProgressSteps() const { return 4; }
 
@@ -71,7 +74,6 @@ Q_SIGNALS:
     void increaseProgress();
 
 private:
-    bool isDegenerate() const;
     QList<RySlicSlice> createSlices();
     void updateSuperPixelInformations();
     void initNewSuperPixels(int count);

@@ -1,0 +1,75 @@
+#include "image/RyConcurrent.h"
+
+#include <QMutex>
+#include <QMutexLocker>
+#include <QThreadPool>
+#include <QWaitCondition>
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+
+namespace {
+
+/// One loop, shared by its caller and its helpers. A helper whose turn comes after the caller has
+/// left touches nothing but this object.
+class Loop
+{
+public:
+    Loop(qsizetype count, const std::function<void(qsizetype)> &body)
+        : m_count(count)
+        , m_body(body)
+    {}
+
+    void work()
+    {
+        for (qsizetype i = m_next.fetch_add(1); i < m_count; i = m_next.fetch_add(1))
+            m_body(i);
+    }
+
+    void help()
+    {
+        {
+            const QMutexLocker lock(&m_mutex);
+            if (m_callerHasLeft)
+                return;
+            ++m_helpers;
+        }
+        work();
+        const QMutexLocker lock(&m_mutex);
+        if (--m_helpers == 0)
+            m_noHelpers.wakeAll();
+    }
+
+    void waitForHelpers()
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_callerHasLeft = true;
+        while (m_helpers > 0)
+            m_noHelpers.wait(&m_mutex);
+    }
+
+private:
+    const qsizetype m_count;
+    const std::function<void(qsizetype)> &m_body; // the caller's; gone once it has left
+    std::atomic<qsizetype> m_next = 0;
+    QMutex m_mutex;             // guards all below
+    QWaitCondition m_noHelpers; // predicate: m_helpers == 0
+    int m_helpers = 0;
+    bool m_callerHasLeft = false;
+};
+
+} // namespace
+
+void RyConcurrent::forEachIndex(qsizetype count, const std::function<void(qsizetype)> &body)
+{
+    const auto loop = std::make_shared<Loop>(count, body);
+    QThreadPool *const pool = QThreadPool::globalInstance();
+    const qsizetype wanted = std::min<qsizetype>(count, pool->maxThreadCount()) - 1;
+    for (qsizetype helper = 0; helper < wanted; ++helper) {
+        if (!pool->tryStart([loop] { loop->help(); }))
+            break;
+    }
+    loop->work();
+    loop->waitForHelpers();
+}

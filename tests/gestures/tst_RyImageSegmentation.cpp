@@ -1,0 +1,542 @@
+#include "RyCpuFeatures.h"
+#include "RyPlatformIndependent.h"
+#include "segmentation/RyImageSegmentation.h"
+#include "support/Pixels.h"
+#include "support/Samples.h"
+#include "support/SessionDriver.h"
+
+#include <QHashSeed>
+#include <QRandomGenerator>
+#include <QSemaphore>
+#include <QSignalSpy>
+#include <QTest>
+#include <QThreadPool>
+
+#include <cmath>
+#include <limits>
+
+/// Whole sessions through the public interface, as a host drives them.
+class tst_RyImageSegmentation : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void photographs_data();
+    void photographs();
+    void tellsProgress();
+    void degenerateInput_data();
+    void degenerateInput();
+    void ignoresPathsThatAreNotFinite();
+    void newestLassoWins();
+    void stoppedWorkersStaySilent();
+    void usesRegionsAgainInsideTheLasso();
+    void computesAnewBesideTheLasso();
+    void changesThePictureWhileComputing_data();
+    void changesThePictureWhileComputing();
+    void cancels();
+    void resetsWhileTheFirstCutRuns();
+    void losesNoRequest();
+    void inverts();
+    void containsPathsInTheGrownLasso();
+    void smoothsAndDrawsPictures();
+    void endsInEveryState();
+    void keepsItsSize();
+    void survivesRandomCalls();
+};
+
+namespace {
+
+/// Kernel and core count for the length of a scope.
+class Machine
+{
+public:
+    Machine(int lanes, int cores)
+    {
+        rySetCpuFeatureEnabled(RyCpuFeature::Avx2, lanes >= 8);
+        rySetCpuFeatureEnabled(RyCpuFeature::Ssse3, lanes >= 4);
+        RyPlatformIndependent::instance().setCoreCountOverride(cores);
+    }
+    ~Machine()
+    {
+        rySetCpuFeatureEnabled(RyCpuFeature::Avx2, true);
+        rySetCpuFeatureEnabled(RyCpuFeature::Ssse3, true);
+        RyPlatformIndependent::instance().setCoreCountOverride(0);
+    }
+    Q_DISABLE_COPY_MOVE(Machine)
+};
+
+QImage labelsOf(const SessionDriver &driver)
+{
+    return driver.session.createMemento(true)->labels();
+}
+
+QImage smallPhotograph()
+{
+    return Samples::photograph(QStringLiteral("coffee.png"), 300);
+}
+
+const QPainterPath smallLasso = Samples::ellipse(35, 5, 210, 190);
+
+} // namespace
+
+void tst_RyImageSegmentation::photographs_data()
+{
+    QTest::addColumn<QString>("picture");
+    QTest::addColumn<int>("lanes");
+    QTest::addColumn<QByteArray>("labels");
+    QTest::addColumn<QByteArray>("mask");
+    const auto add = [](const char *picture, int lanes, const char *labels, const char *mask) {
+        QTest::addRow("%s, %d lanes", picture, lanes)
+                << QString::fromLatin1(picture) << lanes << QByteArray(labels) << QByteArray(mask);
+    };
+    // The kernels' labels differ: inside a group of lanes the columns of the distance run
+    // backwards.
+    add("coffee.png", 8, "", "");
+}
+
+void tst_RyImageSegmentation::photographs()
+{
+    QFETCH(QString, picture);
+    QFETCH(int, lanes);
+    if (lanes == 8 && !ryCpuHasFeature(RyCpuFeature::Avx2))
+        QSKIP("This processor has no AVX2");
+    if (lanes == 4 && !ryCpuHasFeature(RyCpuFeature::Ssse3))
+        QSKIP("This processor has no SSSE3");
+    const QImage photograph = Samples::photograph(picture);
+    const QPainterPath lasso = Samples::lasso(picture.section(u'.', 0, 0));
+    for (const int cores : {1, 2, 3, 8, 64}) {
+        const Machine machine(lanes, cores);
+        if (cores == 3)
+            QHashSeed::setDeterministicGlobalSeed();
+        SessionDriver driver(photograph);
+        const QImage mask = driver.cut(lasso);
+        QHashSeed::resetRandomGlobalSeed();
+        QTEST(Pixels::sha256(labelsOf(driver)), "labels");
+        QTEST(Pixels::sha256(mask), "mask");
+        QCOMPARE(driver.session.maskForeground(), mask);
+    }
+}
+
+void tst_RyImageSegmentation::tellsProgress()
+{
+    SessionDriver driver(smallPhotograph());
+    QVERIFY(!driver.cut(smallLasso).isNull());
+    // Nine steps of the worker, five of the cut; the cut names the worker's share once more.
+    QList<std::pair<int, int>> expected{{0, 5}};
+    for (int step = 1; step <= 9; ++step)
+        expected.append({step, 14});
+    for (int step = 9; step <= 14; ++step)
+        expected.append({step, 14});
+    QCOMPARE(driver.progress, expected);
+    QCOMPARE(driver.masks.size(), 2); // reset()'s null mask, then the cut's
+    QVERIFY(driver.masks.first().isNull());
+
+    const RySegmentationStatistics statistics = driver.session.statistics();
+    QCOMPARE(statistics.requestedSuperPixels, 100);
+    QVERIFY(statistics.superPixels >= statistics.regions && statistics.regions > 1);
+    QVERIFY(statistics.superPixelsMs > 0 && statistics.firstCutMs > 0);
+
+    QVERIFY(!driver.cut(smallLasso).isNull()); // with the regions at hand
+    QCOMPARE(driver.progress, expected.mid(10));
+}
+
+void tst_RyImageSegmentation::degenerateInput_data()
+{
+    QTest::addColumn<QSize>("size");
+    for (const QSize &size : {QSize(0, 0), QSize(1, 1), QSize(1, 300), QSize(300, 1), QSize(3, 3),
+                              QSize(40, 200), QSize(40, 201), QSize(97, 61)})
+        QTest::addRow("%d x %d", size.width(), size.height()) << size;
+}
+
+void tst_RyImageSegmentation::degenerateInput()
+{
+    QFETCH(QSize, size);
+    const qreal w = size.width();
+    const qreal h = size.height();
+    QPolygonF many;
+    for (int i = 0; i < 100000; ++i)
+        many << QPointF(w / 2 + w * 0.4 * std::cos(i), h / 2 + h * 0.4 * std::sin(i * 0.7));
+    const QHash<QString, QPainterPath> lassos{
+            {QStringLiteral("empty"), QPainterPath()},
+            {QStringLiteral("a point"), Samples::closedPath({{w / 2, h / 2}})},
+            {QStringLiteral("a line"), Samples::closedPath({{0, 0}, {w, h}})},
+            {QStringLiteral("5 x 5"), Samples::rectangle(w / 2, h / 2, 5, 5)},
+            {QStringLiteral("all"), Samples::rectangle(0, 0, w, h)},
+            {QStringLiteral("clockwise"), Samples::closedPath({{0, 0}, {w, 0}, {w, h}, {0, h}})},
+            {QStringLiteral("the other way"),
+             Samples::closedPath({{0, 0}, {0, h}, {w, h}, {w, 0}})},
+            {QStringLiteral("self-crossing"),
+             Samples::closedPath({{0, 0}, {w, h}, {w, 0}, {0, h}})},
+            {QStringLiteral("partly outside"), Samples::rectangle(-w, h / 2, w * 1.6, h * 3)},
+            {QStringLiteral("beside"), Samples::rectangle(w + 50, 3, 200, 200)},
+            {QStringLiteral("huge"), Samples::rectangle(-1e15, -1e15, 2e15, 2e15)},
+            {QStringLiteral("100,000 vertices"), Samples::closedPath(many)},
+    };
+    QImage noise(size, QImage::Format_ARGB32);
+    QRandomGenerator random(5);
+    for (int y = 0; y < noise.height(); ++y)
+        random.fillRange(reinterpret_cast<quint32 *>(noise.scanLine(y)), noise.width());
+    SessionDriver driver(noise);
+    for (auto lasso = lassos.begin(); lasso != lassos.end(); ++lasso) {
+        const QImage mask = driver.cut(lasso.value());
+        QCOMPARE(mask.size(), size); // an empty picture has a null mask
+        QCOMPARE(driver.progress.last(), std::make_pair(14, 14));
+        const qsizetype foreground = Pixels::foreground(mask);
+        const bool hasArea = !lasso.value().isEmpty() && lasso.key() != QStringLiteral("a point") &&
+                             lasso.key() != QStringLiteral("a line") &&
+                             lasso.key() != QStringLiteral("5 x 5") &&
+                             lasso.key() != QStringLiteral("beside");
+        QVERIFY2(hasArea || foreground == 0, qPrintable(lasso.key()));
+        QVERIFY(driver.session.isValid());
+    }
+}
+
+void tst_RyImageSegmentation::ignoresPathsThatAreNotFinite()
+{
+    SessionDriver driver(smallPhotograph());
+    const QImage mask = driver.cut(smallLasso);
+    driver.forget();
+    for (const double bad :
+         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+        QPainterPath path(QPointF(50, 50));
+        path.lineTo(200, 50);
+        path.lineTo(150, 150);
+        path.setElementPositionAt(1, 200, bad);
+        driver.session.startThreadWithInitialPath(path);
+    }
+    QCoreApplication::processEvents();
+    QVERIFY(driver.masks.isEmpty() && driver.progress.isEmpty());
+    QCOMPARE(driver.session.maskForeground(), mask);
+}
+
+void tst_RyImageSegmentation::newestLassoWins()
+{
+    const QPainterPath other = Samples::rectangle(20, 20, 260, 150);
+    SessionDriver alone(smallPhotograph());
+    const QImage expected = alone.cut(other);
+    for (int pause = 0; pause < 30; pause += 3) {
+        SessionDriver driver(smallPhotograph());
+        driver.session.startThreadWithInitialPath(smallLasso);
+        QTest::qWait(pause); // whatever the first lasso has come to by then
+        QCOMPARE(driver.cut(other), expected);
+        QCOMPARE(driver.progress.last(), std::make_pair(14, 14));
+    }
+}
+
+void tst_RyImageSegmentation::stoppedWorkersStaySilent()
+{
+    const QImage photograph = smallPhotograph(); // scaled in the pool, which is shut from here on
+    QThreadPool &pool = *QThreadPool::globalInstance();
+    QSemaphore gate;
+    for (int i = 0; i < pool.maxThreadCount(); ++i)
+        pool.start([&gate] { gate.acquire(); });
+    SessionDriver driver(photograph);
+    driver.session.startThreadWithInitialPath(smallLasso); // waits for the pool
+    driver.session.startThreadWithInitialPath(Samples::rectangle(20, 20, 260, 150));
+    driver.session.startThreadWithInitialPath(smallLasso);
+    gate.release(pool.maxThreadCount());
+    QVERIFY(driver.settle());
+    int results = 0;
+    for (const QImage &mask : std::as_const(driver.masks))
+        results += !mask.isNull();
+    QCOMPARE(results, 1);
+}
+
+void tst_RyImageSegmentation::usesRegionsAgainInsideTheLasso()
+{
+    SessionDriver driver(smallPhotograph());
+    const QImage whole = driver.cut(smallLasso);
+    const QImage labels = labelsOf(driver);
+    const QImage part = driver.cut(Samples::ellipse(80, 40, 130, 130));
+    QCOMPARE(labelsOf(driver), labels);
+    QVERIFY(Pixels::foreground(part) > 0);
+    QVERIFY(Pixels::foreground(part) < Pixels::foreground(whole));
+    QVERIFY(driver.session.statistics().superPixelsMs == 0.0);
+    QCOMPARE(driver.cut(smallLasso), whole); // and back
+}
+
+void tst_RyImageSegmentation::computesAnewBesideTheLasso()
+{
+    // In the rectangle of the first lasso, but in the corner that it leaves out.
+    const QPainterPath hook =
+            Samples::closedPath({{20, 20}, {280, 20}, {280, 60}, {90, 60}, {90, 180}, {20, 180}});
+    const QPainterPath corner = Samples::rectangle(120, 80, 140, 90);
+    SessionDriver alone(smallPhotograph());
+    const QImage expected = alone.cut(corner);
+    SessionDriver driver(smallPhotograph());
+    driver.cut(hook);
+    QCOMPARE(driver.cut(corner), expected);
+    QCOMPARE(labelsOf(driver), labelsOf(alone));
+}
+
+void tst_RyImageSegmentation::changesThePictureWhileComputing_data()
+{
+    QTest::addColumn<QSize>("before");
+    QTest::addColumn<QSize>("after");
+    const QList<QSize> sizes{{300, 200}, {299, 200}, {40, 30}, {0, 0}};
+    for (const QSize &before : sizes) {
+        for (const QSize &after : sizes)
+            QTest::addRow("%dx%d to %dx%d", before.width(), before.height(), after.width(),
+                          after.height())
+                    << before << after;
+    }
+}
+
+void tst_RyImageSegmentation::changesThePictureWhileComputing()
+{
+    QFETCH(QSize, before);
+    QFETCH(QSize, after);
+    const QImage first = smallPhotograph().scaled(before);
+    const QImage second = smallPhotograph().mirrored().scaled(after);
+    for (const bool convert : {true, false}) {
+        for (int pause = 0; pause < 24; pause += 4) {
+            SessionDriver driver(first);
+            driver.session.startThreadWithInitialPath(smallLasso);
+            QTest::qWait(pause);
+            if (convert)
+                driver.session.setup(second, QFileInfo());
+            else
+                driver.session.setImage(second);
+            QVERIFY(driver.settle());
+            // Nothing of the first picture is adopted. (A mask that was on its way may be heard.)
+            QVERIFY(!convert || (!driver.session.isValid() && driver.progress.last().first == 0));
+            driver.session.setMaskColor(Qt::blue); // a mask of another size is only recoloured
+            QCOMPARE(driver.session.drawContour().size(), after);
+            QCOMPARE(driver.cut(smallLasso).size(), after);
+            QCOMPARE(driver.progress.last(), std::make_pair(14, 14));
+        }
+    }
+}
+
+void tst_RyImageSegmentation::cancels()
+{
+    SessionDriver driver(smallPhotograph());
+    driver.session.cancel(); // with nothing to do
+    QCOMPARE(driver.masks.size(), 1);
+    QVERIFY(driver.masks.first().isNull());
+
+    // While only the worker runs it is left alone, and its result adopted.
+    driver.forget();
+    driver.session.startThreadWithInitialPath(smallLasso);
+    driver.session.cancel();
+    QVERIFY(driver.waitForMask());
+    QVERIFY(driver.session.isValid());
+
+    const QImage mask = driver.masks.last();
+    driver.session.cancel();
+    QVERIFY(!driver.session.isValid());
+    QCOMPARE(driver.session.maskForeground(), mask); // stays readable
+    for (int pause = 0; pause < 30; pause += 2) {
+        driver.session.startThreadWithInitialPath(smallLasso);
+        QTest::qWait(pause);
+        driver.session.cancel();
+        QCOMPARE(driver.cut(smallLasso), mask);
+    }
+}
+
+void tst_RyImageSegmentation::resetsWhileTheFirstCutRuns()
+{
+    SessionDriver driver(smallPhotograph());
+    const QImage mask = driver.cut(smallLasso);
+    for (int i = 0; i < 50; ++i) {
+        driver.session.startThreadWithInitialPath(Samples::ellipse(80, 40, 130, 130));
+        driver.session.reset();
+        QVERIFY(!driver.session.isValid());
+        QCOMPARE(driver.cut(smallLasso), mask);
+    }
+}
+
+void tst_RyImageSegmentation::losesNoRequest()
+{
+    // Requests that meet the session's thread in its last instructions.
+    SessionDriver driver(Samples::photograph(QStringLiteral("coffee.png"), 60));
+    QVERIFY(!driver.cut(Samples::rectangle(5, 5, 50, 30)).isNull());
+    QRandomGenerator random(11);
+    for (int i = 0; i < 2000; ++i) {
+        const QColor color(i % 256, i / 256, 128);
+        driver.session.setMaskColor(color);
+        if (random.bounded(4) == 0)
+            QThread::usleep(random.bounded(60U));
+        if (i % 3 != 0)
+            continue;
+        QVERIFY(SessionDriver::waitFor(
+                [&] { return driver.session.maskForeground().pixel(0, 0) == color.rgb(); }));
+    }
+    SessionDriver::waitFor([&] { return !driver.session.isRunning(); });
+    driver.forget();
+    driver.session.setMaskColor(Qt::green);
+    QVERIFY(SessionDriver::waitFor([&] { return driver.masks.size() == 1; }));
+}
+
+void tst_RyImageSegmentation::inverts()
+{
+    SessionDriver driver(smallPhotograph());
+    const QImage mask = driver.cut(smallLasso);
+    const qsizetype background = qsizetype(mask.width()) * mask.height() - Pixels::foreground(mask);
+    SessionDriver::waitFor([&] { return !driver.session.isRunning(); });
+    driver.forget();
+    driver.session.invertMask();
+    QVERIFY(driver.waitForMask());
+    QCOMPARE(Pixels::foreground(driver.masks.last()), background);
+    driver.session.setMaskIsInverted(true); // no change: it is inverted
+    QCOMPARE(Pixels::foreground(driver.session.maskForeground()), background);
+    driver.session.setMaskIsInverted(false); // at once
+    QCOMPARE(driver.session.maskForeground(), mask);
+    const auto memento = driver.session.createMemento(false);
+    QVERIFY(memento->labels().isNull() && memento->pointsOfSuperpixels().isEmpty());
+    QCOMPARE(memento->mask(), mask);
+}
+
+void tst_RyImageSegmentation::containsPathsInTheGrownLasso()
+{
+    SessionDriver driver(smallPhotograph());
+    const QPainterPath inner = Samples::ellipse(60, 30, 100, 100);
+    QVERIFY(!driver.session.containsPath(inner));
+    driver.cut(smallLasso);
+    QVERIFY(driver.session.containsPath(inner));
+    QVERIFY(!driver.session.containsPath(Samples::rectangle(0, 0, 300, 200)));
+    const QImage lassoImage = driver.session.createImageWithLassoPath();
+    QCOMPARE(lassoImage.pixel(140, 100), 0xFFFFFFFFU);
+    QCOMPARE(lassoImage.pixel(290, 10), 0xFF000000U);
+}
+
+void tst_RyImageSegmentation::smoothsAndDrawsPictures()
+{
+    SessionDriver driver(smallPhotograph());
+    QVERIFY(driver.session.createSmoothForegroundMask(4).isNull());
+    QVERIFY(driver.session.createMask(smallLasso).isNull());
+    const QImage mask = driver.cut(smallLasso);
+    for (const int radius : {0, 5}) {
+        const QImage smooth = driver.session.createSmoothForegroundMask(radius);
+        QCOMPARE(smooth.format(), QImage::Format_Mono);
+        QCOMPARE(smooth.size(), mask.size());
+        // Far from every outline the smooth mask says what the mask says.
+        const QRgb corner = smooth.pixel(2, 2);
+        QCOMPARE(corner, 0xFFFFFFFFU);
+    }
+    const QImage stroke = driver.session.createMask(Samples::rectangle(10, 10, 20, 20));
+    QCOMPARE(stroke.size(), mask.size());
+    QCOMPARE(Pixels::count(stroke, [](QRgb p) { return p == 0xFFFFFFFFU; }), 400);
+    QVERIFY(Pixels::foreground(driver.session.drawContour()) < mask.width() * mask.height());
+}
+
+void tst_RyImageSegmentation::endsInEveryState()
+{
+    for (int pause = -1; pause < 40; pause += 1) {
+        auto driver = std::make_unique<SessionDriver>(smallPhotograph());
+        if (pause >= 0)
+            driver->session.startThreadWithInitialPath(smallLasso);
+        if (pause > 0)
+            QTest::qWait(pause);
+        if (pause % 3 == 0)
+            driver->session.setMaskColor(Qt::red);
+        driver.reset();
+        QCoreApplication::processEvents();
+    }
+    QVERIFY(QThreadPool::globalInstance()->waitForDone(30000));
+}
+
+static qint64 residentPages()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(1).toLongLong() : 0;
+}
+
+void tst_RyImageSegmentation::keepsItsSize()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    QSKIP("Sanitizers keep freed memory");
+#endif
+    SessionDriver driver(smallPhotograph());
+    qint64 early = 0;
+    for (int i = 0; i < 500; ++i) {
+        // Alternating outlines, so that every lasso needs a worker; some are overtaken.
+        driver.session.startThreadWithInitialPath(i % 2 ? smallLasso
+                                                        : Samples::rectangle(20, 20, 260, 150));
+        if (i % 5 != 0) {
+            QVERIFY(SessionDriver::waitFor(
+                    [&] { return !driver.masks.isEmpty() && !driver.masks.last().isNull(); }));
+            driver.forget();
+        }
+        if (i == 20)
+            early = residentPages();
+    }
+    const qint64 late = residentPages();
+    if (early == 0)
+        QSKIP("This system does not tell the size of a process");
+    QVERIFY2(late < early * 1.2,
+             qPrintable(QStringLiteral("%1 pages, then %2").arg(early).arg(late)));
+}
+
+void tst_RyImageSegmentation::survivesRandomCalls()
+{
+    QRandomGenerator random(2026);
+    const QList<QImage> pictures{smallPhotograph(), smallPhotograph().scaled(120, 90), QImage(),
+                                 smallPhotograph().convertToFormat(QImage::Format_Grayscale8)};
+    SessionDriver driver(pictures.first());
+    const auto lasso = [&random] {
+        const int x = random.bounded(-20, 200);
+        const int y = random.bounded(-20, 120);
+        return Samples::ellipse(x, y, random.bounded(300), random.bounded(200));
+    };
+    for (int i = 0; i < 1500; ++i) {
+        RyImageSegmentation &session = driver.session;
+        switch (random.bounded(16)) {
+        case 0:
+            session.setup(pictures.at(random.bounded(int(pictures.size()))), {});
+            break;
+        case 1:
+            session.setImage(pictures.at(random.bounded(2)));
+            break;
+        case 2:
+            session.reset();
+            break;
+        case 3:
+            session.cancel();
+            break;
+        case 4:
+            session.setMaskColor(QColor::fromRgb(random.generate()));
+            break;
+        case 5:
+            session.invertMask();
+            break;
+        case 6:
+            session.setMaskIsInverted(random.bounded(2));
+            break;
+        case 7:
+            session.drawContour();
+            break;
+        case 8:
+            session.containsPath(lasso());
+            break;
+        case 9:
+            session.requestInterruption();
+            break;
+        case 10:
+            session.createMask(lasso());
+            break;
+        case 11:
+            session.setProgressFromWorker(3, 9);
+            break;
+        case 12:
+            QTest::qWait(random.bounded(12));
+            break;
+        default:
+            session.startThreadWithInitialPath(lasso());
+            break;
+        }
+        if (random.bounded(3) == 0)
+            QCoreApplication::processEvents();
+        const auto memento = session.createMemento(true);
+        QVERIFY(!memento->foregroundClusters().intersects(memento->backgroundClusters()));
+    }
+    driver.session.setup(pictures.first(), QFileInfo());
+    driver.session.setMaskColor(Qt::white);
+    driver.session.setMaskIsInverted(false);
+    SessionDriver fresh(pictures.first());
+    const QImage expected = fresh.cut(smallLasso);
+    QCOMPARE(driver.cut(smallLasso), expected); // and it still cuts as on the first day
+}
+
+QTEST_MAIN(tst_RyImageSegmentation)
+#include "tst_RyImageSegmentation.moc"

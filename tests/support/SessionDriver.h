@@ -1,0 +1,78 @@
+#pragma once
+
+#include "segmentation/RyImageSegmentation.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QList>
+#include <QThreadPool>
+
+/// A session and everything it has said, in the order in which a host hears it.
+class SessionDriver
+{
+public:
+    SessionDriver()
+    {
+        session.setMaskColor(Qt::white);
+        QObject::connect(&session, &RyImageSegmentation::sendNewMask, &session,
+                         [this](const QImage &mask) { masks.append(mask); });
+        QObject::connect(&session, &RyImageSegmentation::segmentationProgress, &session,
+                         [this](int current, int total) {
+                             progress.append({current, total});
+                         });
+    }
+
+    explicit SessionDriver(const QImage &picture)
+        : SessionDriver()
+    {
+        session.setup(picture, QFileInfo());
+        forget();
+    }
+
+    void forget()
+    {
+        masks.clear();
+        progress.clear();
+    }
+
+    /// Lets the host's event loop turn until the predicate holds; false after a minute.
+    template <typename Predicate>
+    static bool waitFor(Predicate predicate)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (!predicate() && timer.elapsed() < 60000)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        return timer.elapsed() < 60000 || predicate();
+    }
+
+    bool waitForMask()
+    {
+        return waitFor([this] { return !masks.isEmpty() && !masks.last().isNull(); });
+    }
+
+    /// Waits until nothing computes any more and everything that was said has been heard; signals
+    /// of work that was overtaken may come late.
+    bool settle()
+    {
+        int idleTurns = 0;
+        return waitFor([&] {
+            const bool idle =
+                    !session.isRunning() && QThreadPool::globalInstance()->activeThreadCount() == 0;
+            idleTurns = idle ? idleTurns + 1 : 0;
+            return idleTurns > 2;
+        });
+    }
+
+    /// Draws a lasso and waits for its mask; null when none came.
+    QImage cut(const QPainterPath &lasso)
+    {
+        forget();
+        session.startThreadWithInitialPath(lasso);
+        return settle() && !masks.isEmpty() ? masks.last() : QImage();
+    }
+
+    QList<QImage> masks;
+    QList<std::pair<int, int>> progress;
+    RyImageSegmentation session; // last: it goes first, and may still speak while it does
+};

@@ -1,0 +1,119 @@
+#include "segmentation/RyExpandedLasso.h"
+#include "segmentation/RyLasso.h"
+#include "support/Pixels.h"
+#include "support/Samples.h"
+
+#include <QPainter>
+#include <QPainterPathStroker>
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <cmath>
+#include <limits>
+
+class tst_RyExpandedLasso : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void fillsWhatPathAlgebraGives_data();
+    void fillsWhatPathAlgebraGives();
+    void containsByPixels();
+    void snapsToTheBorder();
+    void roundsHugeRectangles();
+};
+
+static const QRect picture(0, 0, 600, 400);
+
+static QPainterPath freehand(int points, double trembling)
+{
+    QRandomGenerator random(7);
+    QPolygonF polygon;
+    for (int i = 0; i < points; ++i) {
+        const double angle = 2.0 * M_PI * i / points;
+        const auto tremble = [&] { return trembling * (random.bounded(2.0) - 1.0); };
+        polygon << QPointF(300 + 180 * std::cos(angle) + tremble(),
+                           200 + 120 * std::sin(angle) + tremble());
+    }
+    return Samples::closedPath(polygon);
+}
+
+void tst_RyExpandedLasso::fillsWhatPathAlgebraGives_data()
+{
+    QTest::addColumn<QPainterPath>("lasso");
+    QTest::addRow("rectangle") << Samples::rectangle(100.5, 80.25, 200, 150);
+    QTest::addRow("ellipse") << Samples::ellipse(50, 50, 300, 200);
+    QTest::addRow("at the corner") << Samples::rectangle(0, 0, 90, 400);
+    QTest::addRow("outside") << Samples::rectangle(700, 10, 90, 90);
+    QTest::addRow("a line") << Samples::closedPath({{50, 50}, {300, 200}});
+    QTest::addRow("self-crossing")
+            << Samples::closedPath({{100, 100}, {400, 300}, {400, 100}, {100, 300}});
+    QTest::addRow("star, its middle outside by the odd-even rule")
+            << Samples::closedPath({{300, 40}, {390, 330}, {120, 150}, {480, 150}, {210, 330}});
+    QTest::addRow("open") << [] {
+        QPainterPath path(QPointF(100, 100));
+        path.lineTo(400, 120);
+        path.lineTo(300, 300);
+        return path;
+    }();
+    QTest::addRow("freehand, smooth") << freehand(200, 0.0);
+    QTest::addRow("freehand, trembling") << freehand(150, 3.0);
+}
+
+void tst_RyExpandedLasso::fillsWhatPathAlgebraGives()
+{
+    QFETCH(QPainterPath, lasso);
+    bool isCurved = false;
+    for (int i = 0; i < lasso.elementCount(); ++i)
+        isCurved |= lasso.elementAt(i).isCurveTo();
+    QPainterPathStroker stroker;
+    stroker.setWidth(20);
+    const QPainterPath grown = stroker.createStroke(lasso).united(lasso).intersected(
+            Samples::rectangle(0, 0, picture.width(), picture.height()));
+    QImage expected(picture.size(), QImage::Format_ARGB32_Premultiplied);
+    expected.fill(Qt::black);
+    QImage actual = expected;
+    QPainter(&expected).fillPath(grown, Qt::white);
+    const RyExpandedLasso expanded(lasso, picture, 10);
+    QPainter painter(&actual);
+    expanded.fill(painter);
+    painter.end();
+    // Path algebra rounds the points where outlines cross and cuts curves at other places than the
+    // rasteriser does; a few pixel centres lie in between.
+    const qsizetype different = Pixels::differing(actual, expected);
+    QVERIFY2(different <= (isCurved ? 20 : 4), qPrintable(QString::number(different)));
+    QCOMPARE(expanded.boundingRect().toRect(), grown.boundingRect().toRect());
+}
+
+void tst_RyExpandedLasso::containsByPixels()
+{
+    const RyExpandedLasso expanded(Samples::ellipse(100, 100, 200, 200), picture, 10);
+    QVERIFY(expanded.contains(Samples::ellipse(95, 95, 210, 210))); // within the margin
+    QVERIFY(!expanded.contains(Samples::ellipse(85, 85, 230, 230)));
+    QVERIFY(!expanded.contains(Samples::rectangle(95, 95, 20, 20))); // in the rectangle's corner
+    QVERIFY(!expanded.contains(QPainterPath()));
+    QVERIFY(!RyExpandedLasso().contains(Samples::rectangle(1, 1, 5, 5)));
+}
+
+void tst_RyExpandedLasso::snapsToTheBorder()
+{
+    const QPainterPath path = RyLasso::snappedToBorder(
+            Samples::closedPath({{1, 5}, {985, 40}, {980, 2000}, {20, 395}, {-7e12, 392}}),
+            QSize(1000, 400));
+    const QList<QPointF> expected{{0, 0}, {1000, 40}, {980, 400}, {20, 400}, {0, 392}};
+    for (int i = 0; i < expected.size(); ++i)
+        QCOMPARE(QPointF(path.elementAt(i)), expected.at(i));
+}
+
+void tst_RyExpandedLasso::roundsHugeRectangles()
+{
+    const QRect rect = RyLasso::boundingRect(Samples::rectangle(-1e15, 20, 2e15, 30));
+    QVERIFY(rect.left() < -100000000 && rect.right() > 100000000);
+    QCOMPARE(rect.top(), 20);
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    QVERIFY(!RyLasso::isFinite(Samples::closedPath({{0, 0}, {infinity, 1}, {1, 1}})));
+    QVERIFY(RyLasso::isFinite(Samples::rectangle(-1e15, 20, 2e15, 30)));
+}
+
+QTEST_GUILESS_MAIN(tst_RyExpandedLasso)
+#include "tst_RyExpandedLasso.moc"
