@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPainterPath>
 #include <QRect>
 
 #include <cmath>
@@ -13,4 +14,16 @@ inline QRect ryRoundedRect(const QRectF &rect)
     const bool allFit =
             fits(rect.left()) && fits(rect.top()) && fits(rect.right()) && fits(rect.bottom());
     return allFit ? rect.toRect() : QRect();
+}
+
+/// The same for the bounds of a path whose coordinates all are of that kind. Its elements are
+/// looked at one by one: the bounds of a path pass over what is not a number.
+inline QRect ryRoundedRect(const QPainterPath &path)
+{
+    for (int i = 0; i < path.elementCount(); ++i) {
+        const QPainterPath::Element element = path.elementAt(i);
+        if (!std::isfinite(element.x) || !std::isfinite(element.y))
+            return QRect();
+    }
+    return ryRoundedRect(path.boundingRect());
 }

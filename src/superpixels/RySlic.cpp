@@ -30,6 +30,7 @@ void RySlic::setup(const RyImage *image, const QPainterPath &lasso)
 {
     m_image = image;
     m_lassoPath = lasso;
+    m_lassoRect = ryRoundedRect(lasso);
     setupParameters(countSuperPixels());
 }
 
@@ -47,9 +48,9 @@ int RySlic::countSuperPixels() const
     return int(std::clamp(count, 100.0, 1200.0));
 }
 
-QRect RySlic::lassoBoundingRect() const
+QRect RySlic::fillableArea() const
 {
-    return ryRoundedRect(m_lassoPath.boundingRect());
+    return lassoBoundingRect().adjusted(-1, 0, 1, 0) & m_labels.rect();
 }
 
 void RySlic::run()
@@ -154,9 +155,9 @@ QList<RySlicSlice> RySlic::createSlices()
     for (int x = rect.left(); x < rect.right();) {
         slice.xStart = x;
         x = roundedDown(x, 8) + sliceWidth;
-        // The last slice holds the whole group of the right-hand column however many slices there
-        // are, else results would depend on the core count.
-        const int end = x < rect.right() ? x : std::max(x, roundedDown(rect.right(), 8) + 8);
+        // The last slice holds whole groups up to the last column that the lasso can fill, however
+        // many slices there are, else results would depend on the core count.
+        const int end = x < rect.right() ? x : std::max(x, roundedDown(rect.right() + 1, 8) + 8);
         slice.xEnd = std::clamp(end, 0, m_image->width());
         slices.append(slice);
     }
@@ -182,8 +183,7 @@ void RySlic::addLabelledPixels()
 
 void RySlic::clipLabelsToLasso()
 {
-    const QRect rect = lassoBoundingRect();
-    const QRect inside = rect & m_labels.rect();
+    const QRect inside = fillableArea();
     // The lasso filled without antialiasing decides pixel by pixel. A path of everything outside
     // it would say the same, but takes seconds to build for a long freehand lasso.
     QImage lassoMask(inside.size(), QImage::Format_ARGB32_Premultiplied);

@@ -40,7 +40,7 @@ public:
     int requestedSuperPixels() const { return m_superPixelCount; }
 
     /// The lasso's bounding rectangle rounded to pixels; null when it cannot be rounded.
-    QRect lassoBoundingRect() const;
+    QRect lassoBoundingRect() const { return m_lassoRect; }
 
     /// True when the lasso has no area that could be divided; run() then labels nothing.
     bool isDegenerate() const;
@@ -74,6 +74,10 @@ Q_SIGNALS:
     void increaseProgress();
 
 private:
+    /// The columns and rows that may hold labels when the lasso has been cut out. Position and
+    /// width of its rectangle are rounded one by one, so that the lasso may fill one column beside
+    /// it.
+    QRect fillableArea() const;
     QList<RySlicSlice> createSlices();
     void updateSuperPixelInformations();
     void initNewSuperPixels(int count);
@@ -86,5 +90,6 @@ private:
     QImage m_labels;
     QList<RySuperPixel> m_superPixels; // index = label; 0 is reserved and never a cluster
     QPainterPath m_lassoPath;
+    QRect m_lassoRect; // of the path, rounded; null when it cannot be
     const RyImage *m_image = nullptr;
 };

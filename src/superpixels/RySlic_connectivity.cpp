@@ -178,20 +178,21 @@ void RySlic::forceConnectivity()
     const qint64 smallArea = meanArea / smallRegionDivisor;
     std::vector<Run> runs;
     if (rect.top() < rect.bottom())
-        runs = connectedRuns(m_labels, rect & m_labels.rect());
+        runs = connectedRuns(m_labels, fillableArea());
 
     std::vector<qint64> area(runs.size(), 0); // at the roots
     for (std::size_t i = 0; i < runs.size(); ++i)
         area[rootOf(runs, i)] += runs[i].end - runs[i].begin;
 
-    // Regions are numbered as a scan meets them that leaves out the rectangle's bottom row and
+    // Regions are numbered as a scan of the rectangle meets them that leaves out its bottom row and
     // right-hand column; a region that lies nowhere else keeps label 0.
     std::vector<qint32> newLabel(runs.size(), 0); // at the roots
     qint32 nextLabel = 1;
     qint32 nextMark = firstMark;
     for (std::size_t i = 0; i < runs.size(); ++i) {
         qint32 &label = newLabel[rootOf(runs, i)];
-        if (label != 0 || runs[i].row >= rect.bottom() || runs[i].begin >= rect.right())
+        if (label != 0 || runs[i].row >= rect.bottom() || runs[i].begin >= rect.right() ||
+            runs[i].end <= rect.left())
             continue;
         label = area[rootOf(runs, i)] <= smallArea ? nextMark-- : nextLabel++;
     }
@@ -217,7 +218,7 @@ void RySlic::initNewSuperPixels(int count)
 void RySlic::allocateSmallClusters()
 {
     SmallRegionScan scan(m_labels, m_image->imageYCbCr());
-    const QRect area = lassoBoundingRect() & m_labels.rect();
+    const QRect area = fillableArea();
     const int endRow = std::min(area.bottom() + 1, m_labels.height() - 1);
     const int endColumn = std::min(area.right() + 1, m_labels.width() - 1);
     for (int y = area.top(); y < endRow; ++y) {
