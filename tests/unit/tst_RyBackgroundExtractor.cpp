@@ -1,0 +1,175 @@
+#include "regiongrowing/RyBackgroundExtractor.h"
+#include "regiongrowing/RyHistogram3D.h"
+#include "regiongrowing/RyHistogram3DIndex.h"
+#include "support/TestPictures.h"
+
+#include <QTest>
+
+#include <array>
+#include <map>
+
+namespace {
+
+constexpr QRgb colorOfCandidate = 0xFF508090;
+constexpr QRgb otherColor = 0xFFF00010;
+
+/// One row: pixels of the candidate's colour and others, marked by the mask, then the same
+/// unmarked.
+struct Strip
+{
+    QImage plane, mask;
+
+    explicit Strip(const QList<int> &counts)
+    {
+        QList<QRgb> pixels, marks;
+        for (int i = 0; i < 4; ++i) {
+            pixels += QList<QRgb>(counts[i], i % 2 ? otherColor : colorOfCandidate);
+            marks += QList<QRgb>(counts[i], i < 2 ? 0x01000000 : 0x00FFFFFF); // any alpha marks
+        }
+        plane = QImage(int(pixels.size()), 1, QImage::Format_ARGB32);
+        mask = plane;
+        std::copy(pixels.begin(), pixels.end(), reinterpret_cast<QRgb *>(plane.scanLine(0)));
+        std::copy(marks.begin(), marks.end(), reinterpret_cast<QRgb *>(mask.scanLine(0)));
+    }
+};
+
+/// Colours rounded down to sixteenths, counted in ordered containers.
+QSet<int> plainBackground(const QImage &plane, const QImage &mask,
+                          const QList<RySuperPixel> &records, const QSet<int> &candidates)
+{
+    using Bin = std::array<int, 3>;
+    std::map<Bin, int> inside, outside;
+    int outsideSize = 0;
+    for (int y = 0; y < plane.height(); ++y)
+        for (int x = 0; x < plane.width(); ++x) {
+            if (!mask.valid(x, y))
+                continue;
+            const QRgb pixel = plane.pixel(x, y);
+            const Bin bin{qRed(pixel) / 16, qGreen(pixel) / 16, qBlue(pixel) / 16};
+            ++(qAlpha(mask.pixel(x, y)) ? inside : outside)[bin];
+            outsideSize += qAlpha(mask.pixel(x, y)) == 0;
+        }
+    const int limit = int(outsideSize * 0.3);
+    QSet<int> result;
+    for (const int label : candidates) {
+        if (label < 0 || label >= records.size())
+            continue;
+        const RyYCbCr color = records[label].averageYCbCr();
+        const Bin bin{int(color.luminance() / 16), int(color.cb() / 16), int(color.cr() / 16)};
+        if (outside[bin] < inside[bin] && limit > outside[bin] * 0.1)
+            result.insert(label);
+    }
+    return result;
+}
+
+} // namespace
+
+class tst_RyBackgroundExtractor : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void findsBins();
+    void hashesInBase255();
+    void comparesCounts_data();
+    void comparesCounts();
+    void extractsLikePlainCode_data();
+    void extractsLikePlainCode();
+};
+
+void tst_RyBackgroundExtractor::findsBins()
+{
+    const RyHistogram3D empty;
+    QCOMPARE(empty.createIndex(RyYCbCr(17, 255, 0)), 241);
+    QCOMPARE(empty.createIndex(RyYCbCr(0, 0, 255)), 3840);
+    QCOMPARE(empty.createIndex(RyYCbCr(255, 255, 255)), 4095);
+    QCOMPARE(empty.value(RyYCbCr(0, 0, 0)), 0); // no bins at all
+    QImage pixel(1, 1, QImage::Format_ARGB32);
+    pixel.fill(0xFFFFFFFF);
+    RyHistogram3D histogram(pixel, pixel, true);
+    histogram.buildHistogram();
+    QCOMPARE(histogram.size(), 1);
+    QCOMPARE(histogram.value(RyYCbCr(240, 245, 255)), 1);
+    QCOMPARE(histogram.value(RyYCbCr(255, 255, 256)), 0);          // beyond the bins
+    QCOMPARE(histogram.value(RyYCbCr(0, 0, 0x0FFFFFFF)), 0);       // a negative index
+    QCOMPARE(histogram.value(RyYCbCr(0xFFFFFFFF, 0xFFFF, 77)), 0); // a wrapped one
+}
+
+void tst_RyBackgroundExtractor::hashesInBase255()
+{
+    QCOMPARE(RyHistogram3DIndex(1, 2, 3).hash(), qint64(1 + 2 * 255 + 3 * 65025));
+    QCOMPARE(RyHistogram3DIndex(0, 1, 0).hash(), RyHistogram3DIndex(255, 0, 0).hash());
+    QCOMPARE(RyHistogram3DIndex(0, 0, 33026).hash(), qint64(33026) * 65025 - 4294967296);
+    QVERIFY(RyHistogram3DIndex() == RyHistogram3DIndex(0, 0, 0));
+    QVERIFY(!(RyHistogram3DIndex(0, 1, 0) == RyHistogram3DIndex(255, 0, 0)));
+}
+
+void tst_RyBackgroundExtractor::comparesCounts_data()
+{
+    QTest::addColumn<QList<int>>("counts"); // marked: candidate's, others; unmarked the same
+    QTest::addColumn<bool>("taken");
+    QTest::newRow("nothing marked") << QList<int>{0, 0, 3, 9} << false;
+    QTest::newRow("other colours marked") << QList<int>{0, 5, 0, 9} << false;
+    QTest::newRow("3 outside") << QList<int>{1, 0, 0, 3} << false; // 0.9, truncated
+    QTest::newRow("4 outside") << QList<int>{1, 0, 0, 4} << true;
+    QTest::newRow("as many") << QList<int>{7, 0, 7, 20} << false;
+    QTest::newRow("one more") << QList<int>{8, 90, 7, 20} << true;
+    QTest::newRow("nothing outside") << QList<int>{8, 3, 0, 0} << false;
+    QTest::newRow("3 of 3 outside") << QList<int>{5, 0, 3, 0} << false;
+    QTest::newRow("4 of 4 outside") << QList<int>{5, 0, 4, 0} << true;
+}
+
+void tst_RyBackgroundExtractor::comparesCounts()
+{
+    QFETCH(QList<int>, counts);
+    QFETCH(bool, taken);
+    const Strip strip(counts);
+    const RyImage image(strip.plane, strip.plane, QFileInfo());
+    RyBackgroundExtractor extractor;
+    extractor.setup(&image);
+    extractor.setSuperPixelInformations({RySuperPixel(), RySuperPixel(0x5F, 0x8F, 0x9F, 0, 0)});
+    QCOMPARE(extractor.extractBackground({1}, strip.mask), taken ? QSet<int>{1} : QSet<int>{});
+    QCOMPARE(extractor.extractBackground({}, strip.mask), QSet<int>{});
+    QCOMPARE(extractor.extractBackground({-1, 2}, strip.mask), QSet<int>{}); // without a record
+}
+
+void tst_RyBackgroundExtractor::extractsLikePlainCode_data()
+{
+    QTest::addColumn<QImage>("picture");
+    QTest::addColumn<QImage>("mask");
+    const QImage coffee =
+            TestPictures::photograph("coffee.png", QRect(0, 0, 600, 400), QSize(150, 100));
+    const QImage noise = TestPictures::noise(150, 100, 1);
+    for (const QSize size : {QSize(150, 100), QSize(90, 120), QSize(200, 30), QSize()}) {
+        QImage mask(size, QImage::Format_ARGB32);
+        mask.fill(Qt::transparent);
+        for (int y = 10; y < size.height() * 2 / 3; ++y)
+            for (int x = 20; x < size.width() - 30; ++x)
+                mask.setPixel(x, y, QRgb(x * y % 3) << 24);
+        QTest::addRow("coffee, mask %d x %d", size.width(), size.height()) << coffee << mask;
+        QTest::addRow("noise, mask %d x %d", size.width(), size.height()) << noise << mask;
+    }
+}
+
+void tst_RyBackgroundExtractor::extractsLikePlainCode()
+{
+    QFETCH(QImage, picture);
+    QFETCH(QImage, mask);
+    const RyImage image(picture, QFileInfo());
+    const QImage plane = image.imageYCbCr();
+    QList<RySuperPixel> records{RySuperPixel()};
+    QSet<int> candidates{0, -7};
+    for (int i = 1; i < 500; ++i) { // colours from all over the picture
+        const QRgb pixel = plane.pixel(i * 53 % plane.width(), i * 31 % plane.height());
+        records.append(RySuperPixel(qRed(pixel), qGreen(pixel), qBlue(pixel), 0, 0));
+        candidates.insert(i * 3); // a third has no record
+    }
+    RyBackgroundExtractor extractor;
+    extractor.setup(&image);
+    extractor.setSuperPixelInformations(records);
+    const QSet<int> expected = plainBackground(plane, mask, records, candidates);
+    QCOMPARE(extractor.extractBackground(candidates, mask), expected);
+}
+
+QTEST_GUILESS_MAIN(tst_RyBackgroundExtractor)
+#include "tst_RyBackgroundExtractor.moc"
