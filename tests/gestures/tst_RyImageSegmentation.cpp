@@ -91,7 +91,30 @@ void tst_RyImageSegmentation::photographs_data()
     };
     // The kernels' labels differ: inside a group of lanes the columns of the distance run
     // backwards.
-    add("coffee.png", 8, "", "");
+    add("astronaut.png", 1, "c13e793a7aa1084ade9252c6796dbc071c4260f763814fc5098a2cf5e5e74e87",
+        "33833f58647c133bee4a02fc999adbee605476dab750c89fd77fd73ae6909006");
+    add("astronaut.png", 4, "481d45001df37f277223043d2b0a2c20a4d49e5b7fdd1042d86a899f211f064f",
+        "ab0fa7bd1da3d41510fe5be237bca710668444295a429fde53bc606f750563c5");
+    add("astronaut.png", 8, "14f8f6c9eafbd623257de7d4da476cd87c1181919861709d1a0088583918b3ed",
+        "26d9fd1cd68e20be20acefd77a650a9e895780861b41ed05fc8229e93e157919");
+    add("chelsea.png", 1, "dfaf595aee5995786849f5c645c560558524c3cb141a95761e1c67e118ac0bf7",
+        "5af727fbe7b7c3c78ca072216c32ee23323b9cd7a7c45f7cb3c4c72b23777a44");
+    add("chelsea.png", 4, "ef92e97ffb990ae23bf48e0caf8a2568fed96c9f743e17d382d49c417300a7b0",
+        "d05d305599aa2b03408c74144156587b468445507ebc02923bb049cef67d07f7");
+    add("chelsea.png", 8, "b6136045116d5ec00e2788395018071fbd492a873219dbdfacacb369d476bedb",
+        "6a120122f2b914a010a2b5f37f00b3aa009ec56a81b210f638d002bdefed1568");
+    add("coffee.png", 1, "d3c4c156b31ca382f9411f8127f3b8f923197fe0c014481d2ca6df8f29864511",
+        "bde7f1951026f88fbac4b9aeaa8a0955c510bfa64b32f13a69174d33dced1608");
+    add("coffee.png", 4, "a36905a211bf7a0fc57c04daf1eaf91dc6ec7f0c90f2dee65d9af723a87807f9",
+        "5408b9d8bf8e10554bb3c035ae176b3d09c897fe5fb8937641a84c0343bf4bd3");
+    add("coffee.png", 8, "63b53031e6810c56c4bfd2fb15fa16e07a5969effe7f45aea61d2437204b4315",
+        "04da00e0f1373dffc2189dff408c07604b5a0fa5e1ba270b4472e85ab90e769b");
+    add("rocket.jpg", 1, "d9ea9ca24b2c41d879f6c35b0dbe0a0dd2f91ea5a758111026a96f8b3896f86c",
+        "009318785251cea8e06d3ec0f9da3b7323c7e57df46f3bd000289bd7c438608d");
+    add("rocket.jpg", 4, "4ced84b8c3700efd88ed3814c5182d7f935d46394a9e90b1924c564b7a5df320",
+        "ac85c44d94330afd29e34cbde03b03030092feb1fb8d1572b2bbbe9bee864264");
+    add("rocket.jpg", 8, "bf72b028072a3d510a04493c8456fd4091d454055c5d51102c9743a9e50a5ffd",
+        "e4726fe0e628e1b9de0c1f04ef1dd3fbc82a9247cfc0e45b27007fe12b9b9aa8");
 }
 
 void tst_RyImageSegmentation::photographs()
