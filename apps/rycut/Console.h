@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// Standard output carries results only; all talk goes to standard error.
+namespace Console {
+
+/// One line on standard error, with the program's name before it.
+void say(const QString &sentence);
+/// False when not everything could be written, for example into a closed pipe.
+bool writeResult(const QByteArray &bytes);
+bool errorOutputIsTerminal();
+
+} // namespace Console

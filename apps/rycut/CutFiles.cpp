@@ -1,0 +1,104 @@
+#include "CutFiles.h"
+
+#include "CutOutputRules.h"
+#include "CutReport.h"
+#include "CutResult.h"
+#include "Interruption.h"
+#include "LabelData.h"
+#include "ObjectPictures.h"
+#include "Stopwatch.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+CutFiles::CutFiles(const CutOptions &options)
+    : m_options(options)
+{
+    for (auto it = options.outputs.cbegin(); it != options.outputs.cend(); ++it)
+        m_files.try_emplace(it.key(), it.value());
+    const QString labels = options.outputs.value(CutOutput::Labels);
+    if (CutOutputRules::format(labels) == "raw"_L1)
+        m_labelsDescription =
+                std::make_unique<OutputFile>(CutOutputRules::rawLabelsDescription(labels));
+    if (!options.report.isEmpty())
+        m_report = std::make_unique<OutputFile>(options.report);
+}
+
+void CutFiles::write(CutResult &result, const Interruption &interruption)
+{
+    Stopwatch stopwatch;
+    for (const auto &[output, file] : m_files) {
+        write(output, result);
+        interruption.check();
+    }
+    result.times.writingMs += stopwatch.lapMs();
+}
+
+void CutFiles::write(CutOutput output, const CutResult &result)
+{
+    OutputFile &file = m_files.at(output);
+    const auto cropped = [&](const QImage &image) {
+        return m_options.crop ? image.copy(result.objectBox) : image;
+    };
+    switch (output) {
+    case CutOutput::Object:
+        return file.write(cropped(objectPicture(result)));
+    case CutOutput::Mask:
+        return file.write(cropped(result.fullMask));
+    case CutOutput::Overlay:
+        return file.write(cropped(ObjectPictures::overlay(result.picture, result.fullMask)));
+    case CutOutput::Contours:
+        return file.write(result.contours);
+    case CutOutput::Labels:
+        return writeLabels(file, result.labels);
+    }
+}
+
+QImage CutFiles::objectPicture(const CutResult &result) const
+{
+    if (m_options.background.isValid())
+        return ObjectPictures::onBackground(result.picture, result.fullMask, m_options.background);
+    return ObjectPictures::onTransparency(result.picture, result.fullMask);
+}
+
+void CutFiles::writeLabels(OutputFile &file, const QImage &labels)
+{
+    if (!m_labelsDescription)
+        return file.write(LabelData::picture(labels));
+    file.write(LabelData::raw(labels));
+    m_labelsDescription->write(LabelData::description(labels));
+}
+
+void CutFiles::writeReport(const CutResult &result)
+{
+    if (m_report)
+        m_report->write(CutReport::json(result, m_options));
+}
+
+QStringList CutFiles::commitAll()
+{
+    std::vector<OutputFile *> files;
+    for (auto &[output, file] : m_files)
+        files.push_back(&file);
+    for (const auto &file : {m_labelsDescription.get(), m_report.get()}) {
+        if (file)
+            files.push_back(file);
+    }
+    // Standard output fails more often than renaming does, and then no file must have appeared.
+    std::stable_partition(files.begin(), files.end(),
+                          [](const OutputFile *file) { return file->isStandardOutput(); });
+    QStringList names;
+    for (OutputFile *const file : files) {
+        file->commit();
+        if (!file->isStandardOutput())
+            names.append(file->name());
+    }
+    return names;
+}
+
+void CutFiles::commitReport()
+{
+    if (m_report)
+        m_report->commit();
+}

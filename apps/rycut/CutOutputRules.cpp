@@ -1,0 +1,104 @@
+#include "CutOutputRules.h"
+
+#include "CommandError.h"
+
+#include <QFileInfo>
+#include <QImageWriter>
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int opaque = 255;
+
+[[noreturn]] void throwUsage(const QString &message)
+{
+    throw CommandError(ExitStatus::Usage, message);
+}
+
+void checkObjectFormat(const QString &fileName, const QColor &background)
+{
+    const QString format = CutOutputRules::format(fileName);
+    if (format == "png"_L1)
+        return;
+    if (!QImageWriter::supportedImageFormats().contains(format.toLatin1()))
+        throwUsage(u"%1: no picture format can be told from this name; .png always works"_s.arg(
+                fileName));
+    if (!background.isValid() || background.alpha() != opaque)
+        throwUsage(u"%1: only .png keeps transparency; choose that, or give an opaque "
+                   "--background"_s.arg(fileName));
+}
+
+void checkFormat(CutOutput output, const QString &fileName, const QColor &background)
+{
+    const QString option = CutOutputRules::optionName(output);
+    const QString format = CutOutputRules::format(fileName);
+    if (fileName.isEmpty())
+        throwUsage(u"--%1 names no file"_s.arg(option));
+    if (output == CutOutput::Object)
+        checkObjectFormat(fileName, background);
+    else if (output == CutOutput::Labels && format != "png"_L1 && format != "raw"_L1)
+        throwUsage(u"--labels writes .png or .raw, not '%1'"_s.arg(fileName));
+    else if (output != CutOutput::Labels && format != "png"_L1)
+        throwUsage(u"--%1 writes .png, not '%2'"_s.arg(option, fileName));
+}
+
+QStringList writtenFiles(const CutOptions &options)
+{
+    QStringList names = options.outputs.values();
+    const QString labels = options.outputs.value(CutOutput::Labels);
+    if (CutOutputRules::format(labels) == "raw"_L1)
+        names.append(CutOutputRules::rawLabelsDescription(labels));
+    if (!options.report.isEmpty())
+        names.append(options.report);
+    return names;
+}
+
+} // namespace
+
+QString CutOutputRules::optionName(CutOutput output)
+{
+    switch (output) {
+    case CutOutput::Object:
+        return u"output"_s;
+    case CutOutput::Mask:
+        return u"mask"_s;
+    case CutOutput::Overlay:
+        return u"overlay"_s;
+    case CutOutput::Contours:
+        return u"contours"_s;
+    case CutOutput::Labels:
+        return u"labels"_s;
+    }
+    Q_UNREACHABLE();
+}
+
+QString CutOutputRules::format(const QString &fileName)
+{
+    return fileName == "-"_L1 ? u"png"_s : QFileInfo(fileName).suffix().toLower();
+}
+
+QString CutOutputRules::rawLabelsDescription(const QString &fileName)
+{
+    return fileName + ".json"_L1;
+}
+
+void CutOutputRules::check(const CutOptions &options)
+{
+    for (auto it = options.outputs.cbegin(); it != options.outputs.cend(); ++it)
+        checkFormat(it.key(), it.value(), options.background);
+    const QStringList names = writtenFiles(options);
+    if (names.isEmpty())
+        throwUsage(u"nothing to write; name a file with --output, --mask, --overlay, --contours, "
+                   "--labels or --report"_s);
+    QSet<QString> seen;
+    for (const QString &name : names) {
+        const bool isStandardOutput = name == "-"_L1;
+        const QString file = isStandardOutput ? name : QFileInfo(name).absoluteFilePath();
+        if (seen.contains(file))
+            throwUsage(isStandardOutput ? u"only one output can go to standard output"_s
+                                        : u"two outputs would go to %1"_s.arg(name));
+        seen.insert(file);
+    }
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "CutOptions.h"
+
+#include <array>
+
+/// Which files each output of a cut may go to.
+namespace CutOutputRules {
+
+inline constexpr std::array all = {CutOutput::Object, CutOutput::Mask, CutOutput::Overlay,
+                            CutOutput::Contours, CutOutput::Labels};
+
+QString optionName(CutOutput output);
+/// The file format that the name asks for; standard output carries PNG.
+QString format(const QString &fileName);
+/// The file that tells the size of raw labels.
+QString rawLabelsDescription(const QString &fileName);
+/// Throws CommandError where outputs are missing, collide, or name a format that cannot hold them.
+void check(const CutOptions &options);
+
+} // namespace CutOutputRules

@@ -1,0 +1,90 @@
+#include "CutReport.h"
+
+#include "CutOptions.h"
+#include "CutResult.h"
+#include "Kernel.h"
+#include "LabelData.h"
+#include "RyPlatformIndependent.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QJsonObject sizeObject(const QSize &size)
+{
+    return {{u"width"_s, size.width()}, {u"height"_s, size.height()}};
+}
+
+QJsonObject boxObject(const QRectF &box)
+{
+    return {{u"x"_s, box.x()},
+            {u"y"_s, box.y()},
+            {u"width"_s, box.width()},
+            {u"height"_s, box.height()}};
+}
+
+QJsonObject timesObject(const RySegmentationStatistics &statistics, const CutTimes &times)
+{
+    return {{u"reading"_s, times.readingMs},
+            {u"scaling"_s, times.scalingMs},
+            {u"colour_planes"_s, statistics.colorPlanesMs},
+            {u"superpixels"_s, statistics.superPixelsMs},
+            {u"edges_wait"_s, statistics.edgesWaitMs},
+            {u"regions"_s, statistics.regionsMs},
+            {u"first_cut"_s, statistics.firstCutMs},
+            {u"session_total"_s, times.sessionMs},
+            {u"writing"_s, times.writingMs}};
+}
+
+QString hexadecimal(const QCryptographicHash &hash)
+{
+    return QString::fromLatin1(hash.result().toHex());
+}
+
+QString maskHash(const QImage &mask)
+{
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    for (int y = 0; y < mask.height(); ++y) // the padding of rows does not count
+        hash.addData(QByteArrayView(mask.constScanLine(y), mask.width()));
+    return hexadecimal(hash);
+}
+
+QString labelsHash(const QImage &labels)
+{
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    hash.addData(LabelData::raw(labels));
+    return hexadecimal(hash);
+}
+
+} // namespace
+
+QByteArray CutReport::json(const CutResult &result, const CutOptions &options)
+{
+    const RySegmentationStatistics &statistics = result.statistics;
+    QJsonObject lasso = boxObject(result.lasso.boundingRect());
+    lasso.insert(u"vertices"_s, result.lasso.size());
+    const QJsonObject report{
+            {u"library_version"_s, QCoreApplication::applicationVersion()},
+            {u"kernel"_s, Kernel::used()},
+            {u"cores"_s, RyPlatformIndependent::instance().coreCount()},
+            {u"mask_colour"_s, options.maskColour.name()},
+            {u"picture"_s, sizeObject(result.scale.pictureSize())},
+            {u"cutting"_s, sizeObject(result.scale.cuttingSize())},
+            {u"lasso"_s, lasso},
+            {u"object_box"_s, boxObject(result.objectBox)},
+            {u"superpixels_requested"_s, statistics.requestedSuperPixels},
+            {u"superpixels"_s, statistics.superPixels},
+            {u"regions"_s, statistics.regions},
+            {u"foreground_regions"_s, result.foregroundRegions},
+            {u"foreground_pixels"_s, result.foregroundPixels},
+            {u"milliseconds"_s, timesObject(statistics, result.times)},
+            {u"mask_sha256"_s, maskHash(result.mask)},
+            {u"labels_sha256"_s, labelsHash(result.labels)},
+    };
+    return QJsonDocument(report).toJson();
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "CuttingScale.h"
+#include "segmentation/RySegmentationStatistics.h"
+
+#include <QImage>
+#include <QPolygonF>
+#include <QRect>
+
+/// What the program's own steps took, in milliseconds.
+struct CutTimes
+{
+    double readingMs = 0.0;
+    double scalingMs = 0.0; ///< the picture down, the mask up
+    double sessionMs = 0.0; ///< from the picture to the mask
+    double writingMs = 0.0; ///< encoding included
+};
+
+/// All that one cut has found, for the files and for the report.
+struct CutResult
+{
+    QImage picture;  ///< full size, Format_ARGB32
+    QPolygonF lasso; ///< in pixels of the full size
+    QImage mask;     ///< cutting size, Format_Grayscale8
+    QImage fullMask; ///< full size, likewise
+    QImage labels;   ///< cutting size
+    QImage contours; ///< cutting size
+    CuttingScale scale{QSize(), 0};
+    QRect objectBox; ///< in pixels of the full size
+    qsizetype foregroundRegions = 0;
+    qint64 foregroundPixels = 0; ///< at cutting size
+    RySegmentationStatistics statistics;
+    CutTimes times;
+};

@@ -1,0 +1,60 @@
+#include "Dispatcher.h"
+
+#include "CommandError.h"
+#include "Console.h"
+#include "CutCommand.h"
+
+#include <QCoreApplication>
+
+using namespace Qt::StringLiterals;
+
+Dispatcher::Dispatcher()
+{
+    m_commands.push_back(std::make_unique<CutCommand>());
+}
+
+ExitStatus Dispatcher::run(const QStringList &arguments) const
+{
+    try {
+        return dispatch(arguments);
+    } catch (const CommandError &error) {
+        Console::say(error.message());
+        return error.status();
+    } catch (const std::bad_alloc &) {
+        Console::say(u"there is too little memory for this picture"_s);
+        return ExitStatus::UnreadableInput;
+    }
+}
+
+ExitStatus Dispatcher::dispatch(const QStringList &arguments) const
+{
+    if (arguments.isEmpty())
+        throw CommandError(ExitStatus::Usage, u"no command given; try 'rycut --help'"_s);
+    const QString &first = arguments.first();
+    for (const auto &command : m_commands) {
+        if (command->name() == first)
+            return command->run(arguments.mid(1));
+    }
+    QString answer;
+    if (first == "--help"_L1 || first == "-h"_L1)
+        answer = helpText();
+    else if (first == "--version"_L1 || first == "-v"_L1)
+        answer = u"rycut %1\n"_s.arg(QCoreApplication::applicationVersion());
+    else
+        throw CommandError(ExitStatus::Usage,
+                           u"there is no command '%1'; try 'rycut --help'"_s.arg(first));
+    if (!Console::writeResult(answer.toUtf8()))
+        throw CommandError(ExitStatus::CannotWrite, u"standard output cannot be written"_s);
+    return ExitStatus::Done;
+}
+
+QString Dispatcher::helpText() const
+{
+    QString text = u"Usage: rycut COMMAND [options]\n"
+                   "       rycut COMMAND --help\n"
+                   "       rycut --help | --version\n\n"
+                   "Cuts objects out of pictures.\n\nCommands:\n"_s;
+    for (const auto &command : m_commands)
+        text += u"  %1 %2\n"_s.arg(command->name(), -10).arg(command->summary());
+    return text;
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+/// What the program tells its caller; scripts rely on the numbers.
+enum class ExitStatus : int {
+    Done = 0,
+    Usage = 1,
+    UnreadableInput = 2,
+    EmptyResult = 3,
+    CannotWrite = 4,
+    Interrupted = 130, ///< 128 and SIGINT, as shells count
+};

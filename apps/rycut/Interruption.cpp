@@ -1,0 +1,82 @@
+#include "Interruption.h"
+
+#include "CommandError.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int forever = -1;
+
+// Handlers have no other way to their object. The byte in the pipe is never taken out again: one
+// SIGINT ends the command, however many places ask.
+std::array<int, 2> interruptionPipe = {-1, -1};
+
+void writeToPipe(int)
+{
+    const int errorOfInterruptedCode = errno;
+    static_cast<void>(!write(interruptionPipe[1], "", 1)); // full means that one has arrived
+    errno = errorOfInterruptedCode;
+}
+
+void handleInterruptWith(void (*handler)(int))
+{
+    struct sigaction present = {};
+    sigaction(SIGINT, nullptr, &present);
+    if (present.sa_handler == SIG_IGN)
+        return;
+    struct sigaction wanted = {};
+    wanted.sa_handler = handler;
+    wanted.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &wanted, nullptr);
+}
+
+[[noreturn]] void throwInterrupted()
+{
+    throw CommandError(ExitStatus::Interrupted, QStringLiteral("interrupted, nothing written"));
+}
+
+} // namespace
+
+Interruption::Interruption()
+{
+    if (pipe2(interruptionPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
+        return; // SIGINT then ends the program in the system's own way
+    m_notifier = std::make_unique<QSocketNotifier>(interruptionPipe[0], QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
+        m_notifier->setEnabled(false);
+        Q_EMIT arrived();
+    });
+    handleInterruptWith(writeToPipe);
+}
+
+Interruption::~Interruption()
+{
+    if (!m_notifier)
+        return;
+    handleInterruptWith(SIG_DFL);
+    m_notifier.reset();
+    close(interruptionPipe[0]);
+    close(interruptionPipe[1]);
+}
+
+void Interruption::check() const
+{
+    pollfd pipe = {interruptionPipe[0], POLLIN, 0};
+    if (m_notifier && poll(&pipe, 1, 0) > 0)
+        throwInterrupted();
+}
+
+void Interruption::waitForInput(int fileDescriptor) const
+{
+    std::array<pollfd, 2> waited = {
+            {{fileDescriptor, POLLIN, 0}, {interruptionPipe[0], POLLIN, 0}}};
+    while (poll(waited.data(), waited.size(), forever) < 0 && errno == EINTR)
+        continue;
+    check();
+}

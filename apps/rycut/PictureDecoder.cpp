@@ -1,0 +1,66 @@
+#include "PictureDecoder.h"
+
+#include "CommandError.h"
+
+#include <QBuffer>
+#include <QColorSpace>
+#include <QImageReader>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 pixelsOfAMegapixel = 1'000'000;
+constexpr qint64 mostMegapixels = 200;
+constexpr qint64 bytesOfAMegabyte = 1 << 20;
+constexpr qint64 mostBytesPerPixel = 8; // four channels of 16 bits
+
+[[noreturn]] void throwUnreadable(const QString &name, const QString &reason)
+{
+    throw CommandError(ExitStatus::UnreadableInput, u"%1 cannot be read: %2"_s.arg(name, reason));
+}
+
+void checkSize(const QSize &size, const QString &name)
+{
+    const qint64 pixels = qint64(size.width()) * size.height();
+    if (pixels > mostMegapixels * pixelsOfAMegapixel)
+        throwUnreadable(name, u"%1 x %2 pixels are more than %3 megapixels; --allow-huge lifts "
+                              "this limit"_s.arg(size.width())
+                                      .arg(size.height())
+                                      .arg(mostMegapixels));
+}
+
+/// The pixels have become RGB by now; a profile for grey or for inks no longer describes them.
+void dropForeignProfile(QImage &picture)
+{
+    constexpr int signatureOffset = 16; // of the colour space in the header of every profile
+    const QByteArray signature = picture.colorSpace().iccProfile().mid(signatureOffset, 4);
+    if (!signature.isEmpty() && signature != "RGB ")
+        picture.setColorSpace({});
+}
+
+} // namespace
+
+QImage PictureDecoder::decode(const QByteArray &bytes, const QString &name, bool allowHuge)
+{
+    // Qt's own limit is below the pictures of present cameras; ours is told from the header.
+    constexpr qint64 limit = mostMegapixels * pixelsOfAMegapixel * mostBytesPerPixel;
+    QImageReader::setAllocationLimit(allowHuge ? 0 : int(limit / bytesOfAMegabyte) + 1);
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    reader.setAutoTransform(true);
+    if (!reader.canRead())
+        throwUnreadable(name, reader.errorString());
+    if (!allowHuge)
+        checkSize(reader.size(), name);
+    QImage picture = reader.read();
+    if (picture.isNull())
+        throwUnreadable(name, reader.errorString());
+    picture.convertTo(QImage::Format_ARGB32);
+    if (picture.isNull())
+        throwUnreadable(name, u"there is too little memory"_s);
+    dropForeignProfile(picture);
+    return picture;
+}

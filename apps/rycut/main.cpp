@@ -1,0 +1,38 @@
+#include "Dispatcher.h"
+
+#include <QApplication>
+
+#include <csignal>
+#include <cstdlib>
+
+namespace {
+
+/// The program draws into pictures only and opens no window, so it needs no display.
+void runWithoutDisplayWhereThereIsNone()
+{
+    const auto isUnset = [](const char *name) { return qEnvironmentVariableIsEmpty(name); };
+    if (isUnset("DISPLAY") && isUnset("WAYLAND_DISPLAY") && isUnset("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+ExitStatus runProgram(int &argc, char **argv)
+{
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("rycut"));
+    QApplication::setApplicationVersion(QStringLiteral(RY_VERSION));
+    const ExitStatus status = Dispatcher().run(QApplication::arguments().mid(1));
+    // Whatever had to be cleaned up is. Leaving as usual would wait for the session's computation
+    // on the thread pool, which stops only between its stages.
+    if (status == ExitStatus::Interrupted)
+        std::_Exit(int(status));
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    std::signal(SIGPIPE, SIG_IGN); // a reader that went away is an error to report
+    runWithoutDisplayWhereThereIsNone();
+    return int(runProgram(argc, argv));
+}
