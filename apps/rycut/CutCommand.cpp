@@ -4,6 +4,7 @@
 #include "Console.h"
 #include "CutFiles.h"
 #include "CutOptionsParser.h"
+#include "CutReport.h"
 #include "CutResult.h"
 #include "CutSession.h"
 #include "InputData.h"
@@ -83,6 +84,8 @@ ExitStatus CutCommand::cut(const CutOptions &options) const
     const QStringList names = files.commitAll();
     if (!options.quiet && !names.isEmpty())
         Console::say(u"wrote %1"_s.arg(names.join(u", "_s)));
+    if (!options.quiet)
+        Console::say(CutReport::stages(result));
     return ExitStatus::Done;
 }
 

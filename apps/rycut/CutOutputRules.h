@@ -8,7 +8,7 @@
 namespace CutOutputRules {
 
 inline constexpr std::array all = {CutOutput::Object, CutOutput::Mask, CutOutput::Overlay,
-                            CutOutput::Contours, CutOutput::Labels};
+                                   CutOutput::Contours, CutOutput::Labels};
 
 QString optionName(CutOutput output);
 /// The file format that the name asks for; standard output carries PNG.

@@ -63,6 +63,25 @@ QString labelsHash(const QImage &labels)
 
 } // namespace
 
+QString CutReport::stages(const CutResult &result)
+{
+    const RySegmentationStatistics &statistics = result.statistics;
+    const std::pair<QString, double> stages[]{
+            {u"reading"_s, result.times.readingMs},
+            {u"scaling"_s, result.times.scalingMs},
+            {u"colour planes"_s, statistics.colorPlanesMs},
+            {u"superpixels"_s, statistics.superPixelsMs},
+            {u"waiting for edges"_s, statistics.edgesWaitMs},
+            {u"regions"_s, statistics.regionsMs},
+            {u"first cut"_s, statistics.firstCutMs},
+            {u"writing"_s, result.times.writingMs},
+    };
+    QStringList texts;
+    for (const auto &[name, milliseconds] : stages)
+        texts.append(u"%1 %2 ms"_s.arg(name, QString::number(milliseconds, 'f', 1)));
+    return texts.join(u", "_s);
+}
+
 QByteArray CutReport::json(const CutResult &result, const CutOptions &options)
 {
     const RySegmentationStatistics &statistics = result.statistics;

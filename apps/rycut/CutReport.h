@@ -1,13 +1,18 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
 
 struct CutOptions;
 struct CutResult;
 
-/// The numbers of a cut for machines. Scripts rely on the names in it.
+/// The numbers of a cut.
 namespace CutReport {
 
+/// For machines; scripts rely on the names in it.
 QByteArray json(const CutResult &result, const CutOptions &options);
+
+/// How long each stage took, in one line for people.
+QString stages(const CutResult &result);
 
 } // namespace CutReport
