@@ -71,11 +71,11 @@ RY_TARGET_AVX2 void measureGroupsAvx2(const Block &block)
             float *const bestSoFar = distances + (x - block.distancesLeft);
             const __m256 best = _mm256_loadu_ps(bestSoFar);
             const __m256 closer = _mm256_cmp_ps(distance, best, _CMP_LT_OQ);
-            if (_mm256_movemask_ps(closer) == 0)
-                continue;
+            auto *const words = reinterpret_cast<__m256i *>(labels + x);
+            const __m256i before = _mm256_loadu_si256(words);
             _mm256_storeu_ps(bestSoFar, _mm256_blendv_ps(best, distance, closer));
-            _mm256_maskstore_epi32(reinterpret_cast<int *>(labels + x), _mm256_castps_si256(closer),
-                                   label);
+            _mm256_storeu_si256(words,
+                                _mm256_blendv_epi8(before, label, _mm256_castps_si256(closer)));
         }
     }
 }
