@@ -33,7 +33,7 @@ QPolygonF readLasso(const CutOptions &options, const Interruption &interruption)
 {
     if (options.lassoFile.isEmpty())
         return LassoText::fromArgument(options.polygon);
-    return LassoText::fromFile(InputData::read(options.lassoFile, interruption),
+    return LassoText::fromFile(InputData::open(options.lassoFile, interruption)->readAll(),
                                InputData::displayName(options.lassoFile));
 }
 
@@ -95,7 +95,7 @@ void CutCommand::readInputs(CutResult &result, const CutOptions &options,
     Stopwatch stopwatch;
     result.lasso = readLasso(options, interruption);
     result.picture =
-            PictureDecoder::decode(InputData::read(options.picture, interruption),
+            PictureDecoder::decode(*InputData::open(options.picture, interruption),
                                    InputData::displayName(options.picture), options.allowHuge);
     interruption.check();
     result.times.readingMs = stopwatch.lapMs();

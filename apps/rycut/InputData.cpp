@@ -3,6 +3,7 @@
 #include "CommandError.h"
 #include "Interruption.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 
@@ -42,19 +43,21 @@ QByteArray readStandardInput(const Interruption &interruption)
 
 } // namespace
 
-QByteArray InputData::read(const QString &fileName, const Interruption &interruption)
+std::unique_ptr<QIODevice> InputData::open(const QString &fileName,
+                                           const Interruption &interruption)
 {
-    if (fileName == "-"_L1)
-        return readStandardInput(interruption);
+    if (fileName == "-"_L1) {
+        auto buffer = std::make_unique<QBuffer>();
+        buffer->setData(readStandardInput(interruption));
+        buffer->open(QIODevice::ReadOnly);
+        return buffer;
+    }
     if (QFileInfo(fileName).isDir())
         throwUnreadable(fileName, u"it is a folder"_s);
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        throwUnreadable(fileName, file.errorString());
-    const QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        throwUnreadable(fileName, file.errorString());
-    return bytes;
+    auto file = std::make_unique<QFile>(fileName);
+    if (!file->open(QIODevice::ReadOnly))
+        throwUnreadable(fileName, file->errorString());
+    return file;
 }
 
 QString InputData::displayName(const QString &fileName)

@@ -26,10 +26,6 @@ void writeToPipe(int)
 
 void handleInterruptWith(void (*handler)(int))
 {
-    struct sigaction present = {};
-    sigaction(SIGINT, nullptr, &present);
-    if (present.sa_handler == SIG_IGN)
-        return;
     struct sigaction wanted = {};
     wanted.sa_handler = handler;
     wanted.sa_flags = SA_RESTART;

@@ -9,8 +9,7 @@
  * Turns SIGINT into a signal of the event loop, and into a question that code without an event loop
  * can ask between its steps.
  *
- * Threads  one object at a time, in the main thread. Where the program was started with SIGINT
- *          ignored, it stays ignored.
+ * Threads  one object at a time, in the main thread.
  */
 class Interruption : public QObject
 {

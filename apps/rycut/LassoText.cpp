@@ -5,7 +5,6 @@
 #include <QRegularExpression>
 
 #include <cmath>
-#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -22,9 +21,7 @@ double coordinate(const QString &text, const QString &place)
 {
     bool isNumber = false;
     const double value = text.toDouble(&isNumber);
-    if (!isNumber)
-        throwBadLasso(u"%1: '%2' is not a number"_s.arg(place, text));
-    if (!std::isfinite(value))
+    if (!isNumber || !std::isfinite(value))
         throwBadLasso(u"%1: '%2' is not a finite number"_s.arg(place, text));
     return value;
 }

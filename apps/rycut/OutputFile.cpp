@@ -39,7 +39,8 @@ void OutputFile::write(const QByteArray &bytes)
 
 void OutputFile::write(const QImage &picture)
 {
-    constexpr int fastCompression = 2;
+    constexpr int fastCompression =
+            15; // Qt's scale of 100: a sixth of the default's time, + 20 % size
     constexpr int jpegQuality = 95;
     if (picture.isNull())
         fail(u"there is too little memory"_s);

@@ -2,7 +2,6 @@
 
 #include "CommandError.h"
 
-#include <QBuffer>
 #include <QColorSpace>
 #include <QImageReader>
 
@@ -41,15 +40,12 @@ void dropForeignProfile(QImage &picture)
 
 } // namespace
 
-QImage PictureDecoder::decode(const QByteArray &bytes, const QString &name, bool allowHuge)
+QImage PictureDecoder::decode(QIODevice &device, const QString &name, bool allowHuge)
 {
     // Qt's own limit is below the pictures of present cameras; ours is told from the header.
     constexpr qint64 limit = mostMegapixels * pixelsOfAMegapixel * mostBytesPerPixel;
     QImageReader::setAllocationLimit(allowHuge ? 0 : int(limit / bytesOfAMegabyte) + 1);
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer);
+    QImageReader reader(&device);
     reader.setAutoTransform(true);
     if (!reader.canRead())
         throwUnreadable(name, reader.errorString());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QByteArray>
+#include <QIODevice>
 #include <QImage>
 #include <QString>
 
@@ -9,6 +9,6 @@
 namespace PictureDecoder {
 
 /// The name is for messages. Pictures above 200 megapixels need the caller's consent.
-QImage decode(const QByteArray &bytes, const QString &name, bool allowHuge);
+QImage decode(QIODevice &device, const QString &name, bool allowHuge);
 
 } // namespace PictureDecoder

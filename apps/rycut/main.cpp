@@ -1,9 +1,12 @@
 #include "Dispatcher.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QFile>
 
 #include <csignal>
 #include <cstdlib>
+#include <unistd.h>
 
 namespace {
 
@@ -13,6 +16,16 @@ void runWithoutDisplayWhereThereIsNone()
     const auto isUnset = [](const char *name) { return qEnvironmentVariableIsEmpty(name); };
     if (isUnset("DISPLAY") && isUnset("WAYLAND_DISPLAY") && isUnset("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+/// Qt looks there for a display. Without the variable, as in a service, it would choose a folder
+/// such as this one itself, and complain on standard error.
+void provideRuntimeFolder()
+{
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))
+        qputenv("XDG_RUNTIME_DIR",
+                QFile::encodeName(
+                        QStringLiteral("%1/runtime-%2").arg(QDir::tempPath()).arg(getuid())));
 }
 
 ExitStatus runProgram(int &argc, char **argv)
@@ -34,5 +47,6 @@ int main(int argc, char *argv[])
 {
     std::signal(SIGPIPE, SIG_IGN); // a reader that went away is an error to report
     runWithoutDisplayWhereThereIsNone();
+    provideRuntimeFolder();
     return int(runProgram(argc, argv));
 }
