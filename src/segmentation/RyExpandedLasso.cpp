@@ -19,8 +19,8 @@ void RyExpandedLasso::fill(QPainter &painter) const
 {
     painter.save();
     painter.setClipRect(m_picture, Qt::IntersectClip);
-    painter.fillPath(m_stroke, Qt::white);
-    painter.fillPath(m_lasso, Qt::white);
+    RyLasso::fill(painter, m_stroke);
+    RyLasso::fill(painter, m_lasso);
     painter.restore();
 }
 

@@ -15,7 +15,8 @@ class QPainter;
  *
  * Input    a finite path in picture pixels.
  * Errors   none reported: an empty lasso has no area.
- * Threads  a plain value. Construction takes O(points).
+ * Threads  a plain value; copies of it may be filled in several threads at once. Construction takes
+ *          O(points).
  */
 class RyExpandedLasso
 {

@@ -52,6 +52,16 @@ QPainterPath RyLasso::snappedToBorder(const QPainterPath &path, const QSize &pic
     return result;
 }
 
+void RyLasso::fill(QPainter &painter, const QPainterPath &path)
+{
+    if (path.elementCount() == 0)
+        return;
+    QPainterPath own = path;
+    const QPainterPath::Element first = path.elementAt(0);
+    own.setElementPositionAt(0, first.x, first.y); // writing is what parts it from its copies
+    painter.fillPath(own, Qt::white);
+}
+
 bool RyLasso::isCovered(const QPainterPath &inner, const QRect &area,
                         const std::function<void(QPainter &)> &fillOuter)
 {
@@ -63,7 +73,7 @@ bool RyLasso::isCovered(const QPainterPath &inner, const QRect &area,
     uncovered.fill(Qt::transparent);
     QPainter painter(&uncovered);
     painter.translate(-area.topLeft());
-    painter.fillPath(inner, Qt::white);
+    fill(painter, inner);
     painter.setCompositionMode(QPainter::CompositionMode_Clear);
     fillOuter(painter);
     painter.end();

@@ -25,6 +25,10 @@ QRect boundingRect(const QPainterPath &path);
 /// that border (0, width or height). A lasso drawn hastily along the edge so takes the edge in.
 QPainterPath snappedToBorder(const QPainterPath &path, const QSize &picture);
 
+/// Fills a path opaque white from a copy of its own: the rasteriser keeps its outline in the data
+/// that copies of a path share, unlocked, so two threads must not fill copies of one path.
+void fill(QPainter &painter, const QPainterPath &path);
+
 /// True when fillOuter(painter), which fills something in picture coordinates, fills every pixel of
 /// the area that inner fills. Time O(area).
 bool isCovered(const QPainterPath &inner, const QRect &area,
