@@ -152,13 +152,15 @@ QList<RySlicSlice> RySlic::createSlices()
     slice.yEnd = rect.bottom(); // as an exclusive end: the bottom row is never assigned
     slice.step = int(m_step);
     QList<RySlicSlice> slices;
-    for (int x = rect.left(); x < rect.right();) {
-        slice.xStart = x;
-        x = roundedDown(x, 8) + sliceWidth;
+    // In 64 bits: the end of the last slice may lie beyond all rectangles.
+    for (qint64 x = rect.left(); x < rect.right();) {
+        slice.xStart = int(x);
+        x = roundedDown(slice.xStart, 8) + qint64(sliceWidth);
         // The last slice holds whole groups up to the last column that the lasso can fill, however
         // many slices there are, else results would depend on the core count.
-        const int end = x < rect.right() ? x : std::max(x, roundedDown(rect.right() + 1, 8) + 8);
-        slice.xEnd = std::clamp(end, 0, m_image->width());
+        const qint64 lastGroupEnd = roundedDown(rect.right() + 1, 8) + 8;
+        const qint64 end = x < rect.right() ? x : std::max(x, lastGroupEnd);
+        slice.xEnd = int(std::clamp<qint64>(end, 0, m_image->width()));
         slices.append(slice);
     }
     return slices;

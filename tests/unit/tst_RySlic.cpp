@@ -71,6 +71,7 @@ private Q_SLOTS:
     void mergesFragmentsAtThePictureEdge();
     void refusesDegenerateLassos_data();
     void refusesDegenerateLassos();
+    void endsOnTheLargestLasso();
     void refusesToMakeNoSuperPixels();
 };
 
@@ -328,6 +329,16 @@ void tst_RySlic::refusesDegenerateLassos()
     QCOMPARE(slic.superPixelAssignments(), ReferenceSlic::Labels(image.size()).image);
     QCOMPARE(slic.clusterInformations().size(), 1);
     QVERIFY(timer.elapsed() < 2000);
+}
+
+void tst_RySlic::endsOnTheLargestLasso()
+{
+    const TestPictures::Machine oneSlice(1);
+    const RyImage image(TestPictures::gradient(64, 64), QFileInfo());
+    RySlic slic;
+    slic.setup(&image, rectangle(-999999999.0, -999999999.0, 1999999998.0, 1999999998.0));
+    slic.run();
+    QCOMPARE(slic.superPixelAssignments().size(), QSize(64, 64));
 }
 
 void tst_RySlic::refusesToMakeNoSuperPixels()
