@@ -112,6 +112,9 @@ bool RyImageSegmentation::publishCut(const RySegmentationState &work, quint64 ep
     const QMutexLocker lock(&d->mutex);
     if (d->epoch != epoch)
         return false;
+    // A colour that came while there was no mask to recolour has asked for nothing yet.
+    if (d->state.foregroundMask.isNull() && d->state.maskColor.rgb() != work.maskColor.rgb())
+        d->requests.append(UpdateMask);
     d->state.foregroundMask = work.foregroundMask;
     d->state.foregroundClusters = work.foregroundClusters;
     d->state.backgroundClusters = work.backgroundClusters;

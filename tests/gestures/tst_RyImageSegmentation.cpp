@@ -36,6 +36,7 @@ private Q_SLOTS:
     void cancels();
     void resetsWhileTheFirstCutRuns();
     void losesNoRequest();
+    void takesAColourBeforeTheFirstMask();
     void inverts();
     void containsPathsInTheGrownLasso();
     void smoothsAndDrawsPictures();
@@ -389,6 +390,22 @@ void tst_RyImageSegmentation::losesNoRequest()
     driver.forget();
     driver.session.setMaskColor(Qt::green);
     QVERIFY(SessionDriver::waitFor([&] { return driver.masks.size() == 1; }));
+}
+
+void tst_RyImageSegmentation::takesAColourBeforeTheFirstMask()
+{
+    // Covering a large picture takes the first cut some milliseconds, without a mask to recolour.
+    const QImage picture = smallPhotograph().scaled(3000, 2000);
+    for (const unsigned long pauseUs : {0UL, 300UL, 1000UL, 2000UL}) {
+        SessionDriver driver(picture);
+        driver.session.startThreadWithInitialPath(smallLasso);
+        QVERIFY(SessionDriver::waitFor([&] { return driver.session.isRunning(); }));
+        QThread::usleep(pauseUs);
+        driver.session.setMaskColor(Qt::red);
+        QVERIFY(driver.settle());
+        QCOMPARE(driver.session.maskForeground().pixel(2999, 1999), QColor(Qt::red).rgb());
+        QCOMPARE(driver.masks.last(), driver.session.maskForeground());
+    }
 }
 
 void tst_RyImageSegmentation::inverts()
