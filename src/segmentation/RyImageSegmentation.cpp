@@ -61,9 +61,11 @@ void RyImageSegmentation::setImage(const QImage &image)
     d->lassoRect = QRect(); // regions of another picture serve no new lasso
     const auto analysis = std::make_shared<RyPictureAnalysis>(image, d->fileInfo);
     const QMutexLocker lock(&d->mutex);
+    // A cut on regions that still fit goes on, as nobody would ask for it again.
+    if (d->state.picture.size() != image.size())
+        ++d->epoch;
     d->state.picture = image;
     d->state.analysis = analysis;
-    ++d->epoch;
 }
 
 void RyImageSegmentation::reset()

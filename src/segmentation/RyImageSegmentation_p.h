@@ -21,8 +21,8 @@ struct RyImageSegmentation::Private
     mutable QMutex mutex; // guards everything down to the next comment; no signal under it
 
     RySegmentationState state;
-    // Rises whenever what a cut rests on is replaced (picture, lasso, regions); a cut that began
-    // in an earlier epoch is dropped.
+    // Rises whenever what a cut rests on is replaced (lasso, regions, the picture's size); a cut
+    // that began in an earlier epoch is dropped.
     quint64 epoch = 0;
     // Rises whenever mask, sets or colour change, also by the host in the middle of a job.
     quint64 revision = 0;

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void resetsWhileTheFirstCutRuns();
     void losesNoRequest();
     void takesAColourBeforeTheFirstMask();
+    void cutsOnWhenThePictureIsReplaced();
     void inverts();
     void containsPathsInTheGrownLasso();
     void smoothsAndDrawsPictures();
@@ -406,6 +407,17 @@ void tst_RyImageSegmentation::takesAColourBeforeTheFirstMask()
         QCOMPARE(driver.session.maskForeground().pixel(2999, 1999), QColor(Qt::red).rgb());
         QCOMPARE(driver.masks.last(), driver.session.maskForeground());
     }
+}
+
+void tst_RyImageSegmentation::cutsOnWhenThePictureIsReplaced()
+{
+    const QImage picture = smallPhotograph().scaled(3000, 2000);
+    SessionDriver driver(picture);
+    driver.session.startThreadWithInitialPath(smallLasso);
+    QVERIFY(SessionDriver::waitFor([&] { return driver.progress.contains({10, 14}); }));
+    driver.session.setImage(picture);
+    QVERIFY(driver.settle());
+    QVERIFY(!driver.masks.isEmpty() && !driver.masks.last().isNull());
 }
 
 void tst_RyImageSegmentation::inverts()
