@@ -58,6 +58,7 @@ void RyInitialSegmentationWorker::releaseResults()
 {
     m_results = {};
     m_analysis.reset();
+    m_lasso = {};
 }
 
 void RyInitialSegmentationWorker::run()

@@ -59,7 +59,8 @@ public:
     bool isRunning() const { return m_state == State::Running; }
 
     Results results() const { return m_results; }
-    void releaseResults(); ///< Host thread, after finished().
+    /// Host thread, after finished(): frees the results, the share in the picture and the lasso.
+    void releaseResults();
 
     /// Picture of the results for debugging: every labelled pixel in the mean colour of its region.
     QImage drawClustersWithTransparentColorsAndContours() const;
