@@ -50,10 +50,8 @@ public:
     QHash<int, QSet<int>> neighbors() const { return m_neighbors; }
     QList<RySuperPixel> superPixelInformations() const { return m_superPixels; }
     QList<QList<QPoint>> superPixelPoints() const { return m_points; }
-    int clusterCount() const
-    {
-        return m_clusterCount;
-    } ///< regions and one for label 0, after run()
+    /// Regions and one for label 0, after run().
+    int clusterCount() const { return m_clusterCount; }
 
     /// The stages of run(), in its order.
     void createGraph();

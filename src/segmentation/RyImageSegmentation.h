@@ -26,13 +26,17 @@ class RySegmentationState;
  * Output   masks of the picture's size, Format_ARGB32_Premultiplied: transparent where the object
  *          is, elsewhere the opaque mask colour.
  * Source   SLIC superpixels, joined by graph-based region growing, judged by a colour histogram;
- * see docs/design.md for the papers. Errors   none reported: a path with coordinates that are not
- * finite is ignored; a lasso without area inside the picture gives a mask without foreground; an
- * empty picture, or too little memory, gives a null mask. Threads  every public call belongs to the
- * thread that made the object, and returns without waiting for a computation; they may come in any
- * order at any time. Signals are emitted from several threads: connect them with the default
- * connection type and they arrive in the receiver's thread. A mask that was on its way when reset()
- * was called may arrive after reset()'s null mask. Results do not depend on the number of cores.
+ *          docs/design.md names the papers.
+ * Errors   none reported: a path with coordinates that are not finite is ignored; a lasso without
+ *          area inside the picture gives a mask without foreground; an empty picture gives a null
+ *          mask; too little memory gives a null mask, or none.
+ * Threads  every public call belongs to the thread that made the object; they may come in any order
+ *          at any time, and none waits for work that another thread has begun on a lasso. Calls
+ *          that draw a picture draw it in the caller's thread; so work setup() for a picture that
+ *          must be converted, containsPath() and setMaskIsInverted(). Signals are emitted from
+ *          several threads: connect them with the default connection type and they arrive in the
+ *          receiver's thread. A mask that was on its way when reset() was called may arrive after
+ *          reset()'s null mask. Results do not depend on the number of cores.
  */
 class RYIMAGECUTTER_EXPORT RyImageSegmentation : public QThread
 {
@@ -56,9 +60,11 @@ public:
     Q_DISABLE_COPY_MOVE(RyImageSegmentation)
 
     /// Begins a session on a picture, which is converted to Format_ARGB32 where it is something
-    /// else; a null picture empties the session. Nothing computed for an earlier picture is adopted.
+    /// else; a null picture empties the session. Nothing computed for an earlier picture is
+    /// adopted.
     void setup(const QImage &image, const QFileInfo &fileInfo);
-    /// Replaces the picture as given; results of another size are dropped from then on.
+    /// Replaces the picture as given. Results of another size are dropped from then on, others are
+    /// still adopted; the next lasso is computed anew.
     void setImage(const QImage &image);
 
     /// Forgets the regions and what was asked for, and emits a null mask and progress 0. The mask

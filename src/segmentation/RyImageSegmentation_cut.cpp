@@ -42,9 +42,8 @@ bool RyImageSegmentation::adoptLassoInsideTheLastOne(RySegmentationState &work, 
     const QRect picture = work.picture.rect();
     const QPainterPath path = RyLasso::snappedToBorder(work.lassoPath, picture.size());
     const QRect area = RyLasso::boundingRect(path).adjusted(-1, -1, 1, 1) & picture;
-    const bool covered = RyLasso::isCovered(path, area, [&work](QPainter &painter) {
-        RyLasso::fill(painter, work.computedPath);
-    });
+    const bool covered = RyLasso::isCovered(
+            path, area, [&work](QPainter &painter) { RyLasso::fill(painter, work.computedPath); });
     RySlic slic; // what it cannot divide is the business of a worker, which then finds no regions
     slic.setup(&work.analysis->image(), path);
     if (!covered || slic.isDegenerate()) {

@@ -51,7 +51,7 @@ public:
     static std::shared_ptr<RyInitialSegmentationWorker>
     create(const std::shared_ptr<RyPictureAnalysis> &analysis);
 
-    /// Host thread. Progress is announced with its total first.
+    /// Host thread, once. Each step of the run is announced with updateProgress().
     QFuture<void> startInitialSegmentation(const QPainterPath &path);
 
     /// Any thread; does not wait. Stays in force when the run has not begun yet.

@@ -14,8 +14,8 @@ struct RySlicSlice;
  *
  * Input    a picture with its YCbCr plane and a closed path in picture pixels.
  * Output   superPixelAssignments(): the picture's size, Format_ARGB32, every word a signed 32-bit
- *          label, 0 for none; clusterInformations(): one record a label, record 0 for no
- * superpixel. Source   SLIC (Achanta et al., IEEE TPAMI 34(11), 2012) in YCbCr with the distance of
+ *          label, 0 for none; clusterInformations(): one record a label, record 0 for none.
+ * Source   SLIC (Achanta et al., IEEE TPAMI 34(11), 2012) in YCbCr with the distance of
  *          RySuperPixel, a fixed ten rounds, and regions of at most 1/400 of the mean area merged
  *          into their most similar neighbour.
  * Errors   none reported: a lasso without area inside the picture, with coordinates that are not
