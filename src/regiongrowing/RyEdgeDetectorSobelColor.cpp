@@ -57,7 +57,7 @@ QList<SobelSlice> createSobelSlices(QImage &sobel, const QImage &yCbCr)
 } // namespace
 
 void RyEdgeDetectorSobelKernels::strengthRow(const QRgb *above, const QRgb *row, const QRgb *below,
-                                             std::uint8_t *__restrict strengths, int width)
+                                             Strengths strengths, int width)
 {
     for (int x = 1; x < width - 2; ++x)
         strengths[x] = strengthAt(above, row, below, x);

@@ -7,7 +7,7 @@
 __attribute__((target("avx2")))
 #endif
 void RyEdgeDetectorSobelKernels::strengthRowAvx2(const QRgb *above, const QRgb *row,
-                                                 const QRgb *below, std::uint8_t *__restrict strengths,
+                                                 const QRgb *below, Strengths strengths,
                                                  int width)
 {
     for (int x = 1; x < width - 2; ++x)

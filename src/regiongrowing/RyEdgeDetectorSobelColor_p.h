@@ -10,16 +10,19 @@
 /// Edge strengths of one row.
 namespace RyEdgeDetectorSobelKernels {
 
+/// Where strengths go: to memory that is no input's, which lets the loop be vectorised.
+using Strengths = std::uint8_t *__restrict;
+
 /// Reads [0, width) of three neighbouring rows of YCbCr words and writes the strengths of columns
-/// 1 … width − 3 to strengths[1 … width − 3], which overlap no input; nothing else. Every variant
+/// 1 … width − 3 to strengths[1 … width − 3]; nothing else. Every variant
 /// gives the same bits.
 using StrengthRow = void (*)(const QRgb *above, const QRgb *row, const QRgb *below,
-                             std::uint8_t *__restrict strengths, int width);
+                             Strengths strengths, int width);
 
-void strengthRow(const QRgb *above, const QRgb *row, const QRgb *below,
-                 std::uint8_t *__restrict strengths, int width);
-void strengthRowAvx2(const QRgb *above, const QRgb *row, const QRgb *below,
-                     std::uint8_t *__restrict strengths, int width);
+void strengthRow(const QRgb *above, const QRgb *row, const QRgb *below, Strengths strengths,
+                 int width);
+void strengthRowAvx2(const QRgb *above, const QRgb *row, const QRgb *below, Strengths strengths,
+                     int width);
 
 StrengthRow best(); ///< the fastest variant that this processor runs
 

@@ -28,8 +28,8 @@ class RySegmentationState;
  * Source   SLIC superpixels, joined by graph-based region growing, judged by a colour histogram;
  *          docs/design.md names the papers.
  * Errors   none reported: a path with coordinates that are not finite is ignored; a lasso without
- *          area inside the picture gives a mask without foreground; an empty picture gives a null
- *          mask; too little memory gives a null mask, or none.
+ *          area inside the picture gives a mask without foreground; an empty picture, or too
+ *          little memory, gives a null mask.
  * Threads  every public call belongs to the thread that made the object; they may come in any order
  *          at any time, and none waits for work that another thread has begun on a lasso. Calls
  *          that draw a picture draw it in the caller's thread; so work setup() for a picture that

@@ -65,6 +65,10 @@ void RyImageSegmentation::initialSegmentationIsFinished()
     }
     const RyInitialSegmentationWorker::Results results = finished->results();
     finished->releaseResults();
+    if (results.labels.isNull() && !snapshot().picture.isNull()) {
+        Q_EMIT sendNewMask(QImage()); // too little memory; a host that waits has to hear something
+        return;
+    }
     {
         const QMutexLocker lock(&d->mutex);
         RySegmentationState &state = d->state;

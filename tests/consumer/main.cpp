@@ -42,13 +42,13 @@ int main(int argc, char **argv)
     session.setMaskColor(Qt::black);
     session.setup(texturedObject(), QFileInfo());
     int status = 1;
-    QObject::connect(&session, &RyImageSegmentation::sendNewMask, &application,
-                     [&](const QImage &mask) {
-                         if (mask.isNull())
-                             return;
-                         status = qAlpha(mask.pixel(95, 75)) == 0 && qAlpha(mask.pixel(5, 5)) ? 0 : 1;
-                         QCoreApplication::quit();
-                     });
+    QObject::connect(
+            &session, &RyImageSegmentation::sendNewMask, &application, [&](const QImage &mask) {
+                if (mask.isNull())
+                    return;
+                status = qAlpha(mask.pixel(95, 75)) == 0 && qAlpha(mask.pixel(5, 5)) ? 0 : 1;
+                QCoreApplication::quit();
+            });
     QPainterPath lasso;
     lasso.addRect(40, 25, 120, 105);
     session.startThreadWithInitialPath(lasso);
