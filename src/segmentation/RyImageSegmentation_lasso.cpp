@@ -37,6 +37,8 @@ void RyImageSegmentation::startInitialSegmentation(const QPainterPath &path)
         forgetWorker();
     }
     reset();
+    if (d->worker)
+        return; // a slot that heard reset() has started a newer lasso
     d->lassoRect = RyLasso::boundingRect(path);
     d->worker = RyInitialSegmentationWorker::create(snapshot().analysis);
     connect(d->worker.get(), &RyInitialSegmentationWorker::updateProgress, this,

@@ -28,6 +28,7 @@ private Q_SLOTS:
     void degenerateInput();
     void ignoresPathsThatAreNotFinite();
     void newestLassoWins();
+    void newestLassoWinsInASlot();
     void stoppedWorkersStaySilent();
     void usesRegionsAgainInsideTheLasso();
     void computesAnewBesideTheLasso();
@@ -246,6 +247,19 @@ void tst_RyImageSegmentation::newestLassoWins()
         QCOMPARE(driver.cut(other), expected);
         QCOMPARE(driver.progress.last(), std::make_pair(14, 14));
     }
+}
+
+void tst_RyImageSegmentation::newestLassoWinsInASlot()
+{
+    const QPainterPath newer = Samples::rectangle(120, 60, 150, 120);
+    SessionDriver driver(smallPhotograph());
+    connect(
+            &driver.session, &RyImageSegmentation::sendNewMask, this,
+            [&] { driver.session.startThreadWithInitialPath(newer); }, Qt::SingleShotConnection);
+    driver.session.startThreadWithInitialPath(smallLasso); // says first that there is no mask
+    QVERIFY(driver.settle());
+    SessionDriver alone(smallPhotograph());
+    QCOMPARE(driver.session.maskForeground(), alone.cut(newer));
 }
 
 void tst_RyImageSegmentation::stoppedWorkersStaySilent()
