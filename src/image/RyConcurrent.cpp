@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
 #include <memory>
 
 namespace {
@@ -21,10 +22,16 @@ public:
         , m_body(body)
     {}
 
+    /// Never throws: a helper has nobody to throw to.
     void work()
     {
-        for (qsizetype i = m_next.fetch_add(1); i < m_count; i = m_next.fetch_add(1))
-            m_body(i);
+        try {
+            for (qsizetype i = m_next.fetch_add(1); i < m_count; i = m_next.fetch_add(1))
+                m_body(i);
+        } catch (...) {
+            const QMutexLocker lock(&m_mutex);
+            m_failure = std::current_exception();
+        }
     }
 
     void help()
@@ -41,12 +48,15 @@ public:
             m_noHelpers.wakeAll();
     }
 
+    /// Throws what a slice has thrown, such as std::bad_alloc; of several, the last.
     void waitForHelpers()
     {
         const QMutexLocker lock(&m_mutex);
         m_callerHasLeft = true;
         while (m_helpers > 0)
             m_noHelpers.wait(&m_mutex);
+        if (m_failure)
+            std::rethrow_exception(m_failure);
     }
 
 private:
@@ -57,6 +67,7 @@ private:
     QWaitCondition m_noHelpers; // predicate: m_helpers == 0
     int m_helpers = 0;
     bool m_callerHasLeft = false;
+    std::exception_ptr m_failure;
 };
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "regiongrowing/RyEdgeDetectorSobelColor_p.h"
 
 #include <array>
+#include <new>
 #include <vector>
 
 namespace {
@@ -88,6 +89,14 @@ void RyEdgeDetectorSobelColor::run()
 {
     m_average = m_median = 0.0;
     m_sobelImage = QImage();
+    try {
+        detect();
+    } catch (const std::bad_alloc &) { // as when the image itself cannot be allocated
+    }
+}
+
+void RyEdgeDetectorSobelColor::detect()
+{
     const QImage yCbCr = m_image ? m_image->imageYCbCr() : QImage();
     QImage sobel(yCbCr.size(), QImage::Format_ARGB32);
     if (sobel.isNull())

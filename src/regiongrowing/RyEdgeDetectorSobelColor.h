@@ -42,6 +42,7 @@ public:
     double average() const { return m_average; }
 
 private:
+    void detect();
     void calculateMedianAndMean(const QList<int> &histogram, qint64 half);
 
     const RyImage *m_image = nullptr;

@@ -6,6 +6,8 @@
 #include <QDeadlineTimer>
 #include <QMutexLocker>
 
+#include <new>
+
 namespace {
 
 constexpr int destructionPauseMs = 100;
@@ -94,8 +96,7 @@ void RyImageSegmentation::cancel()
     bool active = false;
     {
         const QMutexLocker lock(&d->mutex);
-        d->requests.clear();
-        active = d->active;
+        active = d->active; // requests stay: a recolouring still counts, a cut finds nothing to cut
     }
     if (active && d->worker) {
         forgetWorker();
@@ -158,7 +159,11 @@ void RyImageSegmentation::perform(SegmentationMode mode)
 {
     switch (mode) {
     case InitialCut:
-        doInitialCut();
+        try {
+            doInitialCut();
+        } catch (const std::bad_alloc &) {
+            Q_EMIT sendNewMask(QImage());
+        }
         break;
     case UpdateMask:
         updateMask();

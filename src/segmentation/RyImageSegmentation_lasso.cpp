@@ -76,6 +76,10 @@ void RyImageSegmentation::initialSegmentationIsFinished()
         RySegmentationState &state = d->state;
         if (results.labels.size() != state.picture.size())
             return; // setImage() brought another picture meanwhile
+        // After cancel() the regions may be there without their rectangle; regions of a picture that
+        // setImage() has replaced serve no new lasso.
+        d->lassoRect = results.analysis == state.analysis ? RyLasso::boundingRect(state.lassoPath)
+                                                          : QRect();
         state.expandedLasso = results.pathExpanded;
         state.computedPath = results.path;
         state.labels = results.labels;

@@ -9,6 +9,8 @@
 #include <QElapsedTimer>
 #include <QtConcurrentRun>
 
+#include <new>
+
 namespace {
 
 /// Milliseconds since the last call, or since construction.
@@ -67,7 +69,7 @@ void RyInitialSegmentationWorker::run()
     if (m_state.compare_exchange_strong(expected, State::Running)) {
         Q_EMIT resetProgress();
         Results results;
-        if (compute(results)) {
+        if (computeInAvailableMemory(results)) {
             m_results = std::move(results);
             expected = State::Running;
             if (m_state.compare_exchange_strong(expected, State::Finished)) {
@@ -79,11 +81,23 @@ void RyInitialSegmentationWorker::run()
     releaseResults(); // stopped: nobody will read them
 }
 
+/// As compute(); where memory runs out, the results are empty.
+bool RyInitialSegmentationWorker::computeInAvailableMemory(Results &results)
+{
+    try {
+        return compute(results);
+    } catch (const std::bad_alloc &) {
+        results = {};
+        return m_state != State::Stopped;
+    }
+}
+
 /// False when the worker was stopped on the way.
 bool RyInitialSegmentationWorker::compute(Results &results)
 {
     RySegmentationStatistics &statistics = results.statistics;
     StageTimer timer;
+    results.analysis = m_analysis;
     const RyImage &image = m_analysis->image();
     statistics.colorPlanesMs = timer.lap();
 
@@ -113,7 +127,8 @@ bool RyInitialSegmentationWorker::compute(Results &results)
     if (!edges) {
         edgeDetector.wait();
         edges = RyPictureAnalysis::Edges{edgeDetector.sobel(), edgeDetector.mean()};
-        m_analysis->setEdges(*edges);
+        if (!edges->sobel.isNull()) // too little memory now need not be for ever
+            m_analysis->setEdges(*edges);
     }
     statistics.edgesWaitMs = timer.lap();
     RyRegionGrowing regionGrowing;
@@ -140,9 +155,11 @@ void RyInitialSegmentationWorker::increaseAndUpdateProgressbar()
 QImage RyInitialSegmentationWorker::drawClustersWithTransparentColorsAndContours() const
 {
     QList<QRgb> colors;
+    if (!m_results.analysis)
+        return {};
     for (const RySuperPixel &superPixel : m_results.superPixels)
         colors.append(superPixel.averageRgb());
-    QImage picture = m_analysis->image().imageRGB();
+    QImage picture = m_results.analysis->image().imageRGB();
     const QRect area = picture.rect() & m_results.labels.rect();
     for (int y = 0; y < area.height(); ++y) {
         const qint32 *const labels = RyLabelImage::row(m_results.labels, y);

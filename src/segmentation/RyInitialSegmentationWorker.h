@@ -36,6 +36,7 @@ class RyInitialSegmentationWorker : public QObject,
 public:
     struct Results
     {
+        std::shared_ptr<RyPictureAnalysis> analysis; ///< of the picture that was divided
         QImage labels;
         QList<RySuperPixel> superPixels;
         QList<QList<QPoint>> pointsOfSuperPixels;
@@ -63,6 +64,7 @@ public:
     void releaseResults();
 
     /// Picture of the results for debugging: every labelled pixel in the mean colour of its region.
+    /// Null once the results are released.
     QImage drawClustersWithTransparentColorsAndContours() const;
 
 Q_SIGNALS:
@@ -76,6 +78,7 @@ private:
     explicit RyInitialSegmentationWorker(const std::shared_ptr<RyPictureAnalysis> &analysis);
 
     void run();
+    bool computeInAvailableMemory(Results &results);
     bool compute(Results &results);
     void increaseAndUpdateProgressbar(); // Host thread: the stages' steps arrive queued.
 

@@ -365,6 +365,11 @@ void tst_RyImageSegmentation::cancels()
     driver.session.cancel();
     QVERIFY(!driver.session.isValid());
     QCOMPARE(driver.session.maskForeground(), mask); // stays readable
+    driver.session.setMaskColor(Qt::red);
+    driver.session.cancel();
+    QVERIFY(driver.settle());
+    QCOMPARE(driver.session.maskForeground().pixel(0, 0), QColor(Qt::red).rgb());
+    driver.session.setMaskColor(Qt::white);
     for (int pause = 0; pause < 30; pause += 2) {
         driver.session.startThreadWithInitialPath(smallLasso);
         QTest::qWait(pause);
