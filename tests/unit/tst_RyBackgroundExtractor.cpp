@@ -1,12 +1,8 @@
 #include "regiongrowing/RyBackgroundExtractor.h"
 #include "regiongrowing/RyHistogram3D.h"
 #include "regiongrowing/RyHistogram3DIndex.h"
-#include "support/TestPictures.h"
 
 #include <QTest>
-
-#include <array>
-#include <map>
 
 namespace {
 
@@ -33,35 +29,6 @@ struct Strip
     }
 };
 
-/// Colours rounded down to sixteenths, counted in ordered containers.
-QSet<int> plainBackground(const QImage &plane, const QImage &mask,
-                          const QList<RySuperPixel> &records, const QSet<int> &candidates)
-{
-    using Bin = std::array<int, 3>;
-    std::map<Bin, int> inside, outside;
-    int outsideSize = 0;
-    for (int y = 0; y < plane.height(); ++y)
-        for (int x = 0; x < plane.width(); ++x) {
-            if (!mask.valid(x, y))
-                continue;
-            const QRgb pixel = plane.pixel(x, y);
-            const Bin bin{qRed(pixel) / 16, qGreen(pixel) / 16, qBlue(pixel) / 16};
-            ++(qAlpha(mask.pixel(x, y)) ? inside : outside)[bin];
-            outsideSize += qAlpha(mask.pixel(x, y)) == 0;
-        }
-    const int limit = int(outsideSize * 0.3);
-    QSet<int> result;
-    for (const int label : candidates) {
-        if (label < 0 || label >= records.size())
-            continue;
-        const RyYCbCr color = records[label].averageYCbCr();
-        const Bin bin{int(color.luminance() / 16), int(color.cb() / 16), int(color.cr() / 16)};
-        if (outside[bin] < inside[bin] && limit > outside[bin] * 0.1)
-            result.insert(label);
-    }
-    return result;
-}
-
 } // namespace
 
 class tst_RyBackgroundExtractor : public QObject
@@ -73,8 +40,6 @@ private Q_SLOTS:
     void hashesInBase255();
     void comparesCounts_data();
     void comparesCounts();
-    void extractsLikePlainCode_data();
-    void extractsLikePlainCode();
 };
 
 void tst_RyBackgroundExtractor::findsBins()
@@ -131,44 +96,6 @@ void tst_RyBackgroundExtractor::comparesCounts()
     QCOMPARE(extractor.extractBackground({1}, strip.mask), taken ? QSet<int>{1} : QSet<int>{});
     QCOMPARE(extractor.extractBackground({}, strip.mask), QSet<int>{});
     QCOMPARE(extractor.extractBackground({-1, 2}, strip.mask), QSet<int>{}); // without a record
-}
-
-void tst_RyBackgroundExtractor::extractsLikePlainCode_data()
-{
-    QTest::addColumn<QImage>("picture");
-    QTest::addColumn<QImage>("mask");
-    const QImage coffee =
-            TestPictures::photograph("coffee.png", QRect(0, 0, 600, 400), QSize(150, 100));
-    const QImage noise = TestPictures::noise(150, 100, 1);
-    for (const QSize size : {QSize(150, 100), QSize(90, 120), QSize(200, 30), QSize()}) {
-        QImage mask(size, QImage::Format_ARGB32);
-        mask.fill(Qt::transparent);
-        for (int y = 10; y < size.height() * 2 / 3; ++y)
-            for (int x = 20; x < size.width() - 30; ++x)
-                mask.setPixel(x, y, QRgb(x * y % 3) << 24);
-        QTest::addRow("coffee, mask %d x %d", size.width(), size.height()) << coffee << mask;
-        QTest::addRow("noise, mask %d x %d", size.width(), size.height()) << noise << mask;
-    }
-}
-
-void tst_RyBackgroundExtractor::extractsLikePlainCode()
-{
-    QFETCH(QImage, picture);
-    QFETCH(QImage, mask);
-    const RyImage image(picture, QFileInfo());
-    const QImage plane = image.imageYCbCr();
-    QList<RySuperPixel> records{RySuperPixel()};
-    QSet<int> candidates{0, -7};
-    for (int i = 1; i < 500; ++i) { // colours from all over the picture
-        const QRgb pixel = plane.pixel(i * 53 % plane.width(), i * 31 % plane.height());
-        records.append(RySuperPixel(qRed(pixel), qGreen(pixel), qBlue(pixel), 0, 0));
-        candidates.insert(i * 3); // a third has no record
-    }
-    RyBackgroundExtractor extractor;
-    extractor.setup(&image);
-    extractor.setSuperPixelInformations(records);
-    const QSet<int> expected = plainBackground(plane, mask, records, candidates);
-    QCOMPARE(extractor.extractBackground(candidates, mask), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_RyBackgroundExtractor)

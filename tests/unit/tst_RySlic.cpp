@@ -4,7 +4,6 @@
 #include "support/ReferenceSlic.h"
 #include "support/TestPictures.h"
 
-#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -319,8 +318,6 @@ void tst_RySlic::refusesDegenerateLassos()
 {
     QFETCH(QPainterPath, lasso);
     const RyImage image(TestPictures::noise(50, 40, 1), QFileInfo());
-    QElapsedTimer timer;
-    timer.start();
     RySlic slic;
     QSignalSpy progress(&slic, &RySlic::increaseProgress);
     slic.setup(&image, lasso);
@@ -328,7 +325,6 @@ void tst_RySlic::refusesDegenerateLassos()
     QCOMPARE(progress.size(), 4);
     QCOMPARE(slic.superPixelAssignments(), ReferenceSlic::Labels(image.size()).image);
     QCOMPARE(slic.clusterInformations().size(), 1);
-    QVERIFY(timer.elapsed() < 2000);
 }
 
 void tst_RySlic::endsOnTheLargestLasso()
