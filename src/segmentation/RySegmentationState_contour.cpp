@@ -33,7 +33,6 @@ void drawBand(ContourBand &band)
     const int lastRow = band.labels.height() - 1;
     for (int y = band.rows.first; y <= band.rows.last; ++y) {
         const qint32 *const row = RyLabelImage::row(std::as_const(band.labels), y);
-
         const qint32 *const above =
                 y > 0 ? RyLabelImage::row(std::as_const(band.labels), y - 1) : nullptr;
         const qint32 *const below =

@@ -157,10 +157,12 @@ void tst_rycutFailures::showsProgressAndStopsOnInterrupt()
 {
     QFETCH(QString, noColour);
     QFETCH(bool, isColoured);
+    Terminal terminal;
+    if (!terminal.isOpen())
+        QSKIP("This system gives out no pseudo-terminals");
     QVERIFY(Samples::photograph(u"coffee.png"_s, 5000).save(path(u"p.bmp"_s))); // takes seconds
     store(path(u"o.png"_s), "precious");
     const QStringList before = files();
-    Terminal terminal;
     QProcess process;
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"TERM"_s, u"xterm"_s);
