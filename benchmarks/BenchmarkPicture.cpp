@@ -15,7 +15,7 @@ QImage scaledPhotograph(const QSize &size)
             .convertToFormat(QImage::Format_ARGB32);
 }
 
-QSize twice(int width, int height)
+QSize ofTwiceTheArea(int width, int height)
 {
     return {int(width * M_SQRT2), int(height * M_SQRT2)};
 }
@@ -23,7 +23,7 @@ QSize twice(int width, int height)
 } // namespace
 
 BenchmarkPicture::BenchmarkPicture(int lassoWidth, int lassoHeight)
-    : image(scaledPhotograph(twice(lassoWidth, lassoHeight)), QFileInfo())
+    : image(scaledPhotograph(ofTwiceTheArea(lassoWidth, lassoHeight)), QFileInfo())
 {
     lasso.addEllipse(QPointF(image.width() / 2.0, image.height() / 2.0), lassoWidth / 2.0,
                      lassoHeight / 2.0);

@@ -14,8 +14,7 @@ namespace RyEdgeDetectorSobelKernels {
 using Strengths = std::uint8_t *__restrict;
 
 /// Reads [0, width) of three neighbouring rows of YCbCr words and writes the strengths of columns
-/// 1 … width − 3 to strengths[1 … width − 3]; nothing else. Every variant
-/// gives the same bits.
+/// 1 … width − 3 to strengths[1 … width − 3]; nothing else. Every variant gives the same bits.
 using StrengthRow = void (*)(const QRgb *above, const QRgb *row, const QRgb *below,
                              Strengths strengths, int width);
 

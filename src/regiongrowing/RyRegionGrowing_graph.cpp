@@ -1,8 +1,8 @@
 #include "regiongrowing/RyRegionGrowing.h"
 
 #include "image/RyConcurrent.h"
+#include "image/RyGeometry.h"
 #include "image/RyLabelImage.h"
-#include "image/RyRoundedRect.h"
 #include "regiongrowing/RyRegionGrowingEdgeCandidate.h"
 
 #include <algorithm>
@@ -94,10 +94,8 @@ void RyRegionGrowing::createGraph()
     slice.sobel = m_sobelImage.size() == m_labels.size() ? m_sobelImage : QImage();
     slice.labels = m_labels;
     slice.labelCount = int(m_superPixels.size());
-    // right() and bottom() as exclusive ends: the last row and column are not visited. An empty
-    // rectangle is not shrunk further, since Qt would turn its sides round and intersect it.
-    const QRect rect = ryRoundedRect(m_lasso);
-    const QRect searched = rect.isEmpty() ? QRect() : rect.adjusted(0, 0, -1, -1) & m_labels.rect();
+    const QRect searched =
+            RyGeometry::scannedPart(RyGeometry::roundedRect(m_lasso)) & m_labels.rect();
     QList<EdgeDetectionSlice> slices;
     for (const RyIntRange &rows :
          RyIntRange(searched.top(), searched.bottom()).splitEvenlyForCpuCores()) {

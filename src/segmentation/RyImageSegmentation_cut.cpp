@@ -1,6 +1,6 @@
 #include "segmentation/RyImageSegmentation.h"
 
-#include "image/RyRoundedRect.h"
+#include "image/RyGeometry.h"
 #include "segmentation/RyImageSegmentation_p.h"
 #include "segmentation/RyInitialCut.h"
 #include "segmentation/RyLasso.h"
@@ -88,7 +88,7 @@ void RyImageSegmentation::cutObjectInitial(RySegmentationState &work, quint64 ep
 
     const QImage lassoImage = work.createImageWithLassoPath();
     increaseAndUpdateProgressbar(epoch);
-    const QRect area = ryRoundedRect(work.expandedLasso.boundingRect());
+    const QRect area = RyGeometry::roundedRect(work.expandedLasso.boundingRect());
     const RyInitialCut::Sets sets =
             cut.separateForegroundAndBackgroundSuperPixels(lassoImage, area);
     if (isInterruptionRequested())
@@ -111,9 +111,6 @@ bool RyImageSegmentation::publishCut(const RySegmentationState &work, quint64 ep
     const QMutexLocker lock(&d->mutex);
     if (d->epoch != epoch)
         return false;
-    // A colour that came while there was no mask to recolour has asked for nothing yet.
-    if (d->state.foregroundMask.isNull() && d->state.maskColor.rgb() != work.maskColor.rgb())
-        d->requests.append(UpdateMask);
     d->state.foregroundMask = work.foregroundMask;
     d->state.foregroundClusters = work.foregroundClusters;
     d->state.backgroundClusters = work.backgroundClusters;

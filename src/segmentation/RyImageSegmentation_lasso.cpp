@@ -1,6 +1,7 @@
 #include "segmentation/RyImageSegmentation.h"
 
 #include "RyLogger.h"
+#include "image/RyGeometry.h"
 #include "segmentation/RyImageSegmentation_p.h"
 #include "segmentation/RyLasso.h"
 
@@ -8,7 +9,7 @@
 
 void RyImageSegmentation::startThreadWithInitialPath(const QPainterPath &thePath)
 {
-    if (!RyLasso::isFinite(thePath))
+    if (!RyGeometry::isFinite(thePath))
         return;
     const QRect rect = RyLasso::boundingRect(thePath);
     const bool insideTheLastOne = isValid() && d->lassoRect.contains(rect);

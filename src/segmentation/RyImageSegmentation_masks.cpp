@@ -42,7 +42,8 @@ void RyImageSegmentation::setMaskColor(const QColor &color)
             return;
         d->state.maskColor = color;
         ++d->revision;
-        if (d->state.foregroundMask.isNull())
+        // While a first cut runs there is a mask to come, in the colour before.
+        if (d->state.foregroundMask.isNull() && !d->active)
             return;
     }
     startWithMode(UpdateMask);
@@ -74,7 +75,9 @@ void RyImageSegmentation::setMaskIsInverted(bool inverted)
 void RyImageSegmentation::updateMask()
 {
     changeMask(&RySegmentationState::updateMask);
-    Q_EMIT sendNewMask(maskForeground());
+    const QImage mask = maskForeground();
+    if (!mask.isNull())
+        Q_EMIT sendNewMask(mask);
 }
 
 void RyImageSegmentation::invertMaskJob()

@@ -1,5 +1,6 @@
 #include "segmentation/RyInitialCut.h"
 
+#include "image/RyGeometry.h"
 #include "image/RyLabelImage.h"
 #include "regiongrowing/RyBackgroundExtractor.h"
 
@@ -38,10 +39,7 @@ RyInitialCut::separateForegroundAndBackgroundSuperPixels(const QImage &lassoImag
     const qsizetype count = m_state.superPixels.size();
     std::vector<bool> inside(std::size_t(count), false);
     std::vector<bool> outside(std::size_t(count), false);
-    // right() and bottom() as exclusive ends. An empty area is not shrunk further, since Qt would
-    // turn its sides round and intersect it.
-    const QRect ends = area.isEmpty() ? QRect() : area.adjusted(0, 0, -1, -1);
-    const QRect scanned = ends & lassoImage.rect() & m_state.labels.rect();
+    const QRect scanned = RyGeometry::scannedPart(area) & lassoImage.rect() & m_state.labels.rect();
     for (int y = scanned.top(); y <= scanned.bottom(); ++y) {
         const qint32 *const labels = RyLabelImage::row(m_state.labels, y);
         const auto *const lasso = reinterpret_cast<const QRgb *>(lassoImage.constScanLine(y));

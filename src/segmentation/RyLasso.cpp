@@ -1,12 +1,11 @@
 #include "segmentation/RyLasso.h"
 
-#include "image/RyRoundedRect.h"
+#include "image/RyGeometry.h"
 
 #include <QImage>
 #include <QPainter>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -23,22 +22,12 @@ double snapped(double value, int side)
 
 } // namespace
 
-bool RyLasso::isFinite(const QPainterPath &path)
-{
-    for (int i = 0; i < path.elementCount(); ++i) {
-        const QPainterPath::Element element = path.elementAt(i);
-        if (!std::isfinite(element.x) || !std::isfinite(element.y))
-            return false;
-    }
-    return true;
-}
-
 QRect RyLasso::boundingRect(const QPainterPath &path)
 {
     const QRectF rect = path.boundingRect();
     const auto bounded = [](double value) { return std::clamp(value, -farOutside, farOutside); };
-    return ryRoundedRect(QRectF(QPointF(bounded(rect.left()), bounded(rect.top())),
-                                QPointF(bounded(rect.right()), bounded(rect.bottom()))));
+    return RyGeometry::roundedRect(QRectF(QPointF(bounded(rect.left()), bounded(rect.top())),
+                                          QPointF(bounded(rect.right()), bounded(rect.bottom()))));
 }
 
 QPainterPath RyLasso::snappedToBorder(const QPainterPath &path, const QSize &picture)

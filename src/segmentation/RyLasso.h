@@ -15,9 +15,6 @@ class QPainter;
  */
 namespace RyLasso {
 
-/// False when a coordinate is infinite or not a number: such a path must not reach the rasteriser.
-bool isFinite(const QPainterPath &path);
-
 /// The bounding rectangle rounded to pixels; huge coordinates count as far outside.
 QRect boundingRect(const QPainterPath &path);
 

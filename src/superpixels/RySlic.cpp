@@ -2,8 +2,8 @@
 
 #include "RyPlatformIndependent.h"
 #include "image/RyConcurrent.h"
+#include "image/RyGeometry.h"
 #include "image/RyLabelImage.h"
-#include "image/RyRoundedRect.h"
 #include "superpixels/RySlic_p.h"
 #include "superpixels/RySuperPixelSums.h"
 
@@ -30,7 +30,7 @@ void RySlic::setup(const RyImage *image, const QPainterPath &lasso)
 {
     m_image = image;
     m_lassoPath = lasso;
-    m_lassoRect = ryRoundedRect(lasso);
+    m_lassoRect = RyGeometry::roundedRect(lasso);
     setupParameters(countSuperPixels());
 }
 
@@ -175,9 +175,7 @@ void RySlic::updateSuperPixelInformations()
 
 void RySlic::addLabelledPixels()
 {
-    // right() and bottom() as exclusive ends, as in every scan of a lasso: the last row and column
-    // do not count.
-    const QRect counted = lassoBoundingRect().adjusted(0, 0, -1, -1);
+    const QRect counted = RyGeometry::scannedPart(lassoBoundingRect());
     RySuperPixelSums::addLabelledPixels(m_superPixels, m_labels, m_image->imageYCbCr(), counted);
     for (RySuperPixel &superPixel : m_superPixels)
         superPixel.normalize();

@@ -1,3 +1,4 @@
+#include "image/RyGeometry.h"
 #include "segmentation/RyExpandedLasso.h"
 #include "segmentation/RyLasso.h"
 #include "support/Pixels.h"
@@ -111,8 +112,8 @@ void tst_RyExpandedLasso::roundsHugeRectangles()
     QVERIFY(rect.left() < -100000000 && rect.right() > 100000000);
     QCOMPARE(rect.top(), 20);
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    QVERIFY(!RyLasso::isFinite(Samples::closedPath({{0, 0}, {infinity, 1}, {1, 1}})));
-    QVERIFY(RyLasso::isFinite(Samples::rectangle(-1e15, 20, 2e15, 30)));
+    QVERIFY(!RyGeometry::isFinite(Samples::closedPath({{0, 0}, {infinity, 1}, {1, 1}})));
+    QVERIFY(RyGeometry::isFinite(Samples::rectangle(-1e15, 20, 2e15, 30)));
 }
 
 QTEST_GUILESS_MAIN(tst_RyExpandedLasso)
