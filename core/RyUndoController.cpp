@@ -1,0 +1,155 @@
+#include "RyUndoController.h"
+
+#include "RyUndoCommand.h"
+
+#include <QCoreApplication>
+#include <QMutexLocker>
+#include <QSignalBlocker>
+#include <QThread>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace {
+
+/// A command's place on the stack. QUndoStack cannot give up its oldest commands, but a stack of
+/// places can be laid anew with the same commands.
+class Place : public QUndoCommand
+{
+public:
+    explicit Place(std::shared_ptr<RyUndoCommand> command)
+        : QUndoCommand(command->text() + QLatin1Char('\n') + command->actionText())
+        , m_command(std::move(command))
+    {}
+
+    static const Place *at(const QUndoStack &stack, int index)
+    {
+        return dynamic_cast<const Place *>(stack.command(index));
+    }
+    const std::shared_ptr<RyUndoCommand> &command() const { return m_command; }
+
+    void undo() override
+    {
+        m_command->undo();
+        setObsolete(m_command->isObsolete());
+    }
+    void redo() override
+    {
+        m_command->redo();
+        setObsolete(m_command->isObsolete());
+    }
+
+private:
+    const std::shared_ptr<RyUndoCommand> m_command;
+};
+
+} // namespace
+
+RyUndoController *RyUndoController::instanceForFotoEditor()
+{
+    static RyUndoController controller;
+    return &controller;
+}
+
+RyUndoController::RyUndoController()
+    : m_stack(this)
+{
+    if (const QCoreApplication *const application = QCoreApplication::instance())
+        moveToThread(application->thread());
+}
+
+RyUndoController::~RyUndoController() = default;
+
+void RyUndoController::accept(std::shared_ptr<RyUndoCommand> command)
+{
+    if (!command)
+        return;
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_handedOver.append(std::move(command));
+    }
+    if (thread() == QThread::currentThread())
+        takeIn();
+    else
+        QMetaObject::invokeMethod(this, &RyUndoController::takeIn, Qt::QueuedConnection);
+}
+
+void RyUndoController::takeIn()
+{
+    // One at a time: who hears of a new step may hand over another, which comes after the rest.
+    const auto next = [this]() -> std::shared_ptr<RyUndoCommand> {
+        const QMutexLocker lock(&m_mutex);
+        return m_handedOver.isEmpty() ? nullptr : m_handedOver.takeFirst();
+    };
+    while (const auto command = next())
+        push(command);
+}
+
+void RyUndoController::undo()
+{
+    takeIn();
+    m_stack.undo();
+}
+
+void RyUndoController::redo()
+{
+    takeIn();
+    m_stack.redo();
+}
+
+void RyUndoController::push(const std::shared_ptr<RyUndoCommand> &command)
+{
+    if (const int steps = stepsToForget())
+        forgetOldest(steps);
+    m_stack.push(new Place(command));
+}
+
+void RyUndoController::setLimits(int steps, qint64 bytes)
+{
+    m_stepLimit = std::max(steps, 1);
+    m_byteLimit = std::max<qint64>(bytes, 1);
+}
+
+qint64 RyUndoController::sizeInBytes() const
+{
+    qint64 bytes = 0;
+    for (int i = 0; i < m_stack.count(); ++i) {
+        if (const Place *const place = Place::at(m_stack, i))
+            bytes += place->command()->sizeInBytes();
+    }
+    return bytes;
+}
+
+/// So that one more fits. Steps that could be done again are about to go anyway.
+int RyUndoController::stepsToForget() const
+{
+    qint64 bytes = 0;
+    for (int i = m_stack.index() - 1; i >= 0; --i) {
+        const Place *const place = Place::at(m_stack, i);
+        if (!place)
+            return 0;
+        bytes += place->command()->sizeInBytes();
+        if (bytes > m_byteLimit || m_stack.index() - i >= m_stepLimit)
+            return i + 1;
+    }
+    return 0;
+}
+
+void RyUndoController::forgetOldest(int steps)
+{
+    // What comes next, a push, tells everybody of the new state.
+    const QSignalBlocker blocker(&m_stack);
+    const int cleanIndex = m_stack.cleanIndex() - steps;
+    std::vector<std::shared_ptr<RyUndoCommand>> kept;
+    for (int i = steps; i < m_stack.index(); ++i)
+        kept.push_back(Place::at(m_stack, i)->command());
+    m_stack.clear();
+    if (cleanIndex != 0)
+        m_stack.resetClean();
+    for (const auto &command : kept) {
+        m_stack.push(new Place(command)); // it is done, so pushing does nothing to it
+        if (m_stack.index() == cleanIndex)
+            m_stack.setClean();
+    }
+}
