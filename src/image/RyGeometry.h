@@ -3,6 +3,7 @@
 #include <QPainterPath>
 #include <QRect>
 
+#include <algorithm>
 #include <cmath>
 
 /// Rectangles of whole pixels, as every scan of a lasso needs them.
@@ -18,6 +19,21 @@ inline bool isFinite(const QPainterPath &path)
             return false;
     }
     return true;
+}
+
+inline bool isFinite(const QPointF &point)
+{
+    return std::isfinite(point.x()) && std::isfinite(point.y());
+}
+
+/// The pixel nearest to a finite point, halves away from zero; huge coordinates count as far away.
+inline QPoint roundedPoint(const QPointF &point)
+{
+    const auto rounded = [](double value) {
+        constexpr double limit = 1e9;
+        return int(std::round(std::clamp(value, -limit, limit)));
+    };
+    return {rounded(point.x()), rounded(point.y())};
 }
 
 /// The rectangle rounded to whole pixels as QRectF::toRect() does it; null where a coordinate is

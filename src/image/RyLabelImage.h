@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QImage>
+#include "image/RyZeroedImage.h"
 
-#include <cstdlib>
+#include <QImage>
 
 /**
  * Access to label images: pictures of signed 32-bit words, one label a pixel, 0 for none.
@@ -13,21 +13,10 @@
  */
 namespace RyLabelImage {
 
-/// All labels 0; null when the size is empty or memory is short. The pages come zeroed from the
-/// system as they are written, so that a small lasso on a large picture costs little.
+/// All labels 0; null when the size is empty or memory is short.
 inline QImage create(const QSize &size)
 {
-    if (size.isEmpty())
-        return {};
-    const auto bytesPerLine = qsizetype(size.width()) * qsizetype(sizeof(qint32));
-    void *const words = std::calloc(std::size_t(size.height()), std::size_t(bytesPerLine));
-    if (!words)
-        return {};
-    QImage labels(static_cast<uchar *>(words), size.width(), size.height(), bytesPerLine,
-                  QImage::Format_ARGB32, std::free, words);
-    if (labels.isNull())
-        std::free(words); // a null image never calls its clean-up function
-    return labels;
+    return RyZeroedImage::create(size, QImage::Format_ARGB32);
 }
 
 inline const qint32 *row(const QImage &labels, int y)

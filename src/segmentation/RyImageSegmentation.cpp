@@ -1,12 +1,14 @@
 #include "segmentation/RyImageSegmentation.h"
 
 #include "RyLogger.h"
+#include "RyUndoController.h"
 #include "segmentation/RyImageSegmentation_p.h"
 
 #include <QDeadlineTimer>
 #include <QMutexLocker>
 
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -21,8 +23,9 @@ void log(const char *tag)
 } // namespace
 
 RyImageSegmentation::RyImageSegmentation()
-    : d(std::make_unique<Private>())
+    : d(std::make_shared<Private>(this, RyUndoController::instanceForFotoEditor()))
 {
+    qRegisterMetaType<QSet<int>>(); // so that hovering can be invoked through a queue
     setImage(QImage());
 }
 
@@ -34,6 +37,7 @@ RyImageSegmentation::~RyImageSegmentation()
         d->requests.clear();
         ++d->epoch;
     }
+    d->buffers->retire();
     requestInterruption();
     for (int pause = 0; pause < destructionPauses; ++pause) {
         if (wait(QDeadlineTimer(destructionPauseMs)))
@@ -73,6 +77,7 @@ void RyImageSegmentation::setImage(const QImage &image)
 void RyImageSegmentation::reset()
 {
     d->lassoRect = QRect();
+    std::unique_ptr<RyMementoSegmentation> forgotten; // goes after the lock
     {
         const QMutexLocker lock(&d->mutex);
         RySegmentationState &state = d->state;
@@ -82,6 +87,8 @@ void RyImageSegmentation::reset()
         state.neighbours.clear();
         state.pointsOfSuperpixels.clear();
         state.expandedLasso = {};
+        forgotten.swap(d->pendingMemento);
+        d->removeRequests([](const Private::Request &request) { return request.isStroke(); });
         d->pendingLasso.reset();
         ++d->epoch;
         ++d->revision;
@@ -111,17 +118,22 @@ bool RyImageSegmentation::isValid() const
     return !d->state.pointsOfSuperpixels.isEmpty();
 }
 
+bool RyImageSegmentation::isBusy() const
+{
+    const QMutexLocker lock(&d->mutex);
+    return d->active || d->clickTasks > 0 || d->restartsToCome > 0 ||
+           (d->worker && !d->workerHasEnded);
+}
+
 void RyImageSegmentation::startWithMode(SegmentationMode mode)
 {
+    bool hasToStart = false;
     {
         const QMutexLocker lock(&d->mutex);
-        if (d->requests.isEmpty() || d->requests.last() != mode)
-            d->requests.append(mode);
-        if (d->active)
-            return;
-        d->active = true;
+        hasToStart = d->activateWith({.mode = mode});
     }
-    startSessionThread();
+    if (hasToStart)
+        startSessionThread();
 }
 
 void RyImageSegmentation::startSessionThread()
@@ -135,10 +147,9 @@ void RyImageSegmentation::run()
 {
     log("SEG:RunningThread");
     while (true) {
-        SegmentationMode mode = Idle;
         {
             const QMutexLocker lock(&d->mutex);
-            if (d->requests.isEmpty()) {
+            if (d->requests.empty()) {
                 d->active = false;
                 return;
             }
@@ -149,21 +160,41 @@ void RyImageSegmentation::run()
                                           Qt::QueuedConnection);
                 return;
             }
-            mode = d->requests.takeFirst();
         }
-        perform(mode);
-    }
-}
-
-void RyImageSegmentation::perform(SegmentationMode mode)
-{
-    switch (mode) {
-    case InitialCut:
         try {
-            doInitialCut();
+            performNextRequest();
         } catch (const std::bad_alloc &) {
             Q_EMIT sendNewMask(QImage());
         }
+    }
+}
+
+void RyImageSegmentation::performNextRequest()
+{
+    Private::Request request;
+    {
+        const QMutexLocker lock(&d->mutex);
+        if (d->requests.empty())
+            return; // reset() has taken the strokes away
+        request = d->requests.front();
+        if (!request.isStroke()) // strokes are taken together, once their turn has come
+            d->requests.pop_front();
+    }
+    switch (request.mode) {
+    case Private::Request::click: {
+        const QMutexLocker inOrder(&d->refining);
+        d->applyClick(request.position);
+        break;
+    }
+    case InitialCut:
+        doInitialCut();
+        break;
+    case PaintSelection:
+    case Scribble:
+        paintSelecting();
+        break;
+    case PaintSelectionHover:
+        paintHovering();
         break;
     case UpdateMask:
         updateMask();
@@ -172,9 +203,26 @@ void RyImageSegmentation::perform(SegmentationMode mode)
         invertMaskJob();
         Q_EMIT sendNewMask(maskForeground());
         break;
-    default:
-        break;
     }
+}
+
+/// A request that would do what the last one does already is left out; of hovers only the newest
+/// counts.
+void RyImageSegmentation::Private::append(Request request)
+{
+    const SegmentationMode mode = request.mode;
+    if (mode == PaintSelectionHover)
+        removeRequests([](const Request &other) { return other.mode == PaintSelectionHover; });
+    const bool isOnItsOwn = request.isStroke() || request.isClick();
+    if (isOnItsOwn || requests.empty() || requests.back().mode != mode)
+        requests.push_back(std::move(request));
+}
+
+/// True when the session's thread has to be started.
+bool RyImageSegmentation::Private::activateWith(Request request)
+{
+    append(std::move(request));
+    return !std::exchange(active, true);
 }
 
 RySegmentationState RyImageSegmentation::snapshot() const

@@ -7,19 +7,30 @@
 #include <QColor>
 #include <QFileInfo>
 #include <QImage>
+#include <QList>
 #include <QPainterPath>
+#include <QPoint>
+#include <QSet>
 #include <QThread>
 
 #include <memory>
 
 class RySegmentationState;
+class RyUndoController;
 
 /**
  * A cut-out session on one picture: the object a host holds, drives with the user's gestures and
  * hears from through signals.
  *
  * Give it a picture with setup(), a mask colour, and a closed lasso with
- * startThreadWithInitialPath(); it answers with segmentationProgress() and sendNewMask().
+ * startThreadWithInitialPath(); it answers with segmentationProgress() and sendNewMask(). Then the
+ * user corrects the cut, region by region or pixel by pixel, with the other slots.
+ *
+ * Gestures are applied in the order of the calls. Strokes that arrive faster than they are cut are
+ * cut together, on the side that the newest stroke or hover names. A gesture that can be undone is
+ * one or more temporary strokes (previews) and a final one: the final one hands a step to the undo
+ * controller that restores what was there before the first, or what was there when the final one
+ * arrived. A final stroke alone records nothing, nor does a click.
  *
  * Input    any picture QImage holds; paths in picture pixels, whatever their shape: points outside
  *          the picture, or within 2 % of its border, count as on the border.
@@ -27,13 +38,14 @@ class RySegmentationState;
  *          is, elsewhere the opaque mask colour.
  * Source   SLIC superpixels, joined by graph-based region growing, judged by a colour histogram;
  *          docs/design.md names the papers.
- * Errors   none reported: a path with coordinates that are not finite is ignored; a lasso without
- *          area inside the picture gives a mask without foreground; an empty picture, or too
- *          little memory, gives a null mask.
+ * Errors   none reported: a path or point with coordinates that are not finite is ignored; a lasso
+ *          without area inside the picture gives a mask without foreground; an empty picture, or
+ *          too little memory, gives a null mask. Corrections before a first lasso find no regions.
  * Threads  every public call belongs to the thread that made the object; they may come in any order
  *          at any time, and none waits for work that another thread has begun on a lasso. Calls
  *          that draw a picture draw it in the caller's thread; so work setup() for a picture that
- *          must be converted, containsPath() and setMaskIsInverted(). Signals are emitted from
+ *          must be converted, containsPath(), lastPath(), setMemento() and setMaskIsInverted().
+ *          Signals are emitted from
  *          several threads: connect them with the default connection type and they arrive in the
  *          receiver's thread. A mask that was on its way when reset() was called may arrive after
  *          reset()'s null mask. Results do not depend on the number of cores.
@@ -76,10 +88,26 @@ public:
 
     /// True while there are regions to refine.
     bool isValid() const;
+    /// True while the session's thread, a worker or a click is at work or has something yet to do.
+    /// When it is false, every call is answered: signals are at least on their way, and
+    /// maskForeground() holds all that was asked for.
+    bool isBusy() const;
     QImage maskForeground() const;
     /// True when the path lies within the lasso that the regions were computed for, grown by ten
     /// pixels. Takes time in proportion to the path's area.
     bool containsPath(const QPainterPath &path) const;
+    /// The area of the painted selection that was applied last. Strokes that were applied together
+    /// are united here, which takes its time.
+    QPainterPath lastPath() const;
+
+    /// The region at a point, which is moved into the picture first; 0 where there is none.
+    int safeGetSuperPixelAt(const QPoint &point) const;
+    /// The regions within a round brush of this diameter in pixels: all with a pixel nearer than
+    /// diameter / 2 + 1 (rounded down) to its centre. A diameter of 1 gives the region at the
+    /// point, also 0, which stands for none. Time in proportion to the brush's area.
+    QSet<int> superpixels(const QPoint &point, int diameter) const;
+    /// The pixels of the region at a point; empty where there is none.
+    QList<QPoint> pointsOfSuperpixel(const QPointF &point) const;
 
     /// Only red, green and blue count. Recolours a mask in the session's thread.
     void setMaskColor(const QColor &color);
@@ -90,8 +118,18 @@ public:
 
     /// The state of the cut; with superpixel data it carries labels and points of regions as well.
     std::unique_ptr<RyMementoSegmentation> createMemento(bool withSuperPixelData) const;
+    /// Restores a state, and emits its mask. It replaces a stroke that is being cut, while strokes
+    /// that wait are applied to it. Of a memento whose mask is of another size than the picture only
+    /// the sets are taken. Regions that come from a memento serve refinement; the next lasso
+    /// computes its own.
+    void setMemento(const RyMementoSegmentation &memento);
+    /// Where finished gestures go; never null.
+    RyUndoController *undoController() const;
     RySegmentationStatistics statistics() const;
 
+    /// The mask with some regions' pixels on one side, as hovering shows it: the pixel in the top
+    /// left corner keeps its side.
+    QImage maskWithSegments(const QSet<int> &clusters, bool isForeground) const;
     /// A path filled opaque white on black, without antialiasing, in the mask's size.
     QImage createMask(const QPainterPath &path) const;
     /// The lasso grown by ten pixels, likewise, in the picture's size.
@@ -105,8 +143,20 @@ public:
     QImage drawContour() const;
 
 public Q_SLOTS:
+    /// Moves every region that a filled path touches to one side; isForeground adds it to the
+    /// object. A temporary stroke previews a gesture, the one that is not temporary ends it.
+    void startThreadWithPaintSelection(const QPainterPath &theScribble, bool isForeground,
+                                       bool isTemporary);
+    /// Paints the filled path itself into the mask; regions keep their sides.
+    void startThreadWithScribble(const QPainterPath &theScribble, bool isForeground,
+                                 bool isTemporary);
+    /// Sends the mask as it would look with these regions on one side. Only the newest call counts;
+    /// an empty set sends nothing.
+    void startThreadWithPaintSelectionHover(const QSet<int> &theClusters, bool isForeground);
     /// A new lasso. Inside the last one its regions are used again, else new ones are computed.
     void startThreadWithInitialPath(const QPainterPath &thePath);
+    /// Moves the region at a point to its other side. Sends nothing; see isBusy().
+    void startThreadWithClicker(const QPointF &thePosition);
     /// For the session's own workers; signals of others are ignored.
     void setProgressFromWorker(int theCurrentStep, int theTotalStep);
     void resetProgress();
@@ -124,25 +174,28 @@ private:
 
     // Host thread.
     void startWithMode(SegmentationMode mode);
+    void startWithStroke(SegmentationMode mode, const QPainterPath &path, bool isForeground,
+                         bool isTemporary);
     void startSessionThread();
     void startInitialSegmentation(const QPainterPath &path);
     void initialSegmentationIsFinished();
     void forgetWorker();
 
     // Session thread.
-    void perform(SegmentationMode mode);
+    void performNextRequest();
     void doInitialCut();
     bool adoptLassoInsideTheLastOne(RySegmentationState &work, quint64 epoch);
     void cutObjectInitial(RySegmentationState &work, quint64 epoch);
+    void paintSelecting();
+    void paintHovering();
     void updateMask();
     void invertMaskJob(); // or host thread, from setMaskIsInverted()
 
     // Any thread.
     RySegmentationState snapshot() const;
     bool publishCut(const RySegmentationState &work, quint64 epoch);
-    void changeMask(void (RySegmentationState::*change)());
     void increaseAndUpdateProgressbar(quint64 epoch);
     int totalSteps() const;
 
-    const std::unique_ptr<Private> d;
+    const std::shared_ptr<Private> d; // clicks on the pool share it
 };

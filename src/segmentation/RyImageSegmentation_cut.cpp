@@ -50,11 +50,16 @@ bool RyImageSegmentation::adoptLassoInsideTheLastOne(RySegmentationState &work, 
         const auto startOver = [this, lasso = work.lassoPath, epoch] {
             const auto isCurrent = [this, epoch] {
                 const QMutexLocker lock(&d->mutex);
+                --d->restartsToCome;
                 return d->epoch == epoch;
             };
             if (isCurrent())
                 startInitialSegmentation(lasso);
         };
+        {
+            const QMutexLocker lock(&d->mutex);
+            ++d->restartsToCome;
+        }
         QMetaObject::invokeMethod(this, startOver, Qt::QueuedConnection);
         return false;
     }

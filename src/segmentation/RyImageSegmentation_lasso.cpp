@@ -18,6 +18,9 @@ void RyImageSegmentation::startThreadWithInitialPath(const QPainterPath &thePath
         d->state.foregroundClusters.clear();
         d->state.backgroundClusters.clear();
         d->state.lassoPath = thePath;
+        d->removeClicks();
+        for (Private::Request &request : d->requests)
+            request.isTemporary = false; // no gesture goes on beyond a lasso
         ++d->epoch;
         ++d->revision;
         if (insideTheLastOne) {
@@ -42,6 +45,7 @@ void RyImageSegmentation::startInitialSegmentation(const QPainterPath &path)
         return; // a slot that heard reset() has started a newer lasso
     d->lassoRect = RyLasso::boundingRect(path);
     d->worker = RyInitialSegmentationWorker::create(snapshot().analysis);
+    d->workerHasEnded = false;
     connect(d->worker.get(), &RyInitialSegmentationWorker::updateProgress, this,
             &RyImageSegmentation::setProgressFromWorker);
     connect(d->worker.get(), &RyInitialSegmentationWorker::finished, this,
@@ -68,6 +72,7 @@ void RyImageSegmentation::initialSegmentationIsFinished()
     }
     const RyInitialSegmentationWorker::Results results = finished->results();
     finished->releaseResults();
+    d->workerHasEnded = true;
     if (results.labels.isNull() && !snapshot().picture.isNull()) {
         Q_EMIT sendNewMask(QImage()); // too little memory; a host that waits has to hear something
         return;
@@ -88,6 +93,7 @@ void RyImageSegmentation::initialSegmentationIsFinished()
         state.neighbours = results.neighbours;
         state.pointsOfSuperpixels = results.pointsOfSuperPixels;
         state.statistics = results.statistics;
+        d->removeClicks();
         ++d->epoch;
         ++d->revision;
     }
@@ -130,4 +136,11 @@ void RyImageSegmentation::increaseAndUpdateProgressbar(quint64 epoch)
         total = totalSteps();
     }
     Q_EMIT segmentationProgress(current, total);
+}
+
+/// A first cut is to come, which replaces mask and sets: clicks on what was there before must not
+/// come after it.
+void RyImageSegmentation::Private::removeClicks()
+{
+    removeRequests([](const Request &request) { return request.isClick(); });
 }

@@ -23,17 +23,6 @@ RySegmentationStatistics RyImageSegmentation::statistics() const
     return snapshot().statistics;
 }
 
-std::unique_ptr<RyMementoSegmentation>
-RyImageSegmentation::createMemento(bool withSuperPixelData) const
-{
-    const RySegmentationState state = snapshot();
-    return std::make_unique<RyMementoSegmentation>(
-            state.lassoPath, state.foregroundClusters, state.backgroundClusters,
-            state.foregroundMask, withSuperPixelData ? state.labels : QImage(),
-            withSuperPixelData ? state.pointsOfSuperpixels : QList<QList<QPoint>>(),
-            QColor(state.maskColor.rgb()));
-}
-
 void RyImageSegmentation::setMaskColor(const QColor &color)
 {
     {
@@ -74,39 +63,14 @@ void RyImageSegmentation::setMaskIsInverted(bool inverted)
 
 void RyImageSegmentation::updateMask()
 {
-    changeMask(&RySegmentationState::updateMask);
-    const QImage mask = maskForeground();
-    if (!mask.isNull())
-        Q_EMIT sendNewMask(mask);
+    const auto mask = d->change(&RySegmentationState::updateMask);
+    if (mask && !mask->isNull())
+        Q_EMIT sendNewMask(*mask);
 }
 
 void RyImageSegmentation::invertMaskJob()
 {
-    changeMask(&RySegmentationState::invertMaskJob);
-}
-
-/// Applies a change to a copy of the state, without the mutex, until no other change has come in
-/// between.
-void RyImageSegmentation::changeMask(void (RySegmentationState::*change)())
-{
-    while (true) {
-        RySegmentationState work;
-        quint64 revision = 0;
-        {
-            const QMutexLocker lock(&d->mutex);
-            work = d->state;
-            revision = d->revision;
-        }
-        (work.*change)();
-        const QMutexLocker lock(&d->mutex);
-        if (d->revision != revision)
-            continue;
-        d->state.foregroundMask = work.foregroundMask;
-        d->state.foregroundClusters = work.foregroundClusters;
-        d->state.backgroundClusters = work.backgroundClusters;
-        ++d->revision;
-        return;
-    }
+    d->change(&RySegmentationState::invertMaskJob);
 }
 
 QImage RyImageSegmentation::createMask(const QPainterPath &path) const

@@ -2,10 +2,18 @@
 
 #include "segmentation/RyImageSegmentation.h"
 #include "segmentation/RyInitialSegmentationWorker.h"
+#include "segmentation/RyMaskBuffers.h"
 #include "segmentation/RySegmentationState.h"
+#include "segmentation/RyStroke.h"
+#include "segmentation/RyStrokeCoverage.h"
+#include "segmentation/RyUndoCommandSegmentation.h"
 
 #include <QMutex>
+#include <QPointer>
+#include <QSet>
 
+#include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -14,10 +22,62 @@
  * A session's members, and who may touch them.
  *
  * Computations never hold the mutex: they take a copy of the state, work on it and hand it back if
- * the epoch is still the same.
+ * nothing that they rest on has changed meanwhile.
  */
 struct RyImageSegmentation::Private
 {
+    /// Something to do, for the session's thread, and for the pool where it is a click.
+    struct Request
+    {
+        static constexpr SegmentationMode click = Idle; // the mode that nothing else asks for
+
+        SegmentationMode mode = Idle;
+        QPainterPath stroke = {};
+        bool isTemporary = false; // of a stroke
+        QPointF position = {};    // of a click
+
+        bool isClick() const { return mode == click; }
+        bool isStroke() const { return mode == PaintSelection || mode == Scribble; }
+    };
+
+    /// Strokes that are applied together, and what has to be done on the way.
+    struct Strokes
+    {
+        SegmentationMode mode = Idle;
+        RyStroke stroke;
+        bool isForeground = false;
+        quint64 restores = 0;
+        std::vector<std::shared_ptr<RyUndoCommandSegmentation>> commands;
+    };
+
+    using Change = std::function<void(RySegmentationState &)>;
+
+    Private(RyImageSegmentation *session, RyUndoController *controller)
+        : self(session)
+        , undoController(controller)
+    {}
+
+    // Their callers hold the mutex.
+    void append(Request request);
+    bool activateWith(Request request);
+    template <typename Predicate>
+    void removeRequests(Predicate isUnwanted)
+    {
+        std::erase_if(requests, isUnwanted);
+    }
+    std::unique_ptr<RyMementoSegmentation> createMemento(bool withSuperPixelData) const;
+    std::shared_ptr<RyUndoCommandSegmentation> takeUndoCommand();
+    void restore(RySegmentationState &restored, bool withMask);
+    void restoreRegions(const QImage &labels, const QList<QList<QPoint>> &points);
+    void removeClicks();
+
+    // These take it themselves.
+    std::optional<Request> takeClickUnlessActive();
+    Strokes takeStrokes();
+    void applyClick(const QPointF &position);
+    void applyClicks();
+    std::optional<QImage> change(const Change &change, std::optional<quint64> restoresBefore = {});
+
     mutable QMutex mutex; // guards everything down to the next comment; no signal under it
 
     RySegmentationState state;
@@ -26,22 +86,40 @@ struct RyImageSegmentation::Private
     quint64 epoch = 0;
     // Rises whenever mask, sets or colour change, also by the host in the middle of a job.
     quint64 revision = 0;
+    // Rises whenever a memento replaces the mask, with all that strokes have done to it.
+    quint64 restores = 0;
     std::optional<QPainterPath> pendingLasso; // inside lassoRect; the session's thread takes it
 
     bool maskIsInverted = false;
+    bool isForeground = false; // of the newest stroke or hover: all that wait share it
+    QSet<int> hoverClusters;   // the newest ones, until they are shown
+    std::unique_ptr<RyMementoSegmentation> pendingMemento; // before a gesture's first stroke
     int workerTotalSteps = 0;
     int currentStep = 0;
 
-    // What the session's thread has yet to do, each mode once in a row. It is active from the
-    // first request until it has seen the list empty, under the mutex, so none is left lying.
-    QList<SegmentationMode> requests;
+    // What has yet to be done, in the order of the calls. The session's thread is active from the
+    // first request until it has seen the list empty, under the mutex, so none is left lying. While
+    // it is not active there can only be clicks.
+    std::deque<Request> requests;
     bool active = false;
+    int clickTasks = 0;     // on the pool, or waiting there
+    int restartsToCome = 0; // lassos that the host's thread will start a worker for
+
+    // Held while strokes or clicks are applied, so that they are in order; never by the host.
+    QMutex refining;
+    RyStrokeCoverage coverage; // guarded by it
 
     // Host thread only.
     QFileInfo fileInfo;
     QRect lassoRect; // of the lasso whose regions are held, or being computed
     std::shared_ptr<RyInitialSegmentationWorker> worker; // whose results are accepted
+    bool workerHasEnded = false;
     // Earlier workers, emptied of their data. They keep their addresses until the session ends, so
     // that a signal of theirs which is still queued cannot pass for one of the current worker.
     std::vector<std::shared_ptr<RyInitialSegmentationWorker>> formerWorkers;
+
+    // Never changed.
+    const QPointer<RyImageSegmentation> self;
+    RyUndoController *const undoController;
+    const std::shared_ptr<RyMaskBuffers> buffers = RyMaskBuffers::create();
 };

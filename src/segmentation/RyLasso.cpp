@@ -24,7 +24,11 @@ double snapped(double value, int side)
 
 QRect RyLasso::boundingRect(const QPainterPath &path)
 {
-    const QRectF rect = path.boundingRect();
+    return boundingRect(path.boundingRect());
+}
+
+QRect RyLasso::boundingRect(const QRectF &rect)
+{
     const auto bounded = [](double value) { return std::clamp(value, -farOutside, farOutside); };
     return RyGeometry::roundedRect(QRectF(QPointF(bounded(rect.left()), bounded(rect.top())),
                                           QPointF(bounded(rect.right()), bounded(rect.bottom()))));

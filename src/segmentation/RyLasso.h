@@ -17,6 +17,7 @@ namespace RyLasso {
 
 /// The bounding rectangle rounded to pixels; huge coordinates count as far outside.
 QRect boundingRect(const QPainterPath &path);
+QRect boundingRect(const QRectF &rect);
 
 /// Moves every point that lies outside the picture, or within 2 % of a side from its border, onto
 /// that border (0, width or height). A lasso drawn hastily along the edge so takes the edge in.

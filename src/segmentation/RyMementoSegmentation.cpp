@@ -1,5 +1,7 @@
 #include "segmentation/RyMementoSegmentation.h"
 
+#include "segmentation/RyPackedMask.h"
+
 RyMementoSegmentation::RyMementoSegmentation(const QPainterPath &lassoPath,
                                              const QSet<int> &foregroundClusters,
                                              const QSet<int> &backgroundClusters,
@@ -20,4 +22,25 @@ RyMementoSegmentation::~RyMementoSegmentation() = default;
 std::unique_ptr<RyMementoSegmentation> RyMementoSegmentation::clone() const
 {
     return std::make_unique<RyMementoSegmentation>(*this);
+}
+
+QImage RyMementoSegmentation::mask() const
+{
+    return m_packedMask ? m_packedMask->unpacked() : m_mask;
+}
+
+std::unique_ptr<RyMementoSegmentation> RyMementoSegmentation::compacted() const
+{
+    auto memento = clone();
+    if (auto packed = RyPackedMask::pack(m_mask)) {
+        memento->m_packedMask = std::make_shared<const RyPackedMask>(std::move(*packed));
+        memento->m_mask = QImage();
+    }
+    return memento;
+}
+
+qint64 RyMementoSegmentation::sizeInBytes() const
+{
+    return m_mask.sizeInBytes() + m_labels.sizeInBytes() +
+           (m_packedMask ? m_packedMask->sizeInBytes() : 0);
 }

@@ -11,6 +11,8 @@
 
 #include <memory>
 
+class RyPackedMask;
+
 /**
  * A session's cut at one moment. Its parts share their data with the session and with each other.
  *
@@ -29,7 +31,8 @@ public:
     QList<QList<QPoint>> pointsOfSuperpixels() const { return m_pointsOfSuperpixels; }
     QSet<int> foregroundClusters() const { return m_foregroundClusters; }
     QSet<int> backgroundClusters() const { return m_backgroundClusters; }
-    QImage mask() const { return m_mask; }
+    /// As sendNewMask() carried it; null before a first cut.
+    QImage mask() const;
     /// Null when the memento carries no superpixel data; else the picture's size, Format_ARGB32,
     /// every word a signed 32-bit label, 0 for no superpixel.
     QImage labels() const { return m_labels; }
@@ -37,12 +40,17 @@ public:
     QPainterPath lassoPath() const { return m_lassoPath; }
 
     std::unique_ptr<RyMementoSegmentation> clone() const;
+    /// The same in less memory. Taking its mask out costs a little time then.
+    std::unique_ptr<RyMementoSegmentation> compacted() const;
+    /// Of the mask and the labels; less when they are shared.
+    qint64 sizeInBytes() const;
 
 private:
     QList<QList<QPoint>> m_pointsOfSuperpixels;
     QSet<int> m_foregroundClusters;
     QSet<int> m_backgroundClusters;
     QImage m_mask;
+    std::shared_ptr<const RyPackedMask> m_packedMask; // instead of the mask, or null
     QImage m_labels;
     QColor m_maskColor;
     QPainterPath m_lassoPath;

@@ -1,6 +1,10 @@
 #include "segmentation/RySegmentationState.h"
 
+#include "image/RyLabelImage.h"
+
 #include <QPainter>
+
+#include <algorithm>
 
 namespace {
 
@@ -24,18 +28,67 @@ void fillWholeImage(QImage &image, QPainter::CompositionMode mode, QRgb color)
 
 } // namespace
 
+int RySegmentationState::safeGetSuperPixelAt(const QPoint &point) const
+{
+    if (labels.isNull())
+        return 0;
+    const int x = std::clamp(point.x(), 0, labels.width() - 1);
+    const int y = std::clamp(point.y(), 0, labels.height() - 1);
+    return RyLabelImage::row(labels, y)[x];
+}
+
+QSet<int> RySegmentationState::superpixels(const QPoint &point, int diameter) const
+{
+    if (labels.isNull())
+        return {};
+    if (diameter == 1)
+        return {safeGetSuperPixelAt(point)};
+    const qint64 radius = diameter / 2;
+    const qint64 firstRow = std::max<qint64>(point.y() - radius, 0);
+    const qint64 lastRow = std::min<qint64>(point.y() + radius, labels.height() - 1);
+    const qint64 firstColumn = std::max<qint64>(point.x() - radius, 0);
+    const qint64 lastColumn = std::min<qint64>(point.x() + radius, labels.width() - 1);
+    QSet<int> found;
+    for (qint64 y = firstRow; y <= lastRow; ++y) {
+        const qint32 *const row = RyLabelImage::row(labels, int(y));
+        const qint64 dy = y - point.y();
+        int newest = 0;
+        for (qint64 x = firstColumn; x <= lastColumn; ++x) {
+            const qint64 dx = x - point.x();
+            // The distance is cut to an integer, so everything below radius + 1 is within.
+            const bool isWithin = dx * dx + dy * dy < (radius + 1) * (radius + 1);
+            if (isWithin && row[x] > 0 && row[x] != newest)
+                found.insert(newest = row[x]);
+        }
+    }
+    return found;
+}
+
+bool RySegmentationState::hasMaskOfRegions() const
+{
+    return !foregroundMask.isNull() && foregroundMask.size() == labels.size();
+}
+
+QRgb RySegmentationState::sideColor(bool isForeground) const
+{
+    return isForeground ? transparent : maskColor.rgb();
+}
+
+void RySegmentationState::moveToSide(int label, bool isForeground)
+{
+    (isForeground ? foregroundClusters : backgroundClusters).insert(label);
+    (isForeground ? backgroundClusters : foregroundClusters).remove(label);
+}
+
 void RySegmentationState::drawSuperpixelOnForegroundUserMask(int label, bool isForeground)
 {
-    QSet<int> &to = isForeground ? foregroundClusters : backgroundClusters;
-    QSet<int> &from = isForeground ? backgroundClusters : foregroundClusters;
-    to.insert(label);
-    from.remove(label);
-    if (label < 0 || label >= pointsOfSuperpixels.size() || foregroundMask.size() != labels.size())
+    moveToSide(label, isForeground);
+    if (!hasMaskOfRegions())
         return;
-    const QRgb color = isForeground ? transparent : maskColor.rgb();
+    const QRgb color = sideColor(isForeground);
     auto *const pixels = reinterpret_cast<QRgb *>(foregroundMask.bits());
     const qsizetype width = foregroundMask.width();
-    for (const QPoint &point : pointsOfSuperpixels.at(label))
+    for (const QPoint &point : pointsOf(label))
         pixels[point.y() * width + point.x()] = color;
 }
 

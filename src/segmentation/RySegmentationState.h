@@ -3,6 +3,7 @@
 #include "segmentation/RyExpandedLasso.h"
 #include "segmentation/RyPictureAnalysis.h"
 #include "segmentation/RySegmentationStatistics.h"
+#include "segmentation/RyStroke.h"
 #include "superpixels/RySuperPixel.h"
 
 #include <QColor>
@@ -40,9 +41,23 @@ public:
     QPainterPath lassoPath;    // as the user drew it last
     QPainterPath computedPath; // snapped: what the regions were computed for
     RyExpandedLasso expandedLasso;
+    RyStroke lastUserStroke; // of the last painted selection
     QColor maskColor;
     RySegmentationStatistics statistics;
 
+    /// The label at a point, which is moved into the picture first; 0 without labels.
+    int safeGetSuperPixelAt(const QPoint &point) const;
+    /// The labels within a round brush: whatever is nearer than half the diameter plus a pixel. A
+    /// diameter of 1 gives the label at the point, also 0; others leave 0 out.
+    QSet<int> superpixels(const QPoint &point, int diameter) const;
+    /// Empty for labels that are not in the table.
+    QList<QPoint> pointsOf(int label) const { return pointsOfSuperpixels.value(label); }
+    /// Whether there is a mask that regions can be painted into.
+    bool hasMaskOfRegions() const;
+    /// What one side's pixels look like in the mask.
+    QRgb sideColor(bool isForeground) const;
+
+    void moveToSide(int label, bool isForeground);
     /// Moves a region to one side and repaints its pixels.
     void drawSuperpixelOnForegroundUserMask(int label, bool isForeground);
 

@@ -1,0 +1,199 @@
+#include "segmentation/RyImageSegmentation.h"
+
+#include "RyUndoController.h"
+#include "image/RyGeometry.h"
+#include "segmentation/RyImageSegmentation_p.h"
+#include "segmentation/RyRefinement.h"
+
+#include <QMutexLocker>
+#include <QThreadPool>
+
+#include <new>
+
+void RyImageSegmentation::startThreadWithClicker(const QPointF &thePosition)
+{
+    if (!RyGeometry::isFinite(thePosition))
+        return;
+    {
+        const QMutexLocker lock(&d->mutex);
+        d->append({.mode = Private::Request::click, .position = thePosition});
+        if (d->active)
+            return; // the session's thread comes to it
+        ++d->clickTasks;
+    }
+    // The task has no need of the session itself, which may end before the pool has a thread free.
+    QThreadPool::globalInstance()->start([session = d] { session->applyClicks(); });
+}
+
+void RyImageSegmentation::startThreadWithScribble(const QPainterPath &theScribble,
+                                                  bool isForeground, bool isTemporary)
+{
+    startWithStroke(Scribble, theScribble, isForeground, isTemporary);
+}
+
+void RyImageSegmentation::startThreadWithPaintSelection(const QPainterPath &theScribble,
+                                                        bool isForeground, bool isTemporary)
+{
+    startWithStroke(PaintSelection, theScribble, isForeground, isTemporary);
+}
+
+void RyImageSegmentation::startWithStroke(SegmentationMode mode, const QPainterPath &path,
+                                          bool isForeground, bool isTemporary)
+{
+    if (!RyGeometry::isFinite(path))
+        return;
+    bool hasToStart = false;
+    {
+        const QMutexLocker lock(&d->mutex);
+        d->isForeground = isForeground;
+        hasToStart = d->activateWith({.mode = mode, .stroke = path, .isTemporary = isTemporary});
+    }
+    if (hasToStart)
+        startSessionThread();
+}
+
+void RyImageSegmentation::startThreadWithPaintSelectionHover(const QSet<int> &theClusters,
+                                                             bool isForeground)
+{
+    {
+        const QMutexLocker lock(&d->mutex);
+        d->hoverClusters = theClusters;
+        d->isForeground = isForeground;
+    }
+    startWithMode(PaintSelectionHover);
+}
+
+/// Applies all strokes of one kind that lie next to each other in the list of requests.
+void RyImageSegmentation::paintSelecting()
+{
+    const QMutexLocker inOrder(&d->refining);
+    Private::Strokes strokes = d->takeStrokes();
+    for (const auto &command : strokes.commands)
+        d->undoController->accept(command);
+    if (!strokes.stroke.isEmpty()) {
+        const auto cut = [&](RySegmentationState &state) {
+            RyRefinement refinement(state, *d->buffers);
+            if (strokes.mode == Scribble)
+                refinement.cutObjectWithScribble(strokes.stroke, d->coverage, strokes.isForeground);
+            else
+                refinement.cutObjectWithPaintSelection(strokes.stroke, d->coverage,
+                                                       strokes.isForeground);
+        };
+        if (const auto mask = d->change(cut, strokes.restores))
+            Q_EMIT sendNewMask(*mask);
+    }
+    for (const auto &command : strokes.commands)
+        command->compact(); // now that nobody waits
+}
+
+void RyImageSegmentation::paintHovering()
+{
+    RySegmentationState state;
+    QSet<int> clusters;
+    bool isForeground = false;
+    {
+        const QMutexLocker lock(&d->mutex);
+        clusters.swap(d->hoverClusters);
+        isForeground = d->isForeground;
+        state = d->state;
+    }
+    if (!clusters.isEmpty())
+        Q_EMIT sendNewMask(
+                RyRefinement(state, *d->buffers).maskWithSegments(clusters, isForeground));
+}
+
+QSet<int> RyImageSegmentation::superpixels(const QPoint &point, int diameter) const
+{
+    return snapshot().superpixels(point, diameter);
+}
+
+int RyImageSegmentation::safeGetSuperPixelAt(const QPoint &point) const
+{
+    return snapshot().safeGetSuperPixelAt(point);
+}
+
+QList<QPoint> RyImageSegmentation::pointsOfSuperpixel(const QPointF &point) const
+{
+    if (!RyGeometry::isFinite(point))
+        return {};
+    const RySegmentationState state = snapshot();
+    return state.pointsOf(state.safeGetSuperPixelAt(RyGeometry::roundedPoint(point)));
+}
+
+QPainterPath RyImageSegmentation::lastPath() const
+{
+    return snapshot().lastUserStroke.united();
+}
+
+QImage RyImageSegmentation::maskWithSegments(const QSet<int> &clusters, bool isForeground) const
+{
+    RySegmentationState state = snapshot();
+    try {
+        return RyRefinement(state, *d->buffers).maskWithSegments(clusters, isForeground);
+    } catch (const std::bad_alloc &) {
+        return {};
+    }
+}
+
+void RyImageSegmentation::Private::applyClick(const QPointF &position)
+{
+    change([&](RySegmentationState &work) {
+        RyRefinement(work, *buffers).cutObjectWithClicker(position);
+    });
+}
+
+/// The clicks at the head of the list, unless the session's thread is there to apply them.
+void RyImageSegmentation::Private::applyClicks()
+{
+    const QMutexLocker inOrder(&refining);
+    while (const std::optional<Request> click = takeClickUnlessActive()) {
+        try {
+            applyClick(click->position);
+        } catch (const std::bad_alloc &) {
+            break; // nobody is told of clicks; the rest is tried with the next one
+        }
+    }
+    const QMutexLocker lock(&mutex);
+    --clickTasks;
+}
+
+std::optional<RyImageSegmentation::Private::Request>
+RyImageSegmentation::Private::takeClickUnlessActive()
+{
+    const QMutexLocker lock(&mutex);
+    if (active || requests.empty())
+        return {};
+    Request click = std::move(requests.front());
+    requests.pop_front();
+    return click;
+}
+
+/// Strokes that came while others were cut are applied together, on the newest one's side. What
+/// each of them says about undo is done in their order all the same, so that no gesture is lost.
+RyImageSegmentation::Private::Strokes RyImageSegmentation::Private::takeStrokes()
+{
+    const QMutexLocker lock(&mutex);
+    Strokes strokes;
+    strokes.isForeground = isForeground;
+    strokes.restores = restores;
+    while (!requests.empty() && requests.front().isStroke() &&
+           (strokes.mode == Idle || strokes.mode == requests.front().mode)) {
+        const Request &request = requests.front();
+        strokes.mode = request.mode;
+        strokes.stroke.add(request.stroke);
+        if (request.isTemporary && !pendingMemento)
+            pendingMemento = createMemento(false);
+        else if (!request.isTemporary && pendingMemento)
+            strokes.commands.push_back(takeUndoCommand());
+        requests.pop_front();
+    }
+    return strokes;
+}
+
+/// The change from the pending memento to now. The stroke that ends the gesture is not part of it:
+/// it is cut afterwards.
+std::shared_ptr<RyUndoCommandSegmentation> RyImageSegmentation::Private::takeUndoCommand()
+{
+    return std::make_shared<RyUndoCommandSegmentation>(std::move(pendingMemento),
+                                                       createMemento(false), self);
+}

@@ -1,0 +1,89 @@
+#include "segmentation/RyPackedMask.h"
+
+#include "image/RyImageMemory.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+constexpr int bitsPerWord = 64;
+
+int wordsPerRow(int width)
+{
+    return (width + bitsPerWord - 1) / bitsPerWord;
+}
+
+const QRgb *rowOf(const QImage &mask, int y)
+{
+    return reinterpret_cast<const QRgb *>(mask.constScanLine(y));
+}
+
+/// The first pixel of another colour than the mask's first pixel; that one's when there is none.
+QRgb otherColor(const QImage &mask)
+{
+    const QRgb first = *rowOf(mask, 0);
+    for (int y = 0; y < mask.height(); ++y) {
+        const QRgb *const row = rowOf(mask, y);
+        const QRgb *const end = row + mask.width();
+        const QRgb *const other =
+                std::find_if(row, end, [=](QRgb pixel) { return pixel != first; });
+        if (other != end)
+            return *other;
+    }
+    return first;
+}
+
+} // namespace
+
+std::optional<RyPackedMask> RyPackedMask::pack(const QImage &mask)
+{
+    if (mask.isNull() || mask.format() != QImage::Format_ARGB32_Premultiplied)
+        return {};
+    RyPackedMask packed;
+    packed.m_size = mask.size();
+    packed.m_colors[0] = *rowOf(mask, 0);
+    packed.m_colors[1] = otherColor(mask);
+    const int width = mask.width();
+    packed.m_words.resize(std::size_t(wordsPerRow(width)) * std::size_t(mask.height()));
+    auto word = packed.m_words.begin();
+    for (int y = 0; y < mask.height(); ++y) {
+        const QRgb *const row = rowOf(mask, y);
+        QRgb strange = 0; // anything but zero once a third colour was met
+        for (int left = 0; left < width; left += bitsPerWord) {
+            const int count = std::min(bitsPerWord, width - left);
+            std::uint64_t bits = 0;
+            for (int i = 0; i < count; ++i) {
+                const QRgb pixel = row[left + i];
+                const bool isOther = pixel != packed.m_colors[0];
+                bits |= std::uint64_t(isOther) << i;
+                strange |= isOther ? pixel ^ packed.m_colors[1] : 0;
+            }
+            *word++ = bits;
+        }
+        if (strange != 0)
+            return {};
+    }
+    return packed;
+}
+
+QImage RyPackedMask::unpacked() const
+{
+    const qsizetype bytesPerLine = qsizetype(m_size.width()) * qsizetype(sizeof(QRgb));
+    void *const memory = RyImageMemory::allocate(std::size_t(bytesPerLine * m_size.height()));
+    QImage mask(static_cast<uchar *>(memory), m_size.width(), m_size.height(), bytesPerLine,
+                QImage::Format_ARGB32_Premultiplied, std::free, memory);
+    if (mask.isNull()) {
+        std::free(memory); // a null image never calls its clean-up function
+        throw std::bad_alloc();
+    }
+    auto word = m_words.begin();
+    for (int y = 0; y < m_size.height(); ++y) {
+        auto *const row = reinterpret_cast<QRgb *>(mask.scanLine(y));
+        for (int x = 0; x < m_size.width(); ++x)
+            row[x] = m_colors[word[x / bitsPerWord] >> (x % bitsPerWord) & 1];
+        word += wordsPerRow(m_size.width());
+    }
+    return mask;
+}

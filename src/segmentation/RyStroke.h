@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QList>
+#include <QPainterPath>
+#include <QRectF>
+
+class QPainter;
+
+/**
+ * The area of a user's strokes: the union of some paths, in picture pixels.
+ *
+ * The paths are kept apart. Uniting them by path algebra takes ever longer as a stroke goes on, and
+ * filling one after the other covers the same pixels.
+ *
+ * Threads  a plain value.
+ */
+class RyStroke
+{
+public:
+    /// A path without elements adds nothing. Coordinates have to be finite.
+    void add(const QPainterPath &path);
+
+    bool isEmpty() const { return m_paths.isEmpty(); }
+    /// As of the united path.
+    QRectF boundingRect() const;
+    /// All paths as one. Takes time in proportion to what they hold and to how much they cross.
+    QPainterPath united() const;
+    /// Opaque white.
+    void fill(QPainter &painter) const;
+
+private:
+    QList<QPainterPath> m_paths;
+};

@@ -1,0 +1,64 @@
+#include "segmentation/RyStrokeCoverage.h"
+
+#include "image/RyGeometry.h"
+#include "image/RyZeroedImage.h"
+#include "segmentation/RyLasso.h"
+#include "segmentation/RyStroke.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace {
+
+/// The first byte that is not zero, or the end. Most of a stroke's rectangle is not covered, so
+/// eight bytes at once are looked at.
+const uchar *findCovered(const uchar *from, const uchar *end)
+{
+    for (; end - from >= qsizetype(sizeof(quint64)); from += sizeof(quint64)) {
+        quint64 bytes;
+        std::memcpy(&bytes, from, sizeof bytes);
+        if (bytes != 0)
+            break;
+    }
+    return std::find_if(from, end, [](uchar byte) { return byte != 0; });
+}
+
+} // namespace
+
+void RyStrokeCoverage::forEachRun(const RyStroke &stroke, const QSize &picture,
+                                  const VisitRun &visit)
+{
+    setSize(picture);
+    if (m_covered.isNull())
+        return;
+    {
+        QPainter painter(&m_covered);
+        stroke.fill(painter);
+    }
+    // The painter rounds in its own way, by less than a pixel.
+    const QRect rect =
+            RyLasso::boundingRect(stroke.boundingRect()).adjusted(-2, -2, 2, 2) & m_covered.rect();
+    for (int y = rect.top(); y <= rect.bottom(); ++y) {
+        uchar *const row = m_covered.scanLine(y);
+        const uchar *const end = row + rect.right() + 1;
+        for (const uchar *from = findCovered(row + rect.left(), end); from != end;) {
+            const uchar *const to = std::find(from, end, 0);
+            visit(y, int(from - row), int(to - row));
+            std::fill(row + (from - row), row + (to - row), 0);
+            from = findCovered(to, end);
+        }
+    }
+}
+
+void RyStrokeCoverage::setSize(const QSize &size)
+{
+    if (m_covered.size() == size)
+        return;
+    m_covered = QImage();
+    m_covered = RyZeroedImage::create(size, QImage::Format_Grayscale8);
+    if (m_covered.isNull() && !size.isEmpty())
+        throw std::bad_alloc();
+}

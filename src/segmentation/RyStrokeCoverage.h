@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QImage>
+#include <QRect>
+#include <QSize>
+
+#include <functional>
+
+class RyStroke;
+
+/**
+ * Finds the pixels that strokes cover, as the painter fills them without antialiasing.
+ *
+ * It keeps a picture of a byte a pixel to fill in, which is all zero between two strokes.
+ *
+ * Errors   std::bad_alloc.
+ * Threads  one object for one thread at a time.
+ */
+class RyStrokeCoverage
+{
+public:
+    /// A row and the columns from left to right, which is exclusive.
+    using VisitRun = std::function<void(int y, int left, int right)>;
+
+    /// Visits what the stroke covers of the picture, from top to bottom and left to right; a row
+    /// may have several runs.
+    void forEachRun(const RyStroke &stroke, const QSize &picture, const VisitRun &visit);
+
+private:
+    void setSize(const QSize &size);
+
+    QImage m_covered; // Format_Grayscale8
+};

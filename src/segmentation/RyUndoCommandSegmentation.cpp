@@ -1,0 +1,52 @@
+#include "segmentation/RyUndoCommandSegmentation.h"
+
+#include "segmentation/RyImageSegmentation.h"
+
+#include <QMutexLocker>
+
+RyUndoCommandSegmentation::RyUndoCommandSegmentation(
+        std::unique_ptr<RyMementoSegmentation> before, std::unique_ptr<RyMementoSegmentation> after,
+        const QPointer<RyImageSegmentation> &segmentation)
+    : RyUndoCommand(QStringLiteral("UndoSegmentation"), nullptr, false)
+    , m_before(std::move(before))
+    , m_after(std::move(after))
+    , m_segmentation(segmentation)
+{}
+
+void RyUndoCommandSegmentation::compact()
+{
+    Memento before = locked(m_before)->compacted();
+    Memento after = locked(m_after)->compacted();
+    const QMutexLocker lock(&m_mutex);
+    m_before.swap(before); // what is replaced goes after the lock
+    m_after.swap(after);
+}
+
+qint64 RyUndoCommandSegmentation::sizeInBytes() const
+{
+    return locked(m_before)->sizeInBytes() + locked(m_after)->sizeInBytes();
+}
+
+void RyUndoCommandSegmentation::undoCore()
+{
+    restore(locked(m_before));
+}
+
+void RyUndoCommandSegmentation::doCoreAction()
+{
+    restore(locked(m_after));
+}
+
+RyUndoCommandSegmentation::Memento RyUndoCommandSegmentation::locked(const Memento &memento) const
+{
+    const QMutexLocker lock(&m_mutex);
+    return memento;
+}
+
+void RyUndoCommandSegmentation::restore(const Memento &memento)
+{
+    if (m_segmentation)
+        m_segmentation->setMemento(*memento);
+    else
+        setObsolete(true);
+}

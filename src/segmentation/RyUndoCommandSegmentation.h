@@ -1,0 +1,45 @@
+#pragma once
+
+#include "RyUndoCommand.h"
+#include "segmentation/RyMementoSegmentation.h"
+
+#include <QMutex>
+#include <QPointer>
+
+#include <memory>
+
+class RyImageSegmentation;
+
+/**
+ * A gesture that changed a session's cut: what the cut was before the gesture, and after it.
+ *
+ * It may outlive the session; it does nothing then, and asks to be taken off the stack.
+ *
+ * Threads  compact() any thread, everything else the undo controller's.
+ */
+class RyUndoCommandSegmentation : public RyUndoCommand
+{
+public:
+    RyUndoCommandSegmentation(std::unique_ptr<RyMementoSegmentation> before,
+                              std::unique_ptr<RyMementoSegmentation> after,
+                              const QPointer<RyImageSegmentation> &segmentation);
+
+    /// Keeps the masks in less memory from now on; takes time in proportion to their size.
+    void compact();
+    qint64 sizeInBytes() const override;
+
+protected:
+    void undoCore() override;
+    void doCoreAction() override;
+
+private:
+    using Memento = std::shared_ptr<const RyMementoSegmentation>;
+
+    Memento locked(const Memento &memento) const;
+    void restore(const Memento &memento);
+
+    mutable QMutex m_mutex; // guards both pointers
+    Memento m_before;
+    Memento m_after;
+    const QPointer<RyImageSegmentation> m_segmentation;
+};
