@@ -77,39 +77,50 @@ std::shared_ptr<RyMaskBuffers> RyMaskBuffers::create()
 RyMaskBuffers::Draft RyMaskBuffers::copyOf(const QImage &mask)
 {
     const int width = mask.width();
+    const quint64 content = contentOf(mask);
     std::optional<RyTileSet> difference;
-    Buffer buffer = takeSpare(mask, difference);
-    const auto *const from = reinterpret_cast<const QRgb *>(mask.constBits());
+    Buffer buffer = takeSpare(mask.size(), content, difference);
     if (!buffer.pixels) {
         const std::size_t bytes = std::size_t(mask.sizeInBytes());
         buffer.pixels.reset(static_cast<QRgb *>(RyImageMemory::allocate(bytes)));
         buffer.size = mask.size();
     }
     QRgb *const to = buffer.pixels.get();
+    const auto *const from = reinterpret_cast<const QRgb *>(mask.constBits());
     if (difference)
         difference->forEachRun([=](const QRect &rect) { copyRect(to, from, width, rect); });
     else
         copyRect(to, from, width, mask.rect());
-    quint64 parent = unknown;
-    {
-        const QMutexLocker lock(&m_mutex);
-        parent = m_lent.value(from, unknown);
-    }
-    return {shared_from_this(), std::move(buffer), parent};
+    return {shared_from_this(), std::move(buffer), content};
+}
+
+/// A mask from elsewhere, such as the first cut's, is held on to while it is being copied from: as
+/// long as it is shared, nobody can change it.
+quint64 RyMaskBuffers::contentOf(const QImage &mask)
+{
+    QImage replaced; // goes after the lock
+    const QMutexLocker lock(&m_mutex);
+    const quint64 lent = m_lent.value(mask.constBits(), unknown);
+    if (lent == unknown && m_foreign.constBits() == mask.constBits())
+        return m_foreignContent;
+    replaced.swap(m_foreign);
+    if (lent != unknown)
+        return lent;
+    m_foreign = mask;
+    return m_foreignContent = ++m_newest;
 }
 
 /// The spare that differs from the mask in known tiles, if there is one, else any of its size.
-RyMaskBuffers::Buffer RyMaskBuffers::takeSpare(const QImage &mask,
+RyMaskBuffers::Buffer RyMaskBuffers::takeSpare(const QSize &size, quint64 content,
                                                std::optional<RyTileSet> &difference)
 {
     const QMutexLocker lock(&m_mutex);
-    const quint64 content = m_lent.value(mask.constBits(), unknown);
-    std::erase_if(m_spares, [&](const Buffer &spare) { return spare.size != mask.size(); });
+    std::erase_if(m_spares, [&](const Buffer &spare) { return spare.size != size; });
     if (m_spares.empty())
         return {};
     auto best = m_spares.begin();
     for (auto spare = m_spares.begin(); spare != m_spares.end() && !difference; ++spare) {
-        difference = differenceBetween(spare->content, content, mask.size());
+        difference = differenceBetween(spare->content, content, size);
         if (difference)
             best = spare;
     }
@@ -121,8 +132,6 @@ RyMaskBuffers::Buffer RyMaskBuffers::takeSpare(const QImage &mask,
 std::optional<RyTileSet> RyMaskBuffers::differenceBetween(quint64 a, quint64 b,
                                                           const QSize &size) const
 {
-    if (a == unknown || b == unknown)
-        return {};
     RyTileSet tiles(size);
     // Parents are older than their children, so going back from the younger one meets the other's
     // line where both parted.
@@ -144,8 +153,6 @@ void RyMaskBuffers::lend(Buffer &buffer, quint64 parent, RyTileSet touched)
     const QMutexLocker lock(&m_mutex);
     buffer.content = ++m_newest;
     m_lent.insert(buffer.pixels.get(), buffer.content);
-    if (parent == unknown)
-        return;
     m_differences.push_back({buffer.content, parent, std::move(touched)});
     if (m_differences.size() > mostDifferences)
         m_differences.pop_front();
@@ -165,8 +172,10 @@ void RyMaskBuffers::giveBack(Buffer buffer)
 
 void RyMaskBuffers::retire()
 {
-    std::vector<Buffer> spares;
+    std::vector<Buffer> spares; // both go after the lock
+    QImage foreign;
     const QMutexLocker lock(&m_mutex);
     m_isRetired = true;
     spares.swap(m_spares);
+    foreign.swap(m_foreign);
 }

@@ -85,7 +85,8 @@ private:
     struct Loan;
 
     RyMaskBuffers() = default;
-    Buffer takeSpare(const QImage &mask, std::optional<RyTileSet> &difference);
+    quint64 contentOf(const QImage &mask);
+    Buffer takeSpare(const QSize &size, quint64 content, std::optional<RyTileSet> &difference);
     std::optional<RyTileSet> differenceBetween(quint64 a, quint64 b, const QSize &size) const;
     void lend(Buffer &buffer, quint64 parent, RyTileSet touched);
     void giveBack(Buffer buffer);
@@ -93,6 +94,8 @@ private:
     QMutex m_mutex; // guards everything below
     std::vector<Buffer> m_spares;
     QHash<const void *, quint64> m_lent; // what the memory of each mask holds
+    QImage m_foreign;                    // the mask from elsewhere that was copied last, or null
+    quint64 m_foreignContent = unknown;
     std::deque<Difference> m_differences;
     quint64 m_newest = unknown;
     bool m_isRetired = false;

@@ -35,6 +35,40 @@ QRgb otherColor(const QImage &mask)
     return first;
 }
 
+/// The lowest bits of eight bytes, which are 0 or 1, side by side: the product moves the bit of
+/// byte i to bit 56 + i, and no two of its terms meet.
+std::uint64_t gathered(const std::uint8_t *bytes)
+{
+    std::uint64_t result = 0;
+    for (int i = 0; i < 8; ++i)
+        result |= std::uint64_t(bytes[i]) << (8 * i);
+    return result * 0x0102040810204080ULL >> 56;
+}
+
+/// In two steps, of which the compiler does the first for many pixels at once.
+std::uint64_t packedWord(const QRgb *pixels, int count, const QRgb *colors, QRgb &strange)
+{
+    std::uint8_t isOther[bitsPerWord] = {};
+    for (int i = 0; i < count; ++i) {
+        isOther[i] = pixels[i] != colors[0];
+        strange |= pixels[i] != colors[0] ? pixels[i] ^ colors[1] : 0;
+    }
+    std::uint64_t bits = 0;
+    for (int i = 0; i < bitsPerWord; i += 8)
+        bits |= gathered(isOther + i) << i;
+    return bits;
+}
+
+void unpackWord(std::uint64_t bits, QRgb *pixels, int count, const QRgb *colors)
+{
+    if (bits == 0 || bits == ~std::uint64_t(0)) { // most are, and filling is quick
+        std::fill(pixels, pixels + count, colors[bits & 1]);
+        return;
+    }
+    for (int i = 0; i < count; ++i)
+        pixels[i] = colors[bits >> i & 1];
+}
+
 } // namespace
 
 std::optional<RyPackedMask> RyPackedMask::pack(const QImage &mask)
@@ -49,18 +83,10 @@ std::optional<RyPackedMask> RyPackedMask::pack(const QImage &mask)
     packed.m_words.resize(std::size_t(wordsPerRow(width)) * std::size_t(mask.height()));
     auto word = packed.m_words.begin();
     for (int y = 0; y < mask.height(); ++y) {
-        const QRgb *const row = rowOf(mask, y);
         QRgb strange = 0; // anything but zero once a third colour was met
         for (int left = 0; left < width; left += bitsPerWord) {
             const int count = std::min(bitsPerWord, width - left);
-            std::uint64_t bits = 0;
-            for (int i = 0; i < count; ++i) {
-                const QRgb pixel = row[left + i];
-                const bool isOther = pixel != packed.m_colors[0];
-                bits |= std::uint64_t(isOther) << i;
-                strange |= isOther ? pixel ^ packed.m_colors[1] : 0;
-            }
-            *word++ = bits;
+            *word++ = packedWord(rowOf(mask, y) + left, count, packed.m_colors, strange);
         }
         if (strange != 0)
             return {};
@@ -81,9 +107,8 @@ QImage RyPackedMask::unpacked() const
     auto word = m_words.begin();
     for (int y = 0; y < m_size.height(); ++y) {
         auto *const row = reinterpret_cast<QRgb *>(mask.scanLine(y));
-        for (int x = 0; x < m_size.width(); ++x)
-            row[x] = m_colors[word[x / bitsPerWord] >> (x % bitsPerWord) & 1];
-        word += wordsPerRow(m_size.width());
+        for (int left = 0; left < m_size.width(); left += bitsPerWord)
+            unpackWord(*word++, row + left, std::min(bitsPerWord, m_size.width() - left), m_colors);
     }
     return mask;
 }

@@ -11,6 +11,33 @@
 
 namespace {
 
+/// The end of the run of points that lie side by side in a row. A region lists its points row by
+/// row, so runs are long.
+const QPoint *endOfRun(const QPoint *point, const QPoint *end)
+{
+    const QPoint *next = point + 1;
+    while (next != end && next->y() == point->y() && next->x() == point->x() + (next - point))
+        ++next;
+    return next;
+}
+
+void paintPoints(RyMaskBuffers::Draft &mask, const QList<QPoint> &points, QRgb color)
+{
+    const QPoint *const end = points.constData() + points.size();
+    for (const QPoint *point = points.constData(); point != end;) {
+        const QPoint *const next = endOfRun(point, end);
+        const int y = point->y();
+        // Cut at the mask, since a memento that a host has made may hold any points.
+        const int left = std::max(point->x(), 0);
+        const int right = std::min((next - 1)->x(), mask.width() - 1) + 1;
+        point = next;
+        if (left >= right || y < 0 || y >= mask.height())
+            continue;
+        std::fill(mask.row(y) + left, mask.row(y) + right, color);
+        mask.touched().markRun(y, left, right);
+    }
+}
+
 void log(const char *tag)
 {
     RyLogger::instance().legacyLog(QString::fromLatin1(tag), false);
@@ -95,13 +122,6 @@ void RyRefinement::paint(RyMaskBuffers::Draft &mask, const QSet<int> &labels,
                          bool isForeground) const
 {
     const QRgb color = m_state.sideColor(isForeground);
-    const QRect area(0, 0, mask.width(), mask.height());
-    for (const int label : labels) {
-        for (const QPoint &point : m_state.pointsOf(label)) {
-            if (!area.contains(point))
-                continue; // a memento that a host has made may hold any points
-            mask.row(point.y())[point.x()] = color;
-            mask.touched().mark(point.x(), point.y());
-        }
-    }
+    for (const int label : labels)
+        paintPoints(mask, m_state.pointsOf(label), color);
 }
