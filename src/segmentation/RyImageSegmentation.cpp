@@ -196,12 +196,13 @@ void RyImageSegmentation::performNextRequest()
     case PaintSelectionHover:
         paintHovering();
         break;
-    case UpdateMask:
-        updateMask();
+    case UpdateMask: // maybe before there is a first mask
+        if (const auto mask = d->change(&RySegmentationState::updateMask); mask && !mask->isNull())
+            Q_EMIT sendNewMask(*mask);
         break;
     case InvertMask:
-        invertMaskJob();
-        Q_EMIT sendNewMask(maskForeground());
+        if (const auto mask = d->change(&RySegmentationState::invertMaskJob))
+            Q_EMIT sendNewMask(*mask);
         break;
     }
 }

@@ -188,8 +188,6 @@ private:
     void cutObjectInitial(RySegmentationState &work, quint64 epoch);
     void paintSelecting();
     void paintHovering();
-    void updateMask();
-    void invertMaskJob(); // or host thread, from setMaskIsInverted()
 
     // Any thread.
     RySegmentationState snapshot() const;

@@ -58,19 +58,7 @@ void RyImageSegmentation::setMaskIsInverted(bool inverted)
         d->maskIsInverted = inverted;
     }
     if (isValid())
-        invertMaskJob();
-}
-
-void RyImageSegmentation::updateMask()
-{
-    const auto mask = d->change(&RySegmentationState::updateMask);
-    if (mask && !mask->isNull())
-        Q_EMIT sendNewMask(*mask);
-}
-
-void RyImageSegmentation::invertMaskJob()
-{
-    d->change(&RySegmentationState::invertMaskJob);
+        d->change(&RySegmentationState::invertMaskJob);
 }
 
 QImage RyImageSegmentation::createMask(const QPainterPath &path) const
