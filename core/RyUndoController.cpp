@@ -6,6 +6,7 @@
 #include <QMutexLocker>
 #include <QSignalBlocker>
 #include <QThread>
+#include <QTimer>
 
 #include <algorithm>
 #include <utility>
@@ -13,14 +14,18 @@
 
 namespace {
 
+constexpr int retryMs = 10;
+
 /// A command's place on the stack. QUndoStack cannot give up its oldest commands, but a stack of
 /// places can be laid anew with the same commands.
 class Place : public QUndoCommand
 {
 public:
-    explicit Place(std::shared_ptr<RyUndoCommand> command)
+    /// While the command runs, the depth is raised: the stack must not be changed then.
+    Place(std::shared_ptr<RyUndoCommand> command, int &depth)
         : QUndoCommand(command->text() + QLatin1Char('\n') + command->actionText())
         , m_command(std::move(command))
+        , m_depth(depth)
     {}
 
     static const Place *at(const QUndoStack &stack, int index)
@@ -29,19 +34,20 @@ public:
     }
     const std::shared_ptr<RyUndoCommand> &command() const { return m_command; }
 
-    void undo() override
-    {
-        m_command->undo();
-        setObsolete(m_command->isObsolete());
-    }
-    void redo() override
-    {
-        m_command->redo();
-        setObsolete(m_command->isObsolete());
-    }
+    void undo() override { run(&RyUndoCommand::undo); }
+    void redo() override { run(&RyUndoCommand::redo); }
 
 private:
+    void run(void (RyUndoCommand::*hook)())
+    {
+        ++m_depth;
+        (m_command.get()->*hook)();
+        setObsolete(m_command->isObsolete());
+        --m_depth;
+    }
+
     const std::shared_ptr<RyUndoCommand> m_command;
+    int &m_depth;
 };
 
 } // namespace
@@ -69,7 +75,7 @@ void RyUndoController::accept(std::shared_ptr<RyUndoCommand> command)
         const QMutexLocker lock(&m_mutex);
         m_handedOver.append(std::move(command));
     }
-    if (thread() == QThread::currentThread())
+    if (thread() == QThread::currentThread() && m_runningCommands == 0)
         takeIn();
     else
         QMetaObject::invokeMethod(this, &RyUndoController::takeIn, Qt::QueuedConnection);
@@ -77,6 +83,10 @@ void RyUndoController::accept(std::shared_ptr<RyUndoCommand> command)
 
 void RyUndoController::takeIn()
 {
+    if (m_runningCommands > 0) { // in an event loop that a command has opened
+        QTimer::singleShot(retryMs, this, &RyUndoController::takeIn);
+        return;
+    }
     // One at a time: who hears of a new step may hand over another, which comes after the rest.
     const auto next = [this]() -> std::shared_ptr<RyUndoCommand> {
         const QMutexLocker lock(&m_mutex);
@@ -88,12 +98,16 @@ void RyUndoController::takeIn()
 
 void RyUndoController::undo()
 {
+    if (m_runningCommands > 0)
+        return;
     takeIn();
     m_stack.undo();
 }
 
 void RyUndoController::redo()
 {
+    if (m_runningCommands > 0)
+        return;
     takeIn();
     m_stack.redo();
 }
@@ -102,7 +116,7 @@ void RyUndoController::push(const std::shared_ptr<RyUndoCommand> &command)
 {
     if (const int steps = stepsToForget())
         forgetOldest(steps);
-    m_stack.push(new Place(command));
+    m_stack.push(new Place(command, m_runningCommands));
 }
 
 void RyUndoController::setLimits(int steps, qint64 bytes)
@@ -148,7 +162,8 @@ void RyUndoController::forgetOldest(int steps)
     if (cleanIndex != 0)
         m_stack.resetClean();
     for (const auto &command : kept) {
-        m_stack.push(new Place(command)); // it is done, so pushing does nothing to it
+        m_stack.push(
+                new Place(command, m_runningCommands)); // it is done, so pushing does nothing to it
         if (m_stack.index() == cleanIndex)
             m_stack.setClean();
     }

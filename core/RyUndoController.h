@@ -34,8 +34,9 @@ public:
     ~RyUndoController() override;
     Q_DISABLE_COPY_MOVE(RyUndoController)
 
-    /// Takes a command over. Any thread: a command from another thread arrives a little later, in
-    /// the order in which the commands were handed over. Null is ignored.
+    /// Takes a command over. Any thread: a command from another thread, or from within another one
+    /// that is being undone, arrives a little later, in the order in which the commands were handed
+    /// over. Null is ignored.
     void accept(std::shared_ptr<RyUndoCommand> command);
 
     /// Both at least 1. The oldest steps go first, as soon as the next command is accepted; the
@@ -62,6 +63,7 @@ private:
     void forgetOldest(int steps);
 
     QUndoStack m_stack;
+    int m_runningCommands = 0; // within each other
     int m_stepLimit = defaultStepLimit;
     qint64 m_byteLimit = defaultByteLimit;
 

@@ -22,8 +22,6 @@ public:
         , m_isMarked(std::size_t(m_columns) * std::size_t((picture.height() + side - 1) / side), 0)
     {}
 
-    /// The pixel has to lie in the picture.
-    void mark(int x, int y) { m_isMarked[index(x, y)] = 1; }
     /// The pixels from left to right, which is exclusive, have to lie in the picture.
     void markRun(int y, int left, int right)
     {

@@ -65,6 +65,7 @@ void RyImageSegmentation::setup(const QImage &image, const QFileInfo &fileInfo)
 void RyImageSegmentation::setImage(const QImage &image)
 {
     d->lassoRect = QRect(); // regions of another picture serve no new lasso
+    d->buffers->releaseSpares();
     const auto analysis = std::make_shared<RyPictureAnalysis>(image, d->fileInfo);
     const QMutexLocker lock(&d->mutex);
     // A cut on regions that still fit goes on, as nobody would ask for it again.
@@ -88,7 +89,10 @@ void RyImageSegmentation::reset()
         state.pointsOfSuperpixels.clear();
         state.expandedLasso = {};
         forgotten.swap(d->pendingMemento);
-        d->removeRequests([](const Private::Request &request) { return request.isStroke(); });
+        d->hoverClusters.clear();
+        d->removeClicks();
+        std::erase_if(d->requests,
+                      [](const Private::Request &request) { return request.isStroke(); });
         d->pendingLasso.reset();
         ++d->epoch;
         ++d->revision;
@@ -146,6 +150,9 @@ void RyImageSegmentation::startSessionThread()
 void RyImageSegmentation::run()
 {
     log("SEG:RunningThread");
+    {
+        const QMutexLocker clicksBefore(&d->clicking);
+    }
     while (true) {
         {
             const QMutexLocker lock(&d->mutex);
@@ -164,7 +171,7 @@ void RyImageSegmentation::run()
         try {
             performNextRequest();
         } catch (const std::bad_alloc &) {
-            Q_EMIT sendNewMask(QImage());
+            sendMask(QImage());
         }
     }
 }
@@ -172,20 +179,25 @@ void RyImageSegmentation::run()
 void RyImageSegmentation::performNextRequest()
 {
     Private::Request request;
+    quint64 restores = 0;
+    QColor color;
     {
         const QMutexLocker lock(&d->mutex);
         if (d->requests.empty())
-            return; // reset() has taken the strokes away
+            return; // reset() has taken them away
+        restores = d->restores;
+        color = d->maskColor;
         request = d->requests.front();
         if (!request.isStroke()) // strokes are taken together, once their turn has come
             d->requests.pop_front();
     }
-    switch (request.mode) {
-    case Private::Request::click: {
-        const QMutexLocker inOrder(&d->refining);
-        d->applyClick(request.position);
+    switch (int(request.mode)) {
+    case Private::Request::click:
+        d->applyClick({request.position, restores});
         break;
-    }
+    case Private::Request::sendMaskAgain:
+        sendMask(maskForeground());
+        break;
     case InitialCut:
         doInitialCut();
         break;
@@ -197,14 +209,35 @@ void RyImageSegmentation::performNextRequest()
         paintHovering();
         break;
     case UpdateMask: // maybe before there is a first mask
-        if (const auto mask = d->change(&RySegmentationState::updateMask); mask && !mask->isNull())
-            Q_EMIT sendNewMask(*mask);
+        if (const auto mask = d->change([color](RySegmentationState &state) {
+                state.maskColor = color;
+                state.updateMask();
+            });
+            mask && !mask->isNull())
+            sendMask(*mask);
         break;
     case InvertMask:
         if (const auto mask = d->change(&RySegmentationState::invertMaskJob))
-            Q_EMIT sendNewMask(*mask);
+            sendMask(*mask);
+        break;
+    default:
         break;
     }
+}
+
+/// Sends a mask from the session's thread, and takes note of when the host's thread has heard it.
+void RyImageSegmentation::sendMask(const QImage &mask)
+{
+    {
+        const QMutexLocker lock(&d->mutex);
+        ++d->undeliveredMasks;
+    }
+    Q_EMIT sendNewMask(mask);
+    const auto isDelivered = [session = d] {
+        const QMutexLocker lock(&session->mutex);
+        --session->undeliveredMasks;
+    };
+    QMetaObject::invokeMethod(this, isDelivered, Qt::QueuedConnection);
 }
 
 /// A request that would do what the last one does already is left out; of hovers only the newest
@@ -213,7 +246,7 @@ void RyImageSegmentation::Private::append(Request request)
 {
     const SegmentationMode mode = request.mode;
     if (mode == PaintSelectionHover)
-        removeRequests([](const Request &other) { return other.mode == PaintSelectionHover; });
+        std::erase_if(requests, [mode](const Request &other) { return other.mode == mode; });
     const bool isOnItsOwn = request.isStroke() || request.isClick();
     if (isOnItsOwn || requests.empty() || requests.back().mode != mode)
         requests.push_back(std::move(request));
@@ -234,6 +267,5 @@ RySegmentationState RyImageSegmentation::snapshot() const
 
 int RyImageSegmentation::totalSteps() const
 {
-    constexpr int stepsOfTheFirstCut = 5;
-    return d->workerTotalSteps + stepsOfTheFirstCut;
+    return d->workerTotalSteps + Private::stepsOfTheFirstCut;
 }

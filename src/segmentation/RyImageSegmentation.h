@@ -56,7 +56,7 @@ class RYIMAGECUTTER_EXPORT RyImageSegmentation : public QThread
 
 public:
     /// What the session's thread does.
-    enum SegmentationMode {
+    enum SegmentationMode : int {
         Idle = 0,
         InitialCut = 1,
         PaintSelection = 2,
@@ -118,10 +118,10 @@ public:
 
     /// The state of the cut; with superpixel data it carries labels and points of regions as well.
     std::unique_ptr<RyMementoSegmentation> createMemento(bool withSuperPixelData) const;
-    /// Restores a state, and emits its mask. It replaces a stroke that is being cut, while strokes
-    /// that wait are applied to it. Of a memento whose mask is of another size than the picture only
-    /// the sets are taken. Regions that come from a memento serve refinement; the next lasso
-    /// computes its own.
+    /// Restores a state, and emits its mask. It replaces what came before it, also a lasso or a
+    /// stroke that is being cut, while strokes that wait are applied to it. Of a memento whose mask
+    /// is of another size than the picture only the sets are taken. Regions that come from a memento
+    /// serve refinement; the next lasso computes its own. With too little memory nothing is changed.
     void setMemento(const RyMementoSegmentation &memento);
     /// Where finished gestures go; never null.
     RyUndoController *undoController() const;
@@ -173,6 +173,7 @@ private:
     struct Private;
 
     // Host thread.
+    void restore(const RyMementoSegmentation &memento);
     void startWithMode(SegmentationMode mode);
     void startWithStroke(SegmentationMode mode, const QPainterPath &path, bool isForeground,
                          bool isTemporary);
@@ -183,6 +184,7 @@ private:
 
     // Session thread.
     void performNextRequest();
+    void sendMask(const QImage &mask);
     void doInitialCut();
     bool adoptLassoInsideTheLastOne(RySegmentationState &work, quint64 epoch);
     void cutObjectInitial(RySegmentationState &work, quint64 epoch);
@@ -192,6 +194,7 @@ private:
     // Any thread.
     RySegmentationState snapshot() const;
     bool publishCut(const RySegmentationState &work, quint64 epoch);
+    bool isRestored() const;
     void increaseAndUpdateProgressbar(quint64 epoch);
     int totalSteps() const;
 

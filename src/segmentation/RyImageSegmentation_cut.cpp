@@ -20,8 +20,10 @@ void RyImageSegmentation::doInitialCut()
         if (d->state.pointsOfSuperpixels.isEmpty())
             return; // reset() came first
         work = d->state;
+        work.maskColor = d->maskColor;
         epoch = d->epoch;
         hasNewLasso = d->pendingLasso.has_value();
+        work.lassoPath = d->pendingLasso.value_or(work.lassoPath);
         d->pendingLasso.reset();
     }
     if (hasNewLasso && !adoptLassoInsideTheLastOne(work, epoch))
@@ -31,8 +33,8 @@ void RyImageSegmentation::doInitialCut()
     cutObjectInitial(work, epoch);
     work.statistics.firstCutMs = double(timer.nsecsElapsed()) / 1e6;
     // A cut that was overtaken says nothing; what overtook it has asked for a cut of its own.
-    if (!isInterruptionRequested() && publishCut(work, epoch))
-        Q_EMIT sendNewMask(work.foregroundMask);
+    if (!isInterruptionRequested() && publishCut(work, epoch) && !isRestored())
+        sendMask(work.foregroundMask);
 }
 
 /// Grows the new lasso. When the regions at hand do not cover it, the host's thread starts a worker
@@ -110,16 +112,26 @@ void RyImageSegmentation::cutObjectInitial(RySegmentationState &work, quint64 ep
     cut.confirmPossibleBackground(background);
 }
 
-/// Makes a cut the session's state; false when it was overtaken.
+/// Makes a cut the session's state; false when it was overtaken. A memento that came after the lasso
+/// stays: it would have replaced the cut, and the regions alone are new.
 bool RyImageSegmentation::publishCut(const RySegmentationState &work, quint64 epoch)
 {
     const QMutexLocker lock(&d->mutex);
     if (d->epoch != epoch)
         return false;
+    d->state.statistics = work.statistics;
+    if (d->restoredLassos == d->lassos)
+        return true;
     d->state.foregroundMask = work.foregroundMask;
     d->state.foregroundClusters = work.foregroundClusters;
     d->state.backgroundClusters = work.backgroundClusters;
-    d->state.statistics = work.statistics;
+    d->state.maskColor = work.maskColor;
     ++d->revision;
     return true;
+}
+
+bool RyImageSegmentation::isRestored() const
+{
+    const QMutexLocker lock(&d->mutex);
+    return d->restoredLassos == d->lassos;
 }

@@ -11,27 +11,29 @@ void RyImageSegmentation::startThreadWithInitialPath(const QPainterPath &thePath
 {
     if (!RyGeometry::isFinite(thePath))
         return;
-    const QRect rect = RyLasso::boundingRect(thePath);
+    const QPainterPath path = RyLasso::ownCopy(thePath);
+    const QRect rect = RyLasso::boundingRect(path);
     const bool insideTheLastOne = isValid() && d->lassoRect.contains(rect);
     {
         const QMutexLocker lock(&d->mutex);
         d->state.foregroundClusters.clear();
         d->state.backgroundClusters.clear();
-        d->state.lassoPath = thePath;
+        d->state.lassoPath = path;
+        ++d->lassos;
         d->removeClicks();
         for (Private::Request &request : d->requests)
             request.isTemporary = false; // no gesture goes on beyond a lasso
         ++d->epoch;
         ++d->revision;
         if (insideTheLastOne) {
-            d->pendingLasso = thePath;
+            d->pendingLasso = path;
             d->currentStep = d->workerTotalSteps; // the worker's share is done already
         }
     }
     if (insideTheLastOne)
         startWithMode(InitialCut);
     else
-        startInitialSegmentation(thePath);
+        startInitialSegmentation(path);
 }
 
 void RyImageSegmentation::startInitialSegmentation(const QPainterPath &path)
@@ -142,5 +144,5 @@ void RyImageSegmentation::increaseAndUpdateProgressbar(quint64 epoch)
 /// come after it.
 void RyImageSegmentation::Private::removeClicks()
 {
-    removeRequests([](const Request &request) { return request.isClick(); });
+    std::erase_if(requests, [](const Request &request) { return request.isClick(); });
 }

@@ -25,17 +25,22 @@ RySegmentationStatistics RyImageSegmentation::statistics() const
 
 void RyImageSegmentation::setMaskColor(const QColor &color)
 {
+    bool hasToStart = false;
     {
         const QMutexLocker lock(&d->mutex);
-        if (color.rgb() == d->state.maskColor.rgb())
+        if (color.rgb() == d->maskColor.rgb())
             return;
-        d->state.maskColor = color;
-        ++d->revision;
+        d->maskColor = color;
         // While a first cut runs there is a mask to come, in the colour before.
-        if (d->state.foregroundMask.isNull() && !d->active)
-            return;
+        if (!d->state.foregroundMask.isNull() || d->active) {
+            hasToStart = d->activateWith({.mode = UpdateMask});
+        } else {
+            d->state.maskColor = color;
+            ++d->revision;
+        }
     }
-    startWithMode(UpdateMask);
+    if (hasToStart)
+        startSessionThread();
 }
 
 void RyImageSegmentation::invertMask()
@@ -45,20 +50,23 @@ void RyImageSegmentation::invertMask()
         d->maskIsInverted = !d->maskIsInverted;
         if (d->active)
             return;
+        d->activateWith({.mode = InvertMask});
     }
-    startWithMode(InvertMask);
+    startSessionThread();
 }
 
 void RyImageSegmentation::setMaskIsInverted(bool inverted)
 {
-    {
-        const QMutexLocker lock(&d->mutex);
-        if (d->maskIsInverted == inverted)
-            return;
-        d->maskIsInverted = inverted;
-    }
-    if (isValid())
-        d->change(&RySegmentationState::invertMaskJob);
+    // Under the mutex: others may wait for the host, but it must not try again and again to come
+    // between their changes.
+    const QMutexLocker lock(&d->mutex);
+    if (d->maskIsInverted == inverted)
+        return;
+    d->maskIsInverted = inverted;
+    if (d->state.pointsOfSuperpixels.isEmpty())
+        return;
+    d->state.invertMaskJob();
+    ++d->revision;
 }
 
 QImage RyImageSegmentation::createMask(const QPainterPath &path) const

@@ -29,7 +29,9 @@ struct RyImageSegmentation::Private
     /// Something to do, for the session's thread, and for the pool where it is a click.
     struct Request
     {
-        static constexpr SegmentationMode click = Idle; // the mode that nothing else asks for
+        // Modes of requests that need no start of the session's thread.
+        static constexpr auto click = SegmentationMode(7);
+        static constexpr auto sendMaskAgain = SegmentationMode(8);
 
         SegmentationMode mode = Idle;
         QPainterPath stroke = {};
@@ -50,6 +52,14 @@ struct RyImageSegmentation::Private
         std::vector<std::shared_ptr<RyUndoCommandSegmentation>> commands;
     };
 
+    struct Click
+    {
+        QPointF position;
+        quint64 restores = 0;
+    };
+
+    static constexpr int stepsOfTheFirstCut = 5;
+
     using Change = std::function<void(RySegmentationState &)>;
 
     Private(RyImageSegmentation *session, RyUndoController *controller)
@@ -60,21 +70,17 @@ struct RyImageSegmentation::Private
     // Their callers hold the mutex.
     void append(Request request);
     bool activateWith(Request request);
-    template <typename Predicate>
-    void removeRequests(Predicate isUnwanted)
-    {
-        std::erase_if(requests, isUnwanted);
-    }
     std::unique_ptr<RyMementoSegmentation> createMemento(bool withSuperPixelData) const;
     std::shared_ptr<RyUndoCommandSegmentation> takeUndoCommand();
-    void restore(RySegmentationState &restored, bool withMask);
-    void restoreRegions(const QImage &labels, const QList<QList<QPoint>> &points);
+    void restoreSides(RySegmentationState &restored);
+    void restoreMask(RySegmentationState &restored);
+    bool restoreRegions(const QImage &labels, const QList<QList<QPoint>> &points);
     void removeClicks();
 
     // These take it themselves.
-    std::optional<Request> takeClickUnlessActive();
+    std::optional<Click> takeClickUnlessActive();
     Strokes takeStrokes();
-    void applyClick(const QPointF &position);
+    void applyClick(const Click &click);
     void applyClicks();
     std::optional<QImage> change(const Change &change, std::optional<quint64> restoresBefore = {});
 
@@ -88,7 +94,10 @@ struct RyImageSegmentation::Private
     quint64 revision = 0;
     // Rises whenever a memento replaces the mask, with all that strokes have done to it.
     quint64 restores = 0;
+    quint64 lassos = 0;                       // drawn so far
+    quint64 restoredLassos = 0;               // how many of them the newest memento came after
     std::optional<QPainterPath> pendingLasso; // inside lassoRect; the session's thread takes it
+    QColor maskColor; // asked for; the state has the one that its mask is drawn in
 
     bool maskIsInverted = false;
     bool isForeground = false; // of the newest stroke or hover: all that wait share it
@@ -102,12 +111,14 @@ struct RyImageSegmentation::Private
     // it is not active there can only be clicks.
     std::deque<Request> requests;
     bool active = false;
-    int clickTasks = 0;     // on the pool, or waiting there
-    int restartsToCome = 0; // lassos that the host's thread will start a worker for
+    int clickTasks = 0;       // on the pool, or waiting there
+    int undeliveredMasks = 0; // sent by the session's thread, and not yet heard by the host's
+    int restartsToCome = 0;   // lassos that the host's thread will start a worker for
 
-    // Held while strokes or clicks are applied, so that they are in order; never by the host.
-    QMutex refining;
-    RyStrokeCoverage coverage; // guarded by it
+    // Held by the pool while it applies clicks. The session's thread waits for it once at its
+    // start: the pool takes no more while that is active.
+    QMutex clicking;
+    RyStrokeCoverage coverage; // session's thread only
 
     // Host thread only.
     QFileInfo fileInfo;

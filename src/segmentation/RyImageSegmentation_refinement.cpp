@@ -3,6 +3,7 @@
 #include "RyUndoController.h"
 #include "image/RyGeometry.h"
 #include "segmentation/RyImageSegmentation_p.h"
+#include "segmentation/RyLasso.h"
 #include "segmentation/RyRefinement.h"
 
 #include <QMutexLocker>
@@ -42,11 +43,12 @@ void RyImageSegmentation::startWithStroke(SegmentationMode mode, const QPainterP
 {
     if (!RyGeometry::isFinite(path))
         return;
+    const QPainterPath stroke = RyLasso::ownCopy(path);
     bool hasToStart = false;
     {
         const QMutexLocker lock(&d->mutex);
         d->isForeground = isForeground;
-        hasToStart = d->activateWith({.mode = mode, .stroke = path, .isTemporary = isTemporary});
+        hasToStart = d->activateWith({.mode = mode, .stroke = stroke, .isTemporary = isTemporary});
     }
     if (hasToStart)
         startSessionThread();
@@ -66,7 +68,6 @@ void RyImageSegmentation::startThreadWithPaintSelectionHover(const QSet<int> &th
 /// Applies all strokes of one kind that lie next to each other in the list of requests.
 void RyImageSegmentation::paintSelecting()
 {
-    const QMutexLocker inOrder(&d->refining);
     Private::Strokes strokes = d->takeStrokes();
     for (const auto &command : strokes.commands)
         d->undoController->accept(command);
@@ -80,10 +81,10 @@ void RyImageSegmentation::paintSelecting()
                                                        strokes.isForeground);
         };
         if (const auto mask = d->change(cut, strokes.restores))
-            Q_EMIT sendNewMask(*mask);
+            sendMask(*mask);
     }
-    for (const auto &command : strokes.commands)
-        command->compact(); // now that nobody waits
+    for (const auto &command : strokes.commands) // beside the next strokes
+        QThreadPool::globalInstance()->start([command] { command->compact(); });
 }
 
 void RyImageSegmentation::paintHovering()
@@ -98,8 +99,7 @@ void RyImageSegmentation::paintHovering()
         state = d->state;
     }
     if (!clusters.isEmpty())
-        Q_EMIT sendNewMask(
-                RyRefinement(state, *d->buffers).maskWithSegments(clusters, isForeground));
+        sendMask(RyRefinement(state, *d->buffers).maskWithSegments(clusters, isForeground));
 }
 
 QSet<int> RyImageSegmentation::superpixels(const QPoint &point, int diameter) const
@@ -135,35 +135,36 @@ QImage RyImageSegmentation::maskWithSegments(const QSet<int> &clusters, bool isF
     }
 }
 
-void RyImageSegmentation::Private::applyClick(const QPointF &position)
+void RyImageSegmentation::Private::applyClick(const Click &click)
 {
-    change([&](RySegmentationState &work) {
-        RyRefinement(work, *buffers).cutObjectWithClicker(position);
-    });
+    const auto cut = [&](RySegmentationState &work) {
+        RyRefinement(work, *buffers).cutObjectWithClicker(click.position);
+    };
+    change(cut, click.restores);
 }
 
 /// The clicks at the head of the list, unless the session's thread is there to apply them.
 void RyImageSegmentation::Private::applyClicks()
 {
-    const QMutexLocker inOrder(&refining);
-    while (const std::optional<Request> click = takeClickUnlessActive()) {
+    const QMutexLocker inOrder(&clicking);
+    while (const std::optional<Click> click = takeClickUnlessActive()) {
         try {
-            applyClick(click->position);
+            applyClick(*click);
         } catch (const std::bad_alloc &) {
-            break; // nobody is told of clicks; the rest is tried with the next one
+            continue; // nothing is told of clicks, so neither of their failing
         }
     }
     const QMutexLocker lock(&mutex);
     --clickTasks;
 }
 
-std::optional<RyImageSegmentation::Private::Request>
+std::optional<RyImageSegmentation::Private::Click>
 RyImageSegmentation::Private::takeClickUnlessActive()
 {
     const QMutexLocker lock(&mutex);
     if (active || requests.empty())
         return {};
-    Request click = std::move(requests.front());
+    const Click click{requests.front().position, restores};
     requests.pop_front();
     return click;
 }
@@ -178,14 +179,14 @@ RyImageSegmentation::Private::Strokes RyImageSegmentation::Private::takeStrokes(
     strokes.restores = restores;
     while (!requests.empty() && requests.front().isStroke() &&
            (strokes.mode == Idle || strokes.mode == requests.front().mode)) {
-        const Request &request = requests.front();
+        const Request request = std::move(requests.front());
+        requests.pop_front(); // first of all: what fails must not come up for ever
         strokes.mode = request.mode;
         strokes.stroke.add(request.stroke);
         if (request.isTemporary && !pendingMemento)
             pendingMemento = createMemento(false);
         else if (!request.isTemporary && pendingMemento)
             strokes.commands.push_back(takeUndoCommand());
-        requests.pop_front();
     }
     return strokes;
 }

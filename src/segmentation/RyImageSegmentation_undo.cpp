@@ -2,9 +2,24 @@
 
 #include "segmentation/RyImageSegmentation_p.h"
 
+#include "segmentation/RyLasso.h"
+
 #include <QMutexLocker>
 
+#include <new>
 #include <utility>
+
+namespace {
+
+/// A mask as sessions make them. A host may have made it on memory of its own, with longer rows.
+QImage sessionMask(const QImage &mask)
+{
+    const QImage result = mask.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    const qsizetype bytesPerLine = qsizetype(result.width()) * qsizetype(sizeof(QRgb));
+    return result.bytesPerLine() == bytesPerLine ? result : result.copy();
+}
+
+} // namespace
 
 RyUndoController *RyImageSegmentation::undoController() const
 {
@@ -20,31 +35,55 @@ RyImageSegmentation::createMemento(bool withSuperPixelData) const
 
 void RyImageSegmentation::setMemento(const RyMementoSegmentation &memento)
 {
-    // Drawn before the mutex is taken; colour and picture are the host's to change, as this is.
+    try {
+        restore(memento);
+    } catch (const std::bad_alloc &) {
+        return;
+    }
+    bool hasToStart = false;
+    {
+        const QMutexLocker lock(&d->mutex);
+        if (d->active || d->undeliveredMasks > 0) // a mask from before could be heard last
+            hasToStart = d->activateWith({.mode = Private::Request::sendMaskAgain});
+    }
+    Q_EMIT sendNewMask(maskForeground());
+    if (hasToStart)
+        startSessionThread();
+}
+
+void RyImageSegmentation::restore(const RyMementoSegmentation &memento)
+{
+    // All that takes time is done before the mutex is taken; nobody else changes the picture.
     RySegmentationState restored = snapshot();
     restored.foregroundClusters = memento.foregroundClusters();
     restored.backgroundClusters = memento.backgroundClusters();
-    const QImage mask = memento.mask();
+    const QImage mask = sessionMask(memento.mask());
     const bool fits = mask.isNull() || mask.size() == restored.picture.size();
     if (fits) {
-        restored.foregroundMask = mask.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        restored.foregroundMask = mask;
         if (memento.maskColor() != restored.maskColor) {
             restored.maskColor = memento.maskColor();
             restored.updateMask();
         }
-        restored.lassoPath = memento.lassoPath();
+        restored.lassoPath = RyLasso::ownCopy(memento.lassoPath());
     }
-    const QImage labels = memento.labels();
+    const QImage labels = memento.labels().convertToFormat(QImage::Format_ARGB32);
     const bool hasRegions = fits && !labels.isNull() && labels.size() == restored.picture.size();
+    if (hasRegions) {
+        forgetWorker();
+        d->lassoRect = QRect(); // a lasso needs more than a memento carries
+    }
+    int steps = 0;
     {
         const QMutexLocker lock(&d->mutex);
-        d->restore(restored, fits);
-        if (hasRegions)
-            d->restoreRegions(labels, memento.pointsOfSuperpixels());
+        d->restoreSides(restored);
+        if (fits)
+            d->restoreMask(restored);
+        if (hasRegions && d->restoreRegions(labels, memento.pointsOfSuperpixels()))
+            steps = d->currentStep = totalSteps();
     }
-    if (hasRegions)
-        d->lassoRect = QRect(); // a lasso needs more than a memento carries
-    Q_EMIT sendNewMask(maskForeground());
+    if (steps > 0)
+        Q_EMIT segmentationProgress(steps, steps);
 }
 
 std::unique_ptr<RyMementoSegmentation>
@@ -57,29 +96,34 @@ RyImageSegmentation::Private::createMemento(bool withSuperPixelData) const
             QColor(state.maskColor.rgb()));
 }
 
-/// Exchanges both, so that what is replaced goes with the caller's state, after the lock.
-void RyImageSegmentation::Private::restore(RySegmentationState &restored, bool withMask)
+/// What is replaced goes with the caller's state, after the lock.
+void RyImageSegmentation::Private::restoreSides(RySegmentationState &restored)
 {
     state.foregroundClusters.swap(restored.foregroundClusters);
     state.backgroundClusters.swap(restored.backgroundClusters);
     ++revision;
-    if (!withMask)
-        return;
+}
+
+void RyImageSegmentation::Private::restoreMask(RySegmentationState &restored)
+{
     state.foregroundMask.swap(restored.foregroundMask);
     std::swap(state.maskColor, restored.maskColor);
+    maskColor = state.maskColor;
     state.lassoPath.swap(restored.lassoPath);
+    restoredLassos = lassos;
     ++restores;
 }
 
-/// A first cut that is under way or asked for would have been replaced by now.
-void RyImageSegmentation::Private::restoreRegions(const QImage &labels,
+/// True when a lasso's regions were still to come: they would have been replaced.
+bool RyImageSegmentation::Private::restoreRegions(const QImage &labels,
                                                   const QList<QList<QPoint>> &points)
 {
-    state.labels = labels.convertToFormat(QImage::Format_ARGB32);
+    state.labels = labels;
     state.pointsOfSuperpixels = points;
     pendingLasso.reset();
-    removeRequests([](const Request &request) { return request.mode == InitialCut; });
+    std::erase_if(requests, [](const Request &request) { return request.mode == InitialCut; });
     ++epoch;
+    return currentStep > 0 && currentStep < workerTotalSteps + stepsOfTheFirstCut;
 }
 
 /// Applies a change to a copy of the state, without the mutex, until nothing else has changed in
@@ -106,6 +150,7 @@ std::optional<QImage> RyImageSegmentation::Private::change(const Change &change,
         state.foregroundClusters.swap(work.foregroundClusters);
         state.backgroundClusters.swap(work.backgroundClusters);
         std::swap(state.lastUserStroke, work.lastUserStroke);
+        std::swap(state.maskColor, work.maskColor);
         ++revision;
         return state.foregroundMask;
     }

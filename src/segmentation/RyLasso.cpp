@@ -45,14 +45,20 @@ QPainterPath RyLasso::snappedToBorder(const QPainterPath &path, const QSize &pic
     return result;
 }
 
+QPainterPath RyLasso::ownCopy(const QPainterPath &path)
+{
+    QPainterPath own = path;
+    if (path.elementCount() > 0) {
+        const QPainterPath::Element first = path.elementAt(0);
+        own.setElementPositionAt(0, first.x, first.y); // writing is what parts it from its copies
+    }
+    own.boundingRect(); // computed here, so that copies of the copy only read it
+    return own;
+}
+
 void RyLasso::fill(QPainter &painter, const QPainterPath &path)
 {
-    if (path.elementCount() == 0)
-        return;
-    QPainterPath own = path;
-    const QPainterPath::Element first = path.elementAt(0);
-    own.setElementPositionAt(0, first.x, first.y); // writing is what parts it from its copies
-    painter.fillPath(own, Qt::white);
+    painter.fillPath(ownCopy(path), Qt::white);
 }
 
 bool RyLasso::isCovered(const QPainterPath &inner, const QRect &area,

@@ -23,8 +23,12 @@ QRect boundingRect(const QRectF &rect);
 /// that border (0, width or height). A lasso drawn hastily along the edge so takes the edge in.
 QPainterPath snappedToBorder(const QPainterPath &path, const QSize &picture);
 
-/// Fills a path opaque white from a copy of its own: the rasteriser keeps its outline in the data
-/// that copies of a path share, unlocked, so two threads must not fill copies of one path.
+/// A copy that shares nothing with the path: what copies share, such as the bounds, is computed when
+/// it is asked for first, without a lock. So no other thread may hold a copy of a caller's path.
+QPainterPath ownCopy(const QPainterPath &path);
+
+/// Fills a path opaque white from a copy of its own, since the rasteriser keeps its outline in the
+/// path.
 void fill(QPainter &painter, const QPainterPath &path);
 
 /// True when fillOuter(painter), which fills something in picture coordinates, fills every pixel of

@@ -5,6 +5,7 @@
 #include <QMutexLocker>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 
@@ -69,6 +70,11 @@ QImage RyMaskBuffers::Draft::finish()
             loan.release()};
 }
 
+RyMaskBuffers::RyMaskBuffers()
+{
+    m_spares.reserve(mostSpares + 1); // giving back must not fail
+}
+
 std::shared_ptr<RyMaskBuffers> RyMaskBuffers::create()
 {
     return std::shared_ptr<RyMaskBuffers>(new RyMaskBuffers);
@@ -115,15 +121,15 @@ RyMaskBuffers::Buffer RyMaskBuffers::takeSpare(const QSize &size, quint64 conten
                                                std::optional<RyTileSet> &difference)
 {
     const QMutexLocker lock(&m_mutex);
-    std::erase_if(m_spares, [&](const Buffer &spare) { return spare.size != size; });
-    if (m_spares.empty())
-        return {};
-    auto best = m_spares.begin();
+    auto best = m_spares.end();
     for (auto spare = m_spares.begin(); spare != m_spares.end() && !difference; ++spare) {
+        if (spare->size != size)
+            continue; // of another picture; it goes when others come back
         difference = differenceBetween(spare->content, content, size);
-        if (difference)
-            best = spare;
+        best = spare;
     }
+    if (best == m_spares.end())
+        return {};
     Buffer buffer = std::move(*best);
     m_spares.erase(best);
     return buffer;
@@ -170,12 +176,21 @@ void RyMaskBuffers::giveBack(Buffer buffer)
     }
 }
 
-void RyMaskBuffers::retire()
+void RyMaskBuffers::releaseSpares()
 {
-    std::vector<Buffer> spares; // both go after the lock
+    std::array<Buffer, mostSpares + 1> released; // all of this goes after the lock
     QImage foreign;
     const QMutexLocker lock(&m_mutex);
-    m_isRetired = true;
-    spares.swap(m_spares);
+    std::move(m_spares.begin(), m_spares.end(), released.begin());
+    m_spares.clear();
     foreign.swap(m_foreign);
+}
+
+void RyMaskBuffers::retire()
+{
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_isRetired = true;
+    }
+    releaseSpares();
 }

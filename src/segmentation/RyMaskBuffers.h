@@ -70,7 +70,9 @@ public:
 
     /// Begins with a copy of a mask of Format_ARGB32_Premultiplied, which must not be null.
     Draft copyOf(const QImage &mask);
-    /// Gives memory back that holds no mask any more; at the end of a session.
+    /// Gives memory back that holds no mask any more.
+    void releaseSpares();
+    /// The same, also for memory that comes back later; at the end of a session.
     void retire();
 
 private:
@@ -84,7 +86,7 @@ private:
     };
     struct Loan;
 
-    RyMaskBuffers() = default;
+    RyMaskBuffers();
     quint64 contentOf(const QImage &mask);
     Buffer takeSpare(const QSize &size, quint64 content, std::optional<RyTileSet> &difference);
     std::optional<RyTileSet> differenceBetween(quint64 a, quint64 b, const QSize &size) const;

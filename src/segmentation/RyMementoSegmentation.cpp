@@ -44,3 +44,10 @@ qint64 RyMementoSegmentation::sizeInBytes() const
     return m_mask.sizeInBytes() + m_labels.sizeInBytes() +
            (m_packedMask ? m_packedMask->sizeInBytes() : 0);
 }
+
+qint64 RyMementoSegmentation::compactedSizeInBytes() const
+{
+    constexpr int pixelsPerByte = 8;
+    const qint64 pixels = qint64(m_mask.width()) * m_mask.height();
+    return sizeInBytes() - m_mask.sizeInBytes() + pixels / pixelsPerByte;
+}

@@ -44,6 +44,8 @@ public:
     std::unique_ptr<RyMementoSegmentation> compacted() const;
     /// Of the mask and the labels; less when they are shared.
     qint64 sizeInBytes() const;
+    /// What compacted() will take, as far as can be told without doing it.
+    qint64 compactedSizeInBytes() const;
 
 private:
     QList<QList<QPoint>> m_pointsOfSuperpixels;

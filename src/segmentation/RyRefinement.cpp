@@ -3,6 +3,7 @@
 #include "RyLogger.h"
 #include "image/RyGeometry.h"
 #include "image/RyLabelImage.h"
+#include "segmentation/RyLasso.h"
 #include "segmentation/RyMaskBuffers.h"
 #include "segmentation/RyStroke.h"
 #include "segmentation/RyStrokeCoverage.h"
@@ -38,11 +39,6 @@ void paintPoints(RyMaskBuffers::Draft &mask, const QList<QPoint> &points, QRgb c
     }
 }
 
-void log(const char *tag)
-{
-    RyLogger::instance().legacyLog(QString::fromLatin1(tag), false);
-}
-
 } // namespace
 
 void RyRefinement::cutObjectWithClicker(const QPointF &position)
@@ -54,18 +50,18 @@ void RyRefinement::cutObjectWithClicker(const QPointF &position)
 void RyRefinement::cutObjectWithScribble(const RyStroke &stroke, RyStrokeCoverage &coverage,
                                          bool isForeground)
 {
-    log("SEG:CutS");
+    RyLogger::instance().legacyLog(QStringLiteral("SEG:CutS"), false);
     drawPathOnForegroundUserMask(stroke, coverage, isForeground);
 }
 
 void RyRefinement::cutObjectWithPaintSelection(const RyStroke &stroke, RyStrokeCoverage &coverage,
                                                bool isForeground)
 {
-    log("SEG:CutIS");
+    RyLogger::instance().legacyLog(QStringLiteral("SEG:CutIS"), false);
     const QImage &labels = m_state.labels;
     QSet<int> selected;
     if (!labels.isNull() && labels.size() == m_state.foregroundMask.size()) {
-        const QRect area = RyGeometry::roundedRect(stroke.boundingRect());
+        const QRect area = RyLasso::boundingRect(stroke.boundingRect());
         coverage.forEachRun(stroke, labels.size(), [&](int y, int left, int right) {
             if (y < area.top() || y > area.bottom())
                 return;

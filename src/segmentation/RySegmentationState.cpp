@@ -1,6 +1,8 @@
 #include "segmentation/RySegmentationState.h"
 
+#include "image/RyGeometry.h"
 #include "image/RyLabelImage.h"
+#include "segmentation/RyLasso.h"
 
 #include <QPainter>
 
@@ -106,10 +108,10 @@ void RySegmentationState::invertMaskJob()
 QImage RySegmentationState::createMask(const QPainterPath &path) const
 {
     QImage image = blackImage(foregroundMask.size());
-    if (image.isNull())
+    if (image.isNull() || !RyGeometry::isFinite(path))
         return image;
     QPainter painter(&image);
-    painter.fillPath(path, Qt::white);
+    RyLasso::fill(painter, path);
     return image;
 }
 

@@ -4,7 +4,7 @@
 
 void RyStroke::add(const QPainterPath &path)
 {
-    if (path.elementCount() > 0)
+    if (!path.isEmpty())
         m_paths.append(path);
 }
 

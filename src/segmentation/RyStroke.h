@@ -17,7 +17,7 @@ class QPainter;
 class RyStroke
 {
 public:
-    /// A path without elements adds nothing. Coordinates have to be finite.
+    /// A path without lines adds nothing. Coordinates have to be finite.
     void add(const QPainterPath &path);
 
     bool isEmpty() const { return m_paths.isEmpty(); }

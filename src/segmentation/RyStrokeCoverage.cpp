@@ -34,15 +34,17 @@ void RyStrokeCoverage::forEachRun(const RyStroke &stroke, const QSize &picture,
     setSize(picture);
     if (m_covered.isNull())
         return;
+    QImage covered; // lost, and made anew, if visiting fails before all is zero again
+    covered.swap(m_covered);
     {
-        QPainter painter(&m_covered);
+        QPainter painter(&covered);
         stroke.fill(painter);
     }
     // The painter rounds in its own way, by less than a pixel.
     const QRect rect =
             RyLasso::boundingRect(stroke.boundingRect()).adjusted(-2, -2, 2, 2) & m_covered.rect();
     for (int y = rect.top(); y <= rect.bottom(); ++y) {
-        uchar *const row = m_covered.scanLine(y);
+        uchar *const row = covered.scanLine(y);
         const uchar *const end = row + rect.right() + 1;
         for (const uchar *from = findCovered(row + rect.left(), end); from != end;) {
             const uchar *const to = std::find(from, end, 0);
@@ -51,6 +53,7 @@ void RyStrokeCoverage::forEachRun(const RyStroke &stroke, const QSize &picture,
             from = findCovered(to, end);
         }
     }
+    m_covered.swap(covered);
 }
 
 void RyStrokeCoverage::setSize(const QSize &size)

@@ -4,6 +4,8 @@
 
 #include <QMutexLocker>
 
+#include <new>
+
 RyUndoCommandSegmentation::RyUndoCommandSegmentation(
         std::unique_ptr<RyMementoSegmentation> before, std::unique_ptr<RyMementoSegmentation> after,
         const QPointer<RyImageSegmentation> &segmentation)
@@ -15,16 +17,25 @@ RyUndoCommandSegmentation::RyUndoCommandSegmentation(
 
 void RyUndoCommandSegmentation::compact()
 {
-    Memento before = locked(m_before)->compacted();
-    Memento after = locked(m_after)->compacted();
+    Memento before = locked(m_before);
+    Memento after = locked(m_after);
+    try {
+        before = before->compacted();
+        after = after->compacted();
+    } catch (const std::bad_alloc &) {
+        return;
+    }
     const QMutexLocker lock(&m_mutex);
     m_before.swap(before); // what is replaced goes after the lock
     m_after.swap(after);
+    m_isCompact = true;
 }
 
 qint64 RyUndoCommandSegmentation::sizeInBytes() const
 {
-    return locked(m_before)->sizeInBytes() + locked(m_after)->sizeInBytes();
+    const QMutexLocker lock(&m_mutex);
+    return m_isCompact ? m_before->sizeInBytes() + m_after->sizeInBytes()
+                       : m_before->compactedSizeInBytes() + m_after->compactedSizeInBytes();
 }
 
 void RyUndoCommandSegmentation::undoCore()

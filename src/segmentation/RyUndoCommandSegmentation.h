@@ -24,8 +24,10 @@ public:
                               std::unique_ptr<RyMementoSegmentation> after,
                               const QPointer<RyImageSegmentation> &segmentation);
 
-    /// Keeps the masks in less memory from now on; takes time in proportion to their size.
+    /// Keeps the masks in less memory from now on, if there is the memory to do it; takes time in
+    /// proportion to their size.
     void compact();
+    /// Until the masks are packed they count as if they were: it will not take long.
     qint64 sizeInBytes() const override;
 
 protected:
@@ -38,8 +40,9 @@ private:
     Memento locked(const Memento &memento) const;
     void restore(const Memento &memento);
 
-    mutable QMutex m_mutex; // guards both pointers
+    mutable QMutex m_mutex; // guards these three
     Memento m_before;
     Memento m_after;
+    bool m_isCompact = false;
     const QPointer<RyImageSegmentation> m_segmentation;
 };
