@@ -1,12 +1,16 @@
 // Includes every installed header, so that a missing one is noticed, and cuts one picture.
+#include <RyConfigItem.h>
 #include <RyCpuFeatures.h>
 #include <RyIntRange.h>
 #include <RyLogger.h>
 #include <RyPlatformIndependent.h>
+#include <RySettings.h>
+#include <RySettingsLock.h>
 #include <regiongrowing/RyHistogram3DIndex.h>
 #include <regiongrowing/RyRegionGrowingEdge.h>
 #include <regiongrowing/RyRegionGrowingEdgeCandidate.h>
 #include <segmentation/RyImageSegmentation.h>
+#include <settings/RyImageCutterSettings.h>
 
 #include <QGuiApplication>
 #include <QPainter>
