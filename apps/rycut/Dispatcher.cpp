@@ -3,20 +3,42 @@
 #include "CommandError.h"
 #include "Console.h"
 #include "CutCommand.h"
+#include "RySettings.h"
+#include "SettingsCommand.h"
 
 #include <QCoreApplication>
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// Obeys the option that may go before the command, and returns what comes after it.
+QStringList withoutSettingsFile(const QStringList &arguments)
+{
+    const auto option = u"--settings"_s;
+    const QString first = arguments.value(0);
+    const bool isJoined = first.startsWith(option + u'=');
+    if (first != option && !isJoined)
+        return arguments;
+    const QString fileName = isJoined ? first.mid(option.size() + 1) : arguments.value(1);
+    if (fileName.isEmpty())
+        throw CommandError(ExitStatus::Usage, u"--settings names no file"_s);
+    RySettings::setFileName(fileName);
+    return arguments.mid(isJoined ? 1 : 2);
+}
+
+} // namespace
+
 Dispatcher::Dispatcher()
 {
     m_commands.push_back(std::make_unique<CutCommand>());
+    m_commands.push_back(std::make_unique<SettingsCommand>());
 }
 
 ExitStatus Dispatcher::run(const QStringList &arguments) const
 {
     try {
-        return dispatch(arguments);
+        return dispatch(withoutSettingsFile(arguments));
     } catch (const CommandError &error) {
         Console::say(error.message());
         return error.status();
@@ -50,10 +72,12 @@ ExitStatus Dispatcher::dispatch(const QStringList &arguments) const
 
 QString Dispatcher::helpText() const
 {
-    QString text = u"Usage: rycut COMMAND [options]\n"
+    QString text = u"Usage: rycut [--settings FILE] COMMAND [options]\n"
                    "       rycut COMMAND --help\n"
                    "       rycut --help | --version\n\n"
-                   "Cuts objects out of pictures.\n\nCommands:\n"_s;
+                   "Cuts objects out of pictures.\n\n"
+                   "--settings FILE keeps the settings there instead of in the usual place.\n\n"
+                   "Commands:\n"_s;
     for (const auto &command : m_commands)
         text += u"  %1 %2\n"_s.arg(command->name(), -10).arg(command->summary());
     return text;

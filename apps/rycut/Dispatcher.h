@@ -5,7 +5,8 @@
 #include <memory>
 #include <vector>
 
-/// Finds the command that the first argument names, and answers for the program as a whole.
+/// Finds the command that the first argument names, and answers for the program as a whole. What
+/// goes before the command holds for every one.
 class Dispatcher
 {
 public:

@@ -6,6 +6,7 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QStringList>
+#include <QTemporaryDir>
 
 /// One finished run of the program.
 struct RycutRun
@@ -28,6 +29,12 @@ struct RycutRun
 
     static void start(QProcess &process, const QStringList &arguments)
     {
+        static const QTemporaryDir configFolder; // keeps the user's own settings out of it
+        auto environment = process.processEnvironment();
+        if (environment.isEmpty())
+            environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), configFolder.path());
+        process.setProcessEnvironment(environment);
         process.start(QStringLiteral(RY_RYCUT_PROGRAM), arguments);
     }
 
