@@ -10,15 +10,13 @@ enum class CutOutput { Object, Mask, Overlay, Contours, Labels };
 /// What the user asked `rycut cut` for; "-" as a file name is standard input or output.
 struct CutOptions
 {
-    static constexpr int defaultMaxLength = 1200;
-
     QString picture;
     QString lassoFile; ///< this or polygon, never both
     QString polygon;
     QMap<CutOutput, QString> outputs; ///< file names
     QString report;                   ///< file name, or empty
 
-    int maxLength = defaultMaxLength; ///< longest side for cutting, in pixels; 0 cuts at full size
+    int maxLength = 0; ///< longest side for cutting, in pixels; 0 cuts at full size
     bool crop = false;
     bool allowHuge = false;
     bool quiet = false;

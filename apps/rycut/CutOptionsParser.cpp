@@ -3,6 +3,7 @@
 #include "CommandError.h"
 #include "CutOutputRules.h"
 #include "Kernel.h"
+#include "settings/RyImageCutterSettings.h"
 
 using namespace Qt::StringLiterals;
 
@@ -11,6 +12,13 @@ namespace {
 [[noreturn]] void throwUsage(const QString &message)
 {
     throw CommandError(ExitStatus::Usage, message);
+}
+
+/// A settings file that was written by hand may hold any number.
+int defaultMaxLength()
+{
+    const int length = RyImageCutterSettings::instance().maximalImageLength();
+    return length >= 1 ? length : RyImageCutterSettings::defaultMaximalImageLength;
 }
 
 } // namespace
@@ -51,7 +59,7 @@ void CutOptionsParser::addSizeOptions()
 {
     m_parser.addOptions({{u"max-length"_s,
                           u"Reduce larger pictures to this longest side for cutting; 0 for never. "
-                          "Default: %1."_s.arg(CutOptions::defaultMaxLength),
+                          "Default: %1."_s.arg(defaultMaxLength()),
                           u"pixels"_s},
                          {u"full-size"_s, u"Cut at full size, as --max-length 0 does."_s},
                          {u"crop"_s, u"Crop output, mask and overlay to the object."_s},
@@ -140,7 +148,7 @@ int CutOptionsParser::maxLength() const
 {
     const bool fullSize = isSet(u"full-size"_s);
     if (!isSet(u"max-length"_s))
-        return fullSize ? 0 : CutOptions::defaultMaxLength;
+        return fullSize ? 0 : defaultMaxLength();
     const int length = number(u"max-length"_s, 0);
     if (fullSize && length != 0)
         throwUsage(u"--full-size and --max-length %1 contradict each other"_s.arg(length));

@@ -1,4 +1,5 @@
 #include "cli/RycutRun.h"
+#include "support/Samples.h"
 
 #include <QDir>
 #include <QTest>
@@ -6,8 +7,9 @@
 #include <array>
 
 using namespace Qt::StringLiterals;
+using namespace RycutFiles;
 
-/// `rycut settings`.
+/// `rycut settings`, and what other commands make of it.
 class tst_rycutSettings : public QObject
 {
     Q_OBJECT
@@ -19,6 +21,7 @@ private Q_SLOTS:
     void refuses_data();
     void refuses();
     void saysWhatCannotBeWritten();
+    void cutsAtTheLengthThatWasSet();
     void processesKeepEachOthersChanges();
 
 private:
@@ -73,6 +76,19 @@ void tst_rycutSettings::saysWhatCannotBeWritten()
                                              u"set"_s, u"dbgFolder"_s, u"a"_s});
     QCOMPARE(unwritten.status, 4);
     QVERIFY(unwritten.errors.contains("rycut: /proc/none/s.ini"));
+}
+
+void tst_rycutSettings::cutsAtTheLengthThatWasSet()
+{
+    const QString picture = m_folder.filePath(u"p.bmp"_s);
+    QVERIFY(Samples::photograph(u"coffee.png"_s, 1500).save(picture));
+    for (const int length : {300, 0}) {
+        store(m_fileName, "[ImageCutter]\nmaxFotoLength=" + QByteArray::number(length));
+        const RycutRun done = RycutRun::of(QStringList{u"--settings"_s, m_fileName} +
+                                           cut(picture, {u"--report"_s, u"-"_s}));
+        QCOMPARE(done.report()[u"cutting"][u"width"].toInt(), length > 0 ? length : 1200);
+    }
+    QVERIFY(QFile::remove(picture));
 }
 
 void tst_rycutSettings::processesKeepEachOthersChanges()
