@@ -1,7 +1,6 @@
 #include "image/RyImageMemory.h"
 
 #include <cstdlib>
-#include <new>
 
 #ifdef __linux__
 #include <sys/mman.h>
@@ -26,9 +25,20 @@ void *allocateLargePages(std::size_t bytes)
 
 void *RyImageMemory::allocate(std::size_t bytes)
 {
-    void *const memory =
-            bytes < 2 * largePageBytes ? std::malloc(bytes) : allocateLargePages(bytes);
+    return bytes < 2 * largePageBytes ? std::malloc(bytes) : allocateLargePages(bytes);
+}
+
+QImage RyImageMemory::image(const QSize &size, QImage::Format format)
+{
+    if (size.isEmpty())
+        return {};
+    const auto bytesPerLine = qsizetype(size.width()) * qsizetype(sizeof(QRgb));
+    void *const memory = allocate(std::size_t(bytesPerLine) * std::size_t(size.height()));
     if (!memory)
-        throw std::bad_alloc();
-    return memory;
+        return {};
+    QImage image(static_cast<uchar *>(memory), size.width(), size.height(), bytesPerLine, format,
+                 std::free, memory);
+    if (image.isNull())
+        std::free(memory); // a null image never calls its clean-up function
+    return image;
 }

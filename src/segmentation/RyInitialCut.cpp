@@ -1,6 +1,7 @@
 #include "segmentation/RyInitialCut.h"
 
 #include "image/RyGeometry.h"
+#include "image/RyImageMemory.h"
 #include "image/RyLabelImage.h"
 #include "regiongrowing/RyBackgroundExtractor.h"
 
@@ -28,7 +29,8 @@ void RyInitialCut::clear()
 {
     m_state.foregroundClusters.clear();
     m_state.backgroundClusters.clear();
-    m_state.foregroundMask = QImage(m_state.picture.size(), QImage::Format_ARGB32_Premultiplied);
+    m_state.foregroundMask =
+            RyImageMemory::image(m_state.picture.size(), QImage::Format_ARGB32_Premultiplied);
     m_state.foregroundMask.fill(m_state.maskColor.rgb());
 }
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace {
@@ -89,6 +90,8 @@ RyMaskBuffers::Draft RyMaskBuffers::copyOf(const QImage &mask)
     if (!buffer.pixels) {
         const std::size_t bytes = std::size_t(mask.sizeInBytes());
         buffer.pixels.reset(static_cast<QRgb *>(RyImageMemory::allocate(bytes)));
+        if (!buffer.pixels)
+            throw std::bad_alloc();
         buffer.size = mask.size();
     }
     QRgb *const to = buffer.pixels.get();

@@ -3,7 +3,6 @@
 #include "image/RyImageMemory.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <new>
 
 namespace {
@@ -96,14 +95,9 @@ std::optional<RyPackedMask> RyPackedMask::pack(const QImage &mask)
 
 QImage RyPackedMask::unpacked() const
 {
-    const qsizetype bytesPerLine = qsizetype(m_size.width()) * qsizetype(sizeof(QRgb));
-    void *const memory = RyImageMemory::allocate(std::size_t(bytesPerLine * m_size.height()));
-    QImage mask(static_cast<uchar *>(memory), m_size.width(), m_size.height(), bytesPerLine,
-                QImage::Format_ARGB32_Premultiplied, std::free, memory);
-    if (mask.isNull()) {
-        std::free(memory); // a null image never calls its clean-up function
+    QImage mask = RyImageMemory::image(m_size, QImage::Format_ARGB32_Premultiplied);
+    if (mask.isNull())
         throw std::bad_alloc();
-    }
     auto word = m_words.begin();
     for (int y = 0; y < m_size.height(); ++y) {
         auto *const row = reinterpret_cast<QRgb *>(mask.scanLine(y));

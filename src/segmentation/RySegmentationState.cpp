@@ -1,12 +1,14 @@
 #include "segmentation/RySegmentationState.h"
 
 #include "image/RyGeometry.h"
+#include "image/RyImageMemory.h"
 #include "image/RyLabelImage.h"
 #include "segmentation/RyLasso.h"
 
 #include <QPainter>
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -14,15 +16,19 @@ constexpr QRgb transparent = 0; // what foreground looks like in the mask
 
 QImage blackImage(const QSize &size)
 {
-    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    QImage image = RyImageMemory::image(size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::black);
     return image;
 }
 
+/// In a copy, since masks are shared with whoever was sent one.
 void fillWholeImage(QImage &image, QPainter::CompositionMode mode, QRgb color)
 {
-    if (image.isNull())
+    QImage copy = RyImageMemory::image(image.size(), image.format());
+    if (copy.isNull())
         return;
+    std::memcpy(copy.bits(), image.constBits(), std::size_t(image.sizeInBytes()));
+    image.swap(copy);
     QPainter painter(&image);
     painter.setCompositionMode(mode);
     painter.fillRect(image.rect(), QColor(color));
