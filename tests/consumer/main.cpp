@@ -4,6 +4,8 @@
 #include <RyIntRange.h>
 #include <RyLogger.h>
 #include <RyPlatformIndependent.h>
+#include <RyUndoCommand.h>
+#include <RyUndoController.h>
 #include <RySettings.h>
 #include <RySettingsLock.h>
 #include <regiongrowing/RyHistogram3DIndex.h>
