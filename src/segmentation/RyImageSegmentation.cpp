@@ -145,6 +145,13 @@ void RyImageSegmentation::startSessionThread()
     log("SEG:StartingThread");
     wait(); // at most for the last instructions of a run that has found nothing more to do
     start(QThread::InheritPriority);
+    if (isRunning() || isFinished())
+        return;
+    { // no memory for a thread; the next request tries again
+        const QMutexLocker lock(&d->mutex);
+        d->active = false;
+    }
+    Q_EMIT sendNewMask(QImage());
 }
 
 void RyImageSegmentation::run()

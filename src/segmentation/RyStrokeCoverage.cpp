@@ -42,7 +42,7 @@ void RyStrokeCoverage::forEachRun(const RyStroke &stroke, const QSize &picture,
     }
     // The painter rounds in its own way, by less than a pixel.
     const QRect rect =
-            RyLasso::boundingRect(stroke.boundingRect()).adjusted(-2, -2, 2, 2) & m_covered.rect();
+            RyLasso::boundingRect(stroke.boundingRect()).adjusted(-2, -2, 2, 2) & covered.rect();
     for (int y = rect.top(); y <= rect.bottom(); ++y) {
         uchar *const row = covered.scanLine(y);
         const uchar *const end = row + rect.right() + 1;

@@ -4,10 +4,10 @@
 #include <RyIntRange.h>
 #include <RyLogger.h>
 #include <RyPlatformIndependent.h>
-#include <RyUndoCommand.h>
-#include <RyUndoController.h>
 #include <RySettings.h>
 #include <RySettingsLock.h>
+#include <RyUndoCommand.h>
+#include <RyUndoController.h>
 #include <regiongrowing/RyHistogram3DIndex.h>
 #include <regiongrowing/RyRegionGrowingEdge.h>
 #include <regiongrowing/RyRegionGrowingEdgeCandidate.h>
