@@ -1,0 +1,9 @@
+#include "gestures/Gesture.h"
+
+#include <utility>
+
+// Not inline: GCC 12 would see through a move of the alternatives that are not there, and warn of
+// memory that is not initialised.
+Gesture::Gesture(Step what)
+    : step(std::move(what))
+{}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QColor>
+#include <QPointF>
+#include <QPolygonF>
+
+#include <variant>
+
+/// One thing that a user does to a cut. Coordinates and diameters are in pixels of the picture,
+/// whatever the size it is cut or shown at.
+struct Gesture
+{
+    static constexpr double mostCoordinate = 1e6; ///< in both directions, as files take them
+    static constexpr double mostBrushWidth = 1e5;
+
+    /// Begins a cut anew. The polygon closes itself.
+    struct Lasso
+    {
+        QPolygonF points;
+    };
+    struct Click
+    {
+        QPointF point;
+    };
+    /// A line drawn with a round brush; a dot where it has one point only.
+    struct Stroke
+    {
+        double width = 12.0; ///< the brush's diameter
+        bool isForeground = true;
+        bool isTemporary = false; ///< in the middle of a stroke, of which more is to come
+        QPolygonF points;
+    };
+    struct Scribble : Stroke
+    {};
+    struct Paint : Stroke
+    {};
+    struct Hover
+    {
+        bool isForeground = true;
+        QPointF point;
+        int diameter = 1;
+    };
+    struct Color ///< of the mask
+    {
+        QColor color;
+    };
+    /// What is said in one word.
+    struct Plain
+    {};
+    struct Invert : Plain
+    {};
+    struct Undo : Plain
+    {};
+    struct Redo : Plain
+    {};
+
+    using Step = std::variant<Lasso, Click, Scribble, Paint, Hover, Color, Invert, Undo, Redo>;
+
+    explicit Gesture(Step what);
+
+    Step step;
+};

@@ -1,0 +1,101 @@
+#include "gestures/GestureFile.h"
+
+#include "gestures/GestureReader.h"
+#include "gestures/GestureWords.h"
+#include "gestures/GestureWriter.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr char signature[] = "rycut-session";
+constexpr char version[] = "1";
+constexpr char pictureWord[] = "picture";
+constexpr char widthWord[] = "width";
+
+void readVersion(GestureReader &reader)
+{
+    if (!reader.nextLine() || reader.lineWord() != signature)
+        reader.fail(u"a session begins with 'rycut-session 1', and this one does not"_s);
+    const QByteArrayView found = reader.takeWord();
+    if (found != version)
+        reader.fail(u"this is version '%1' of session files, but only version %2 is known"_s.arg(
+                QString::fromUtf8(found), QString::fromLatin1(version)));
+    reader.expectEndOfLine();
+}
+
+bool isHash(QByteArrayView word)
+{
+    constexpr qsizetype digits = 64;
+    return word.size() == digits && std::all_of(word.begin(), word.end(), [](char c) {
+               return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
+           });
+}
+
+GestureFile::Picture readPicture(GestureReader &reader)
+{
+    reader.setForm("picture WIDTHxHEIGHT SHA256");
+    const QByteArrayView size = reader.takeWord();
+    const qsizetype cross = std::max<qsizetype>(0, size.indexOf('x'));
+    const int width = size.first(cross).toInt(); // 0 where there is no number
+    const int height = size.sliced(std::min(cross + 1, size.size())).toInt();
+    if (width < 1 || height < 1)
+        reader.failExpecting(u"a size such as 600x400"_s);
+    const QByteArrayView hash = reader.takeWord();
+    if (!isHash(hash))
+        reader.failExpecting(u"64 hexadecimal digits in lower case"_s);
+    return {QSize(width, height), hash.toByteArray()};
+}
+
+Gesture readGesture(GestureReader &reader)
+{
+    QStringList names;
+    for (const GestureWords::Word &word : GestureWords::all()) {
+        if (word.name != reader.lineWord()) {
+            names.append(QString::fromLatin1(word.name));
+            continue;
+        }
+        Gesture gesture = word.blank;
+        reader.setForm(word.form);
+        GestureWords::describe(reader, gesture);
+        return gesture;
+    }
+    reader.failExpecting(u"width, %1"_s.arg(names.join(u", "_s)));
+}
+
+} // namespace
+
+GestureFile GestureFile::parse(const QByteArray &text, const QString &name)
+{
+    GestureReader reader(text, name);
+    GestureFile file;
+    readVersion(reader);
+    for (bool isNextToVersion = true; reader.nextLine(); isNextToVersion = false) {
+        if (isNextToVersion && reader.lineWord() == pictureWord)
+            file.picture = readPicture(reader);
+        else if (reader.lineWord() == pictureWord)
+            reader.fail(u"the picture belongs right below 'rycut-session 1'"_s);
+        else if (reader.lineWord() == widthWord)
+            reader.takeBrushWidth();
+        else
+            file.gestures.append(readGesture(reader));
+        reader.expectEndOfLine();
+    }
+    return file;
+}
+
+QByteArray GestureFile::text() const
+{
+    GestureWriter writer;
+    writer.writeLine(QByteArray(signature) + ' ' + version);
+    if (picture)
+        writer.writeLine(QByteArray(pictureWord) + ' ' + QByteArray::number(picture->size.width()) +
+                         'x' + QByteArray::number(picture->size.height()) + ' ' + picture->sha256);
+    for (const Gesture &gesture : gestures)
+        writer.write(gesture);
+    return writer.text();
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "gestures/Gesture.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QSize>
+#include <QString>
+
+#include <optional>
+
+/**
+ * What was done in a session, as a text that people can read and change.
+ *
+ * One gesture a line, in pixels of the picture; "#" starts a comment. The first line says
+ * "rycut-session 1", the next one may say which picture it was: "picture WIDTHxHEIGHT SHA256".
+ */
+struct GestureFile
+{
+    struct Picture
+    {
+        QSize size;        ///< as it is meant to be seen, turned upright
+        QByteArray sha256; ///< of the picture's file, as sha256sum tells it
+    };
+
+    std::optional<Picture> picture;
+    QList<Gesture> gestures;
+
+    /// The name is for messages. Whatever is malformed is thrown as GestureFileError.
+    static GestureFile parse(const QByteArray &text, const QString &name);
+    /// Parsing this gives every number back as it was.
+    QByteArray text() const;
+};

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "gestures/Gesture.h"
+
+#include <QObject>
+#include <QTransform>
+
+class RyImageSegmentation;
+
+/**
+ * Does to a session what a user did, each gesture when the session has answered the one before:
+ * so the outcome does not depend on how fast the machine is.
+ *
+ * Threads  the session's host thread.
+ */
+class GesturePlayer : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The transform leads from pixels of the picture to those of the session, which is borrowed.
+    GesturePlayer(RyImageSegmentation &session, const QTransform &toSession);
+
+    /// Returns when the session has answered and what it said has been delivered; meanwhile events
+    /// are processed. False once stop() was called.
+    bool play(const Gesture &gesture);
+
+public Q_SLOTS:
+    /// For good. The session may still be at work.
+    void stop() { m_isStopped = true; }
+
+private:
+    void apply(const Gesture::Lasso &lasso);
+    void apply(const Gesture::Click &click);
+    void apply(const Gesture::Scribble &scribble);
+    void apply(const Gesture::Paint &paint);
+    void apply(const Gesture::Hover &hover);
+    void apply(const Gesture::Color &color);
+    void apply(const Gesture::Invert &);
+    void apply(const Gesture::Undo &);
+    void apply(const Gesture::Redo &);
+    QPainterPath mappedStroke(const Gesture::Stroke &stroke) const;
+    void waitForAnswer();
+
+    RyImageSegmentation &m_session;
+    const QTransform m_toSession;
+    bool m_isStopped = false;
+};
