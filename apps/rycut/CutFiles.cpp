@@ -52,6 +52,8 @@ void CutFiles::write(CutOutput output, const CutResult &result)
         return file.write(result.contours);
     case CutOutput::Labels:
         return writeLabels(file, result.labels);
+    case CutOutput::Session:
+        return file.write(result.session.text());
     }
 }
 
@@ -73,7 +75,7 @@ void CutFiles::writeLabels(OutputFile &file, const QImage &labels)
 void CutFiles::writeReport(const CutResult &result)
 {
     if (m_report)
-        m_report->write(CutReport::json(result, m_options));
+        m_report->write(CutReport::json(result));
 }
 
 QStringList CutFiles::commitAll()

@@ -5,14 +5,11 @@
 #include "Kernel.h"
 #include "settings/RyImageCutterSettings.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
-
-[[noreturn]] void throwUsage(const QString &message)
-{
-    throw CommandError(ExitStatus::Usage, message);
-}
 
 /// A settings file that was written by hand may hold any number.
 int defaultMaxLength()
@@ -23,22 +20,32 @@ int defaultMaxLength()
 
 } // namespace
 
-CutOptionsParser::CutOptionsParser()
+CutOptionsParser::CutOptionsParser(const QString &command, const QString &description,
+                                   const QList<Argument> &arguments,
+                                   const QList<QCommandLineOption> &inputOptions)
+    : m_command(command)
+    , m_arguments(arguments)
 {
     m_parser.setApplicationDescription(
-            u"Cuts the object inside a lasso out of a picture. '-' as a file name is standard "
-            u"input "
-            "or output. Exit status: 0 done, 1 wrong usage, 2 picture or lasso cannot be read, "
-            "3 nothing found to cut out, 4 cannot write, 130 interrupted."_s);
-    m_parser.addPositionalArgument(u"PICTURE"_s, u"The picture to cut from."_s, u"cut PICTURE"_s);
-    m_parser.addOptions(
-            {{{u"h"_s, u"help"_s}, u"Show this help."_s},
-             {u"lasso"_s, u"File with one vertex a line, 'x y' or 'x,y', in picture pixels."_s,
-              u"file"_s},
-             {u"polygon"_s, u"The lasso itself: \"x,y x,y x,y ...\"."_s, u"vertices"_s}});
+            description +
+            u" '-' as a file name is standard input or output. Exit status: 0 done, 1 wrong usage, "
+            "2 an input cannot be read or does not fit, 3 nothing found to cut out, 4 cannot "
+            "write, 130 interrupted."_s);
+    QString syntax = command;
+    for (const auto &[name, text] : arguments) {
+        syntax += u' ' + name;
+        m_parser.addPositionalArgument(name, text, std::exchange(syntax, QString()).trimmed());
+    }
+    m_parser.addOption({{u"h"_s, u"help"_s}, u"Show this help."_s});
+    m_parser.addOptions(inputOptions);
     addOutputOptions();
     addSizeOptions();
     addOtherOptions();
+}
+
+void CutOptionsParser::throwUsage(const QString &message)
+{
+    throw CommandError(ExitStatus::Usage, message);
 }
 
 void CutOptionsParser::addOutputOptions()
@@ -52,6 +59,7 @@ void CutOptionsParser::addOutputOptions()
               u"Number of the region at every pixel, at cutting size: 16-bit grey .png, or .raw "
               "with 32-bit little-endian numbers and its size in a .raw.json file."_s,
               u"file"_s},
+             {u"write-session"_s, u"Lasso and gestures, for replay."_s, u"file"_s},
              {u"report"_s, u"What was done, as JSON."_s, u"file"_s}});
 }
 
@@ -77,13 +85,14 @@ void CutOptionsParser::addOtherOptions()
              {u"kernel"_s, u"One of %1."_s.arg(Kernel::names().join(u", "_s)), u"name"_s,
               u"auto"_s},
              {u"cores"_s, u"Processor cores to cut the work for."_s, u"number"_s},
+             {u"force"_s, u"Take gestures that were made on another picture."_s},
              {u"quiet"_s, u"Say nothing but errors."_s}});
 }
 
 void CutOptionsParser::parse(const QStringList &arguments)
 {
     if (!m_parser.parse(QStringList(u"rycut"_s) + arguments))
-        throwUsage(u"%1 Try 'rycut cut --help'."_s.arg(m_parser.errorText()));
+        throwUsage(u"%1 Try 'rycut %2 --help'."_s.arg(m_parser.errorText(), m_command));
 }
 
 bool CutOptionsParser::wantsHelp() const
@@ -94,10 +103,14 @@ bool CutOptionsParser::wantsHelp() const
 CutOptions CutOptionsParser::options() const
 {
     CutOptions options;
+    checkArguments();
     readInputs(options);
+    if (QStringList{options.picture, options.lassoFile, options.gesturesFile}.count(u"-"_s) > 1)
+        throwUsage(u"only one input can come from standard input"_s);
     options.maxLength = maxLength();
     options.crop = isSet(u"crop"_s);
     options.allowHuge = isSet(u"allow-huge"_s);
+    options.force = isSet(u"force"_s);
     options.quiet = isSet(u"quiet"_s);
     if (isSet(u"background"_s))
         options.background = colour(u"background"_s);
@@ -113,22 +126,22 @@ CutOptions CutOptionsParser::options() const
     return options;
 }
 
-void CutOptionsParser::readInputs(CutOptions &options) const
+void CutOptionsParser::checkArguments() const
 {
-    const QStringList pictures = m_parser.positionalArguments();
-    if (pictures.size() != 1)
-        throwUsage(pictures.isEmpty()
-                           ? u"no picture given; try 'rycut cut --help'"_s
-                           : u"one picture at a time, but %1 were given"_s.arg(pictures.size()));
-    options.picture = pictures.first();
-    options.lassoFile = value(u"lasso"_s);
-    options.polygon = value(u"polygon"_s);
-    if (isSet(u"lasso"_s) == isSet(u"polygon"_s))
-        throwUsage(u"give the lasso with either --lasso or --polygon"_s);
-    if (isSet(u"lasso"_s) && options.lassoFile.isEmpty())
-        throwUsage(u"--lasso names no file"_s);
-    if (options.picture == "-"_L1 && options.lassoFile == "-"_L1)
-        throwUsage(u"picture and lasso cannot both come from standard input"_s);
+    const qsizetype given = m_parser.positionalArguments().size();
+    if (given < m_arguments.size())
+        throwUsage(u"no %1 given; try 'rycut %2 --help'"_s.arg(m_arguments.at(given).name.toLower(),
+                                                               m_command));
+    if (given > m_arguments.size())
+        throwUsage(u"%1 arguments were given, but %2 takes %3"_s.arg(given).arg(m_command).arg(
+                m_arguments.size()));
+}
+
+QString CutOptionsParser::inputFile(const QString &name) const
+{
+    if (isSet(name) && value(name).isEmpty())
+        throwUsage(u"--%1 names no file"_s.arg(name));
+    return value(name);
 }
 
 void CutOptionsParser::readOutputs(CutOptions &options) const

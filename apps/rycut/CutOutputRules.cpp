@@ -36,6 +36,8 @@ void checkFormat(CutOutput output, const QString &fileName, const QColor &backgr
     const QString format = CutOutputRules::format(fileName);
     if (fileName.isEmpty())
         throwUsage(u"--%1 names no file"_s.arg(option));
+    if (output == CutOutput::Session)
+        return; // a text, whatever the name
     if (output == CutOutput::Object)
         checkObjectFormat(fileName, background);
     else if (output == CutOutput::Labels && format != "png"_L1 && format != "raw"_L1)
@@ -70,6 +72,8 @@ QString CutOutputRules::optionName(CutOutput output)
         return u"contours"_s;
     case CutOutput::Labels:
         return u"labels"_s;
+    case CutOutput::Session:
+        return u"write-session"_s;
     }
     Q_UNREACHABLE();
 }
@@ -91,7 +95,7 @@ void CutOutputRules::check(const CutOptions &options)
     const QStringList names = writtenFiles(options);
     if (names.isEmpty())
         throwUsage(u"nothing to write; name a file with --output, --mask, --overlay, --contours, "
-                   "--labels or --report"_s);
+                   "--labels, --write-session or --report"_s);
     QSet<QString> seen;
     for (const QString &name : names) {
         const bool isStandardOutput = name == "-"_L1;

@@ -7,8 +7,8 @@
 /// Which files each output of a cut may go to.
 namespace CutOutputRules {
 
-inline constexpr std::array all = {CutOutput::Object, CutOutput::Mask, CutOutput::Overlay,
-                                   CutOutput::Contours, CutOutput::Labels};
+inline constexpr std::array all = {CutOutput::Object,   CutOutput::Mask,   CutOutput::Overlay,
+                                   CutOutput::Contours, CutOutput::Labels, CutOutput::Session};
 
 QString optionName(CutOutput output);
 /// The file format that the name asks for; standard output carries PNG.

@@ -1,6 +1,5 @@
 #include "CutReport.h"
 
-#include "CutOptions.h"
 #include "CutResult.h"
 #include "Kernel.h"
 #include "LabelData.h"
@@ -10,6 +9,8 @@
 #include <QCryptographicHash>
 #include <QJsonDocument>
 #include <QJsonObject>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -26,6 +27,29 @@ QJsonObject boxObject(const QRectF &box)
             {u"y"_s, box.y()},
             {u"width"_s, box.width()},
             {u"height"_s, box.height()}};
+}
+
+/// The last one, which regions and mask rest on.
+QJsonObject lassoObject(const QList<Gesture> &gestures)
+{
+    QPolygonF points;
+    for (const Gesture &gesture : gestures) {
+        if (const auto *const lasso = std::get_if<Gesture::Lasso>(&gesture.step))
+            points = lasso->points;
+    }
+    QJsonObject object = boxObject(points.boundingRect());
+    object.insert(u"vertices"_s, points.size());
+    return object;
+}
+
+/// Without the first lasso and a colour before it, so that a plain cut has none.
+qsizetype gesturesAfterTheLasso(const QList<Gesture> &gestures)
+{
+    const auto firstLasso =
+            std::find_if(gestures.begin(), gestures.end(), [](const Gesture &gesture) {
+                return std::holds_alternative<Gesture::Lasso>(gesture.step);
+            });
+    return gestures.end() - firstLasso - 1;
 }
 
 QJsonObject timesObject(const RySegmentationStatistics &statistics, const CutTimes &times)
@@ -82,19 +106,18 @@ QString CutReport::stages(const CutResult &result)
     return texts.join(u", "_s);
 }
 
-QByteArray CutReport::json(const CutResult &result, const CutOptions &options)
+QByteArray CutReport::json(const CutResult &result)
 {
     const RySegmentationStatistics &statistics = result.statistics;
-    QJsonObject lasso = boxObject(result.lasso.boundingRect());
-    lasso.insert(u"vertices"_s, result.lasso.size());
     const QJsonObject report{
             {u"library_version"_s, QCoreApplication::applicationVersion()},
             {u"kernel"_s, Kernel::used()},
             {u"cores"_s, RyPlatformIndependent::instance().coreCount()},
-            {u"mask_colour"_s, options.maskColour.name()},
+            {u"mask_colour"_s, result.maskColour.name()},
             {u"picture"_s, sizeObject(result.scale.pictureSize())},
             {u"cutting"_s, sizeObject(result.scale.cuttingSize())},
-            {u"lasso"_s, lasso},
+            {u"lasso"_s, lassoObject(result.session.gestures)},
+            {u"gestures"_s, gesturesAfterTheLasso(result.session.gestures)},
             {u"object_box"_s, boxObject(result.objectBox)},
             {u"superpixels_requested"_s, statistics.requestedSuperPixels},
             {u"superpixels"_s, statistics.superPixels},

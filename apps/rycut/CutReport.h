@@ -3,14 +3,13 @@
 #include <QByteArray>
 #include <QString>
 
-struct CutOptions;
 struct CutResult;
 
 /// The numbers of a cut.
 namespace CutReport {
 
 /// For machines; scripts rely on the names in it.
-QByteArray json(const CutResult &result, const CutOptions &options);
+QByteArray json(const CutResult &result);
 
 /// How long each stage took, in one line for people.
 QString stages(const CutResult &result);

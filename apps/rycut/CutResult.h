@@ -1,10 +1,10 @@
 #pragma once
 
 #include "CuttingScale.h"
+#include "gestures/GestureFile.h"
 #include "segmentation/RySegmentationStatistics.h"
 
 #include <QImage>
-#include <QPolygonF>
 #include <QRect>
 
 /// What the program's own steps took, in milliseconds.
@@ -19,12 +19,13 @@ struct CutTimes
 /// All that one cut has found, for the files and for the report.
 struct CutResult
 {
-    QImage picture;  ///< full size, Format_ARGB32
-    QPolygonF lasso; ///< in pixels of the full size
-    QImage mask;     ///< cutting size, Format_Grayscale8
-    QImage fullMask; ///< full size, likewise
-    QImage labels;   ///< cutting size
-    QImage contours; ///< cutting size
+    QImage picture;      ///< full size, Format_ARGB32
+    GestureFile session; ///< all that is done to the picture
+    QImage mask;         ///< cutting size, Format_Grayscale8
+    QImage fullMask;     ///< full size, likewise
+    QImage labels;       ///< cutting size
+    QImage contours;     ///< cutting size
+    QColor maskColour;   ///< of the session's own mask, in the end
     CuttingScale scale{QSize(), 0};
     QRect objectBox; ///< in pixels of the full size
     qsizetype foregroundRegions = 0;

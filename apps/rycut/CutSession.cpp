@@ -1,40 +1,30 @@
 #include "CutSession.h"
 
-#include <QPainterPath>
-
-CutSession::CutSession(const QColor &maskColour)
+CutSession::CutSession(const CuttingScale &scale)
+    : m_player(m_segmentation, scale.reducing())
 {
-    connect(&m_segmentation, &RyImageSegmentation::sendNewMask, this, &CutSession::receiveMask);
+    connect(&m_segmentation, &RyImageSegmentation::sendNewMask, this,
+            [this](const QImage &mask) { m_heardNullMask = mask.isNull(); });
     connect(&m_segmentation, &RyImageSegmentation::segmentationProgress, this,
             &CutSession::progress);
-    m_segmentation.setMaskColor(maskColour);
+    m_segmentation.setMaskColor(Qt::white);
 }
 
-QImage CutSession::cut(const QImage &picture, const QPolygonF &lasso)
+QImage CutSession::cut(const QImage &picture, const QList<Gesture> &gestures)
 {
-    QPainterPath path;
-    path.addPolygon(lasso);
-    path.closeSubpath();
     m_segmentation.setup(picture, {});
-    m_segmentation.startThreadWithInitialPath(path);
-    // The null masks of both calls are emitted in this thread, so they have arrived by now.
-    m_isWaiting = true;
-    m_eventLoop.exec();
-    return m_mask;
-}
-
-void CutSession::receiveMask(const QImage &mask)
-{
-    if (!m_isWaiting)
-        return;
-    m_isWaiting = false;
-    m_mask = mask;
-    m_eventLoop.quit();
+    bool hasLasso = false; // before that, there is no mask to send
+    for (const Gesture &gesture : gestures) {
+        hasLasso = hasLasso || std::holds_alternative<Gesture::Lasso>(gesture.step);
+        m_heardNullMask = false;
+        if (!m_player.play(gesture) || (hasLasso && m_heardNullMask))
+            return {};
+    }
+    return m_segmentation.maskForeground();
 }
 
 void CutSession::abort()
 {
-    m_isWaiting = false;
+    m_player.stop();
     m_segmentation.cancel();
-    m_eventLoop.quit();
 }

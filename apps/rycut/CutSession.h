@@ -1,13 +1,13 @@
 #pragma once
 
+#include "CuttingScale.h"
+#include "gestures/GesturePlayer.h"
 #include "segmentation/RyImageSegmentation.h"
 
-#include <QEventLoop>
 #include <QObject>
 
 /**
- * The host of one segmentation session: gives it a picture and a lasso, and waits in an event loop
- * for the mask.
+ * The host of one segmentation session: gives it a picture and gestures, and waits for its answers.
  *
  * Threads  main thread.
  */
@@ -16,11 +16,12 @@ class CutSession : public QObject
     Q_OBJECT
 
 public:
-    explicit CutSession(const QColor &maskColour);
+    explicit CutSession(const CuttingScale &scale);
 
-    /// The session's mask, in its own format. Null when the session had too little memory, or was
-    /// aborted.
-    QImage cut(const QImage &picture, const QPolygonF &lasso);
+    /// The session's mask after the last gesture, in its own format. Null when the session had too
+    /// little memory, or was aborted. The picture has the cutting size, gestures are in pixels of
+    /// the full size.
+    QImage cut(const QImage &picture, const QList<Gesture> &gestures);
     const RyImageSegmentation &segmentation() const { return m_segmentation; }
 
 public Q_SLOTS:
@@ -30,10 +31,7 @@ Q_SIGNALS:
     void progress(int currentStep, int totalSteps);
 
 private:
-    void receiveMask(const QImage &mask);
-
     RyImageSegmentation m_segmentation;
-    QEventLoop m_eventLoop;
-    QImage m_mask;
-    bool m_isWaiting = false; // for a mask that is a result
+    GesturePlayer m_player;
+    bool m_heardNullMask = false; // last, in answer to the gesture that is played
 };

@@ -1,7 +1,5 @@
 #include "CuttingScale.h"
 
-#include <QTransform>
-
 #include <algorithm>
 
 CuttingScale::CuttingScale(const QSize &pictureSize, int longestSide)
@@ -21,13 +19,10 @@ QImage CuttingScale::reducedPicture(const QImage &picture) const
             .convertToFormat(QImage::Format_ARGB32);
 }
 
-QPolygonF CuttingScale::reducedLasso(const QPolygonF &lasso) const
+QTransform CuttingScale::reducing() const
 {
-    if (m_cuttingSize == m_pictureSize)
-        return lasso;
     return QTransform::fromScale(double(m_cuttingSize.width()) / m_pictureSize.width(),
-                                 double(m_cuttingSize.height()) / m_pictureSize.height())
-            .map(lasso);
+                                 double(m_cuttingSize.height()) / m_pictureSize.height());
 }
 
 QImage CuttingScale::enlargedMask(const QImage &mask) const

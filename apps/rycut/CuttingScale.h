@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QImage>
-#include <QPolygonF>
+#include <QTransform>
 
 /// Between a picture and the size it is cut at. Equal sizes leave everything as it is. Images come
 /// back null when there is too little memory.
@@ -15,7 +15,8 @@ public:
     QSize cuttingSize() const { return m_cuttingSize; }
 
     QImage reducedPicture(const QImage &picture) const;
-    QPolygonF reducedLasso(const QPolygonF &lasso) const;
+    /// From pixels of the picture to those of the cutting size.
+    QTransform reducing() const;
     /// Smooth, so that edges which were steps at cutting size become soft at full size.
     QImage enlargedMask(const QImage &mask) const;
 

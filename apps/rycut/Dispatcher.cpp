@@ -3,6 +3,7 @@
 #include "CommandError.h"
 #include "Console.h"
 #include "CutCommand.h"
+#include "ReplayCommand.h"
 #include "RySettings.h"
 #include "SettingsCommand.h"
 
@@ -32,6 +33,7 @@ QStringList withoutSettingsFile(const QStringList &arguments)
 Dispatcher::Dispatcher()
 {
     m_commands.push_back(std::make_unique<CutCommand>());
+    m_commands.push_back(std::make_unique<ReplayCommand>());
     m_commands.push_back(std::make_unique<SettingsCommand>());
 }
 

@@ -41,22 +41,28 @@ QByteArray readStandardInput(const Interruption &interruption)
     }
 }
 
+std::unique_ptr<QIODevice> opened(const QByteArray &bytes)
+{
+    auto buffer = std::make_unique<QBuffer>();
+    buffer->setData(bytes);
+    buffer->open(QIODevice::ReadOnly);
+    return buffer;
+}
+
 } // namespace
 
 std::unique_ptr<QIODevice> InputData::open(const QString &fileName,
                                            const Interruption &interruption)
 {
-    if (fileName == "-"_L1) {
-        auto buffer = std::make_unique<QBuffer>();
-        buffer->setData(readStandardInput(interruption));
-        buffer->open(QIODevice::ReadOnly);
-        return buffer;
-    }
+    if (fileName == "-"_L1)
+        return opened(readStandardInput(interruption));
     if (QFileInfo(fileName).isDir())
         throwUnreadable(fileName, u"it is a folder"_s);
     auto file = std::make_unique<QFile>(fileName);
     if (!file->open(QIODevice::ReadOnly))
         throwUnreadable(fileName, file->errorString());
+    if (file->isSequential()) // a pipe, which cannot be read twice
+        return opened(file->readAll());
     return file;
 }
 

@@ -1,0 +1,110 @@
+#include "CutRun.h"
+
+#include "CommandError.h"
+#include "Console.h"
+#include "CutInputs.h"
+#include "CutReport.h"
+#include "CutSession.h"
+#include "InputData.h"
+#include "MaskImage.h"
+#include "ProgressBar.h"
+#include "Stopwatch.h"
+
+using namespace Qt::StringLiterals;
+
+CutRun::CutRun(const CutOptions &options)
+    : m_options(options)
+    , m_files(options)
+{}
+
+void CutRun::execute()
+{
+    readInputs();
+    computeCut();
+    if (m_result.foregroundPixels == 0)
+        reportEmptyResult();
+    enlarge();
+    writeOutputs();
+}
+
+void CutRun::readInputs()
+{
+    Stopwatch stopwatch;
+    CutInputs::read(m_result, m_options, m_interruption);
+    m_result.times.readingMs = stopwatch.lapMs();
+}
+
+void CutRun::computeCut()
+{
+    Stopwatch stopwatch;
+    const QImage picture = m_result.scale.reducedPicture(m_result.picture);
+    requireMemory(picture);
+    m_result.times.scalingMs = stopwatch.lapMs();
+    m_interruption.check();
+
+    CutSession session(m_result.scale);
+    ProgressBar progressBar(!m_options.quiet && Console::errorOutputIsTerminal());
+    QObject::connect(&session, &CutSession::progress, &progressBar, &ProgressBar::show);
+    QObject::connect(&m_interruption, &Interruption::arrived, &session, &CutSession::abort);
+    const QImage sessionMask = session.cut(picture, m_result.session.gestures);
+    m_interruption.check();
+    requireMemory(sessionMask);
+    m_result.times.sessionMs = stopwatch.lapMs();
+
+    m_result.mask = MaskImage::fromSession(sessionMask);
+    requireMemory(m_result.mask);
+    m_result.foregroundPixels = MaskImage::objectPixels(m_result.mask);
+    takeResults(session);
+}
+
+void CutRun::takeResults(const CutSession &session)
+{
+    const auto memento = session.segmentation().createMemento(true);
+    m_result.labels = memento->labels();
+    m_result.foregroundRegions = memento->foregroundClusters().size();
+    m_result.maskColour = memento->maskColor();
+    m_result.statistics = session.segmentation().statistics();
+    if (m_options.outputs.contains(CutOutput::Contours))
+        m_result.contours = session.segmentation().drawContour();
+}
+
+void CutRun::reportEmptyResult()
+{
+    m_files.writeReport(m_result);
+    m_files.commitReport();
+    throw CommandError(ExitStatus::EmptyResult, u"nothing was found to cut out of %1"_s.arg(
+                                                        InputData::displayName(m_options.picture)));
+}
+
+void CutRun::enlarge()
+{
+    Stopwatch stopwatch;
+    QImage &mask = m_result.fullMask;
+    mask = m_result.scale.enlargedMask(m_result.mask);
+    requireMemory(mask);
+    mask.setDotsPerMeterX(m_result.picture.dotsPerMeterX());
+    mask.setDotsPerMeterY(m_result.picture.dotsPerMeterY());
+    m_result.objectBox = MaskImage::objectBox(mask);
+    m_result.times.scalingMs += stopwatch.lapMs();
+}
+
+void CutRun::writeOutputs()
+{
+    m_files.write(m_result, m_interruption);
+    m_files.writeReport(m_result);
+    m_interruption.check();
+    const QStringList names = m_files.commitAll();
+    if (m_options.quiet)
+        return;
+    if (!names.isEmpty())
+        Console::say(u"wrote %1"_s.arg(names.join(u", "_s)));
+    Console::say(CutReport::stages(m_result));
+}
+
+void CutRun::requireMemory(const QImage &image) const
+{
+    if (image.isNull())
+        throw CommandError(ExitStatus::UnreadableInput,
+                           u"%1 cannot be cut: there is too little memory; a smaller --max-length "
+                           "helps"_s.arg(InputData::displayName(m_options.picture)));
+}

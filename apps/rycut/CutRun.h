@@ -1,0 +1,32 @@
+#pragma once
+
+#include "CutFiles.h"
+#include "CutOptions.h"
+#include "CutResult.h"
+#include "Interruption.h"
+
+class CutSession;
+
+/// One cut from its inputs to its files.
+class CutRun
+{
+public:
+    explicit CutRun(const CutOptions &options);
+
+    /// Failures are thrown as CommandError.
+    void execute();
+
+private:
+    void readInputs();
+    void computeCut();
+    void takeResults(const CutSession &session);
+    void reportEmptyResult();
+    void enlarge();
+    void writeOutputs();
+    void requireMemory(const QImage &image) const;
+
+    const CutOptions m_options;
+    const Interruption m_interruption;
+    CutFiles m_files;
+    CutResult m_result;
+};
