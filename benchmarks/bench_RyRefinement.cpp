@@ -29,6 +29,8 @@ public:
                 QImage(QStringLiteral(RY_SAMPLES_DIR "/coffee.png"))
                         .scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation),
                 QFileInfo());
+        for (int i = 0; i < gestures; ++i)
+            strokes.push_back(stroke(i));
         startCut();
         while (session.isBusy())
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
@@ -57,7 +59,20 @@ public:
             QThread::usleep(10);
     }
 
-    /// A stroke of 200 points, a fifth of the picture long, somewhere else each time.
+    QPoint place(int number) const
+    {
+        return {int(width * (0.05 + 0.9 * std::fmod(number * 0.618034, 1.0))),
+                int(height * (0.05 + 0.9 * std::fmod(number * 0.381966, 1.0)))};
+    }
+
+    const int width;
+    const int height;
+    std::vector<QPainterPath> strokes; // one for each gesture
+    int masks = 0;
+    RyImageSegmentation session;
+
+private:
+    /// Of 200 points, a fifth of the picture long, somewhere else each time.
     QPainterPath stroke(int number) const
     {
         constexpr int points = 200;
@@ -74,17 +89,6 @@ public:
         stroker.setJoinStyle(Qt::RoundJoin);
         return stroker.createStroke(line);
     }
-
-    QPoint place(int number) const
-    {
-        return {int(width * (0.05 + 0.9 * std::fmod(number * 0.618034, 1.0))),
-                int(height * (0.05 + 0.9 * std::fmod(number * 0.381966, 1.0)))};
-    }
-
-    const int width;
-    const int height;
-    int masks = 0;
-    RyImageSegmentation session;
 };
 
 using Gesture = std::function<void(RefinedSession &, int number)>;
@@ -156,7 +160,8 @@ static void scribble(benchmark::State &state)
     measure(
             state,
             [](RefinedSession &session, int number) {
-                session.session.startThreadWithScribble(session.stroke(number), number % 2, false);
+                session.session.startThreadWithScribble(session.strokes[std::size_t(number)],
+                                                        number % 2, false);
             },
             waitForMask);
 }
@@ -167,8 +172,8 @@ static void paintSelection(benchmark::State &state)
     measure(
             state,
             [](RefinedSession &session, int number) {
-                session.session.startThreadWithPaintSelection(session.stroke(number), number % 2,
-                                                              false);
+                session.session.startThreadWithPaintSelection(session.strokes[std::size_t(number)],
+                                                              number % 2, false);
             },
             waitForMask);
 }
@@ -180,11 +185,13 @@ static void recordedGesture(benchmark::State &state)
     measure(
             state,
             [](RefinedSession &session, int number) {
-                session.session.startThreadWithPaintSelection(session.stroke(number), true, true);
+                session.session.startThreadWithPaintSelection(session.strokes[std::size_t(number)],
+                                                              true, true);
             },
             [](RefinedSession &session, int number) {
                 session.waitForMask();
-                session.session.startThreadWithPaintSelection(session.stroke(number), true, false);
+                session.session.startThreadWithPaintSelection(session.strokes[std::size_t(number)],
+                                                              true, false);
                 session.waitForMask();
             });
 }
@@ -198,7 +205,7 @@ static void slotsDuringAFirstCut(benchmark::State &state)
     for (auto _ : state) {
         if (!session.session.isBusy())
             session.startCut();
-        const QPainterPath stroke = session.stroke(int(times.size()));
+        const QPainterPath &stroke = session.strokes[times.size()];
         QElapsedTimer timer;
         timer.start();
         session.session.startThreadWithScribble(stroke, true, true);
