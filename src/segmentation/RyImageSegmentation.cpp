@@ -25,7 +25,8 @@ void log(const char *tag)
 RyImageSegmentation::RyImageSegmentation()
     : d(std::make_shared<Private>(this, RyUndoController::instanceForFotoEditor()))
 {
-    qRegisterMetaType<QSet<int>>(); // so that hovering can be invoked through a queue
+    qRegisterMetaType<QSet<int>>(); // so that slots can be invoked by name, through a queue
+    qRegisterMetaType<QPainterPath>();
     setImage(QImage());
 }
 
@@ -91,8 +92,9 @@ void RyImageSegmentation::reset()
         forgotten.swap(d->pendingMemento);
         d->hoverClusters.clear();
         d->removeClicks();
-        std::erase_if(d->requests,
-                      [](const Private::Request &request) { return request.isStroke(); });
+        std::erase_if(d->requests, [](const Private::Request &request) {
+            return request.isStroke() || request.mode == InitialCut;
+        });
         d->pendingLasso.reset();
         ++d->epoch;
         ++d->revision;
@@ -186,12 +188,14 @@ void RyImageSegmentation::run()
 void RyImageSegmentation::performNextRequest()
 {
     Private::Request request;
+    quint64 epoch = 0;
     quint64 restores = 0;
     QColor color;
     {
         const QMutexLocker lock(&d->mutex);
         if (d->requests.empty())
             return; // reset() has taken them away
+        epoch = d->epoch;
         restores = d->restores;
         color = d->maskColor;
         request = d->requests.front();
@@ -206,7 +210,7 @@ void RyImageSegmentation::performNextRequest()
         sendMask(maskForeground());
         break;
     case InitialCut:
-        doInitialCut();
+        doInitialCut(epoch);
         break;
     case PaintSelection:
     case Scribble:
@@ -247,12 +251,12 @@ void RyImageSegmentation::sendMask(const QImage &mask)
     QMetaObject::invokeMethod(this, isDelivered, Qt::QueuedConnection);
 }
 
-/// A request that would do what the last one does already is left out; of hovers only the newest
-/// counts.
+/// A request that would do what the last one does already is left out; of hovers and of first cuts
+/// only the newest counts.
 void RyImageSegmentation::Private::append(Request request)
 {
     const SegmentationMode mode = request.mode;
-    if (mode == PaintSelectionHover)
+    if (mode == PaintSelectionHover || mode == InitialCut)
         std::erase_if(requests, [mode](const Request &other) { return other.mode == mode; });
     const bool isOnItsOwn = request.isStroke() || request.isClick();
     if (isOnItsOwn || requests.empty() || requests.back().mode != mode)

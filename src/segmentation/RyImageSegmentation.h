@@ -185,7 +185,7 @@ private:
     // Session thread.
     void performNextRequest();
     void sendMask(const QImage &mask);
-    void doInitialCut();
+    void doInitialCut(quint64 epoch);
     bool adoptLassoInsideTheLastOne(RySegmentationState &work, quint64 epoch);
     void cutObjectInitial(RySegmentationState &work, quint64 epoch);
     void paintSelecting();

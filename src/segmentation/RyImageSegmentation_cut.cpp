@@ -10,18 +10,17 @@
 #include <QMutexLocker>
 #include <QPainter>
 
-void RyImageSegmentation::doInitialCut()
+/// The cut that was asked for in an epoch.
+void RyImageSegmentation::doInitialCut(quint64 epoch)
 {
     RySegmentationState work;
-    quint64 epoch = 0;
     bool hasNewLasso = false;
     {
         const QMutexLocker lock(&d->mutex);
-        if (d->state.pointsOfSuperpixels.isEmpty())
-            return; // reset() came first
+        if (d->epoch != epoch || d->state.pointsOfSuperpixels.isEmpty())
+            return; // reset(), a newer lasso or a memento came first
         work = d->state;
         work.maskColor = d->maskColor;
-        epoch = d->epoch;
         hasNewLasso = d->pendingLasso.has_value();
         work.lassoPath = d->pendingLasso.value_or(work.lassoPath);
         d->pendingLasso.reset();
