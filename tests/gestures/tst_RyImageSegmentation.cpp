@@ -1,9 +1,9 @@
 #include "RyCpuFeatures.h"
-#include "RyPlatformIndependent.h"
 #include "segmentation/RyImageSegmentation.h"
 #include "support/Pixels.h"
 #include "support/Samples.h"
 #include "support/SessionDriver.h"
+#include "support/TestPictures.h"
 
 #include <QHashSeed>
 #include <QRandomGenerator>
@@ -44,29 +44,9 @@ private Q_SLOTS:
     void smoothsAndDrawsPictures();
     void endsInEveryState();
     void keepsItsSize();
-    void survivesRandomCalls();
 };
 
 namespace {
-
-/// Kernel and core count for the length of a scope.
-class Machine
-{
-public:
-    Machine(int lanes, int cores)
-    {
-        rySetCpuFeatureEnabled(RyCpuFeature::Avx2, lanes >= 8);
-        rySetCpuFeatureEnabled(RyCpuFeature::Ssse3, lanes >= 4);
-        RyPlatformIndependent::instance().setCoreCountOverride(cores);
-    }
-    ~Machine()
-    {
-        rySetCpuFeatureEnabled(RyCpuFeature::Avx2, true);
-        rySetCpuFeatureEnabled(RyCpuFeature::Ssse3, true);
-        RyPlatformIndependent::instance().setCoreCountOverride(0);
-    }
-    Q_DISABLE_COPY_MOVE(Machine)
-};
 
 QImage labelsOf(const SessionDriver &driver)
 {
@@ -131,7 +111,7 @@ void tst_RyImageSegmentation::photographs()
     const QImage photograph = Samples::photograph(picture);
     const QPainterPath lasso = Samples::lasso(picture.section(u'.', 0, 0));
     for (const int cores : {1, 2, 3, 8, 64}) {
-        const Machine machine(lanes, cores);
+        const TestPictures::Machine machine(cores, lanes);
         if (cores == 3)
             QHashSeed::setDeterministicGlobalSeed();
         SessionDriver driver(photograph);
@@ -537,76 +517,6 @@ void tst_RyImageSegmentation::keepsItsSize()
         QSKIP("This system does not tell the size of a process");
     QVERIFY2(late < early * 1.2,
              qPrintable(QStringLiteral("%1 pages, then %2").arg(early).arg(late)));
-}
-
-void tst_RyImageSegmentation::survivesRandomCalls()
-{
-    QRandomGenerator random(2026);
-    const QList<QImage> pictures{smallPhotograph(), smallPhotograph().scaled(120, 90), QImage(),
-                                 smallPhotograph().convertToFormat(QImage::Format_Grayscale8)};
-    SessionDriver driver(pictures.first());
-    const auto lasso = [&random] {
-        const int x = random.bounded(-20, 200);
-        const int y = random.bounded(-20, 120);
-        return Samples::ellipse(x, y, random.bounded(300), random.bounded(200));
-    };
-    for (int i = 0; i < 1500; ++i) {
-        RyImageSegmentation &session = driver.session;
-        switch (random.bounded(16)) {
-        case 0:
-            session.setup(pictures.at(random.bounded(int(pictures.size()))), {});
-            break;
-        case 1:
-            session.setImage(pictures.at(random.bounded(2)));
-            break;
-        case 2:
-            session.reset();
-            break;
-        case 3:
-            session.cancel();
-            break;
-        case 4:
-            session.setMaskColor(QColor::fromRgb(random.generate()));
-            break;
-        case 5:
-            session.invertMask();
-            break;
-        case 6:
-            session.setMaskIsInverted(random.bounded(2));
-            break;
-        case 7:
-            session.drawContour();
-            break;
-        case 8:
-            session.containsPath(lasso());
-            break;
-        case 9:
-            session.requestInterruption();
-            break;
-        case 10:
-            session.createMask(lasso());
-            break;
-        case 11:
-            session.setProgressFromWorker(3, 9);
-            break;
-        case 12:
-            QTest::qWait(random.bounded(12));
-            break;
-        default:
-            session.startThreadWithInitialPath(lasso());
-            break;
-        }
-        if (random.bounded(3) == 0)
-            QCoreApplication::processEvents();
-        const auto memento = session.createMemento(true);
-        QVERIFY(!memento->foregroundClusters().intersects(memento->backgroundClusters()));
-    }
-    driver.session.setup(pictures.first(), QFileInfo());
-    driver.session.setMaskColor(Qt::white);
-    driver.session.setMaskIsInverted(false);
-    SessionDriver fresh(pictures.first());
-    const QImage expected = fresh.cut(smallLasso);
-    QCOMPARE(driver.cut(smallLasso), expected); // and it still cuts as on the first day
 }
 
 QTEST_MAIN(tst_RyImageSegmentation)

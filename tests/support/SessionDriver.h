@@ -5,7 +5,10 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QList>
+#include <QSemaphore>
 #include <QThreadPool>
+
+#include <memory>
 
 /// A session and everything it has said, in the order in which a host hears it.
 class SessionDriver
@@ -57,11 +60,20 @@ public:
     {
         int idleTurns = 0;
         return waitFor([&] {
-            const bool idle =
-                    !session.isRunning() && QThreadPool::globalInstance()->activeThreadCount() == 0;
+            const bool idle = !session.isBusy() && !session.isRunning() &&
+                              QThreadPool::globalInstance()->activeThreadCount() == 0;
             idleTurns = idle ? idleTurns + 1 : 0;
             return idleTurns > 2;
         });
+    }
+
+    /// Waits until every call is answered and every answer was heard; lassos that were overtaken may
+    /// still compute.
+    bool answered()
+    {
+        const bool idle = waitFor([this] { return !session.isBusy(); });
+        QCoreApplication::sendPostedEvents();
+        return idle;
     }
 
     /// Draws a lasso and waits for its mask; null when none came.
@@ -75,4 +87,32 @@ public:
     QList<QImage> masks;
     QList<std::pair<int, int>> progress;
     RyImageSegmentation session; // last: it goes first, and may still speak while it does
+};
+
+/// Holds a session's thread for the length of a scope, so that what is asked of it piles up. The
+/// thread must have nothing to do at first.
+class HeldThread
+{
+public:
+    explicit HeldThread(SessionDriver &driver)
+    {
+        QObject::connect(
+                &driver.session, &RyImageSegmentation::sendNewMask, &driver.session,
+                [hold = m_hold] {
+                    hold->begun.release();
+                    hold->end.acquire();
+                },
+                Qt::ConnectionType(Qt::DirectConnection | Qt::SingleShotConnection));
+        driver.session.startThreadWithPaintSelectionHover({1}, true); // makes it speak
+        m_hold->begun.acquire();
+    }
+    ~HeldThread() { m_hold->end.release(); }
+    Q_DISABLE_COPY_MOVE(HeldThread)
+
+private:
+    struct Hold
+    {
+        QSemaphore begun, end;
+    };
+    const std::shared_ptr<Hold> m_hold = std::make_shared<Hold>();
 };
