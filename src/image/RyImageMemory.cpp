@@ -21,6 +21,24 @@ void *allocateLargePages(std::size_t bytes)
     return memory;
 }
 
+std::size_t bytesPerLine(const QSize &size, QImage::Format format)
+{
+    const qsizetype bits = size.width() * qsizetype(QImage::toPixelFormat(format).bitsPerPixel());
+    return std::size_t(bits + 31) / 32 * 4; // QImage wants whole words
+}
+
+/// Takes the memory over; null stays null.
+QImage pictureIn(void *memory, const QSize &size, QImage::Format format)
+{
+    if (!memory)
+        return {};
+    QImage image(static_cast<uchar *>(memory), size.width(), size.height(),
+                 qsizetype(bytesPerLine(size, format)), format, std::free, memory);
+    if (image.isNull())
+        std::free(memory); // a null image never calls its clean-up function
+    return image;
+}
+
 } // namespace
 
 void *RyImageMemory::allocate(std::size_t bytes)
@@ -32,13 +50,14 @@ QImage RyImageMemory::image(const QSize &size, QImage::Format format)
 {
     if (size.isEmpty())
         return {};
-    const auto bytesPerLine = qsizetype(size.width()) * qsizetype(sizeof(QRgb));
-    void *const memory = allocate(std::size_t(bytesPerLine) * std::size_t(size.height()));
-    if (!memory)
+    const std::size_t bytes = bytesPerLine(size, format) * std::size_t(size.height());
+    return pictureIn(allocate(bytes), size, format);
+}
+
+QImage RyImageMemory::zeroedImage(const QSize &size, QImage::Format format)
+{
+    if (size.isEmpty())
         return {};
-    QImage image(static_cast<uchar *>(memory), size.width(), size.height(), bytesPerLine, format,
-                 std::free, memory);
-    if (image.isNull())
-        std::free(memory); // a null image never calls its clean-up function
-    return image;
+    void *const memory = std::calloc(std::size_t(size.height()), bytesPerLine(size, format));
+    return pictureIn(memory, size, format);
 }

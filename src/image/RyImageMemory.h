@@ -5,17 +5,23 @@
 #include <cstddef>
 
 /**
- * Memory for pictures that are written as a whole at once. Touching ordinary memory for the first
- * time costs some times what copying a picture into it does; large pages save most of that.
+ * Memory for large pictures, of which touching it for the first time is the greater part of the
+ * cost.
  *
  * Threads  safe from every thread.
  */
 namespace RyImageMemory {
 
-/// Not initialised; std::free() takes it back. Null where memory is short.
+/// For what is written as a whole at once: in large pages, which are touched in a quarter of the
+/// time. Not initialised; std::free() takes it back. Null where memory is short.
 void *allocate(std::size_t bytes);
 
-/// A picture of 32-bit pixels, not initialised. Null for an empty size, or where memory is short.
+/// A picture in such memory, not initialised. Null for an empty size, or where memory is short. The
+/// format has to have whole bytes a pixel.
 QImage image(const QSize &size, QImage::Format format);
+
+/// A picture that is all zero, in pages which the system zeroes as they are first touched: a small
+/// lasso or stroke on a large picture pays for its own area only. Otherwise the same.
+QImage zeroedImage(const QSize &size, QImage::Format format);
 
 } // namespace RyImageMemory

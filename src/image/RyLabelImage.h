@@ -1,6 +1,6 @@
 #pragma once
 
-#include "image/RyZeroedImage.h"
+#include "image/RyImageMemory.h"
 
 #include <QImage>
 
@@ -16,7 +16,7 @@ namespace RyLabelImage {
 /// All labels 0; null when the size is empty or memory is short.
 inline QImage create(const QSize &size)
 {
-    return RyZeroedImage::create(size, QImage::Format_ARGB32);
+    return RyImageMemory::zeroedImage(size, QImage::Format_ARGB32);
 }
 
 inline const qint32 *row(const QImage &labels, int y)

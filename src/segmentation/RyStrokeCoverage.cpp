@@ -1,7 +1,7 @@
 #include "segmentation/RyStrokeCoverage.h"
 
 #include "image/RyGeometry.h"
-#include "image/RyZeroedImage.h"
+#include "image/RyImageMemory.h"
 #include "segmentation/RyLasso.h"
 #include "segmentation/RyStroke.h"
 
@@ -61,7 +61,7 @@ void RyStrokeCoverage::setSize(const QSize &size)
     if (m_covered.size() == size)
         return;
     m_covered = QImage();
-    m_covered = RyZeroedImage::create(size, QImage::Format_Grayscale8);
+    m_covered = RyImageMemory::zeroedImage(size, QImage::Format_Grayscale8);
     if (m_covered.isNull() && !size.isEmpty())
         throw std::bad_alloc();
 }

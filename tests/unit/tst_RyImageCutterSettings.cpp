@@ -70,7 +70,7 @@ void tst_RyImageCutterSettings::bringsBackWhatWasSet_data()
 {
     QTest::addColumn<QString>("folder");
     QTest::addColumn<QColor>("color");
-    QTest::newRow("plain") << u"/tmp/debug"_s << QColor(1, 2, 3);
+    QTest::newRow("plain") << u"some folder/debug"_s << QColor(1, 2, 3);
     QTest::newRow("odd") << u" a, \"b\";\\x41\n=ä %41 "_s << QColor::fromRgba64(1, 2, 3, 4);
     QTest::newRow("like a type") << u"@Variant("_s << QColor::fromHsv(10, 20, 30, 40);
 }
