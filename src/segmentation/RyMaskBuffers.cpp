@@ -1,5 +1,7 @@
 #include "segmentation/RyMaskBuffers.h"
 
+#include "RyIntRange.h"
+#include "image/RyConcurrent.h"
 #include "image/RyImageMemory.h"
 
 #include <QMutexLocker>
@@ -21,6 +23,17 @@ void copyRect(QRgb *to, const QRgb *from, int width, const QRect &rect)
         const qsizetype first = qsizetype(y) * width + rect.left();
         std::memcpy(to + first, from + first, std::size_t(rect.width()) * sizeof(QRgb));
     }
+}
+
+/// On all cores: in new memory, half of the time goes by with the system clearing it.
+void copyWhole(QRgb *to, const QImage &mask)
+{
+    const auto *const from = reinterpret_cast<const QRgb *>(mask.constBits());
+    const int width = mask.width();
+    QList<RyIntRange> bands = RyIntRange::rowsOfImage(mask).splitEvenlyForCpuCores();
+    RyConcurrent::blockingMap(bands, [=](const RyIntRange &rows) {
+        copyRect(to, from, width, QRect(0, rows.first, width, rows.countElements()));
+    });
 }
 
 } // namespace
@@ -99,7 +112,7 @@ RyMaskBuffers::Draft RyMaskBuffers::copyOf(const QImage &mask)
     if (difference)
         difference->forEachRun([=](const QRect &rect) { copyRect(to, from, width, rect); });
     else
-        copyRect(to, from, width, mask.rect());
+        copyWhole(to, mask);
     return {shared_from_this(), std::move(buffer), content};
 }
 
