@@ -1,0 +1,252 @@
+#include "scissors/RyIntelligentScissorsWeightCalculator.h"
+
+#include "image/RyConcurrent.h"
+#include "scissors/BlockPool.h"
+#include "scissors/RyScissorsWeightBlocks.h"
+#include "scissors/RyScissorsWeightSource.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <limits>
+#include <new>
+
+namespace {
+
+using Blocks = RyScissorsWeightBlocks;
+using Source = RyScissorsWeightSource;
+using Calculator = RyIntelligentScissorsWeightCalculator;
+
+constexpr quint32 rowsPerBand = 64; // between two looks at whether somebody wants to stop
+
+uchar logistic(int value)
+{
+    return uchar(255.0 / (std::exp((128 - value) * 0.05) + 1.0));
+}
+
+Source::Format format(const uchar *data, Calculator::DataFormat dataFormat)
+{
+    if (data && dataFormat == Calculator::DataFormat::Grey8)
+        return Source::Format::Grey8;
+    if (data && dataFormat == Calculator::DataFormat::Rgb32)
+        return Source::Format::Rgb32;
+    return Source::Format::None;
+}
+
+int asProgress(quint64 units)
+{
+    return int(std::min<quint64>(units, std::numeric_limits<int>::max()));
+}
+
+/// How far a coordinate lies outside [block, block + 1), where the whole part decides about inside.
+double outside(double coordinate, quint32 block)
+{
+    const auto whole = quint32(coordinate);
+    if (block == whole)
+        return 0.0;
+    return block < whole ? coordinate - block - 1 : block - coordinate;
+}
+
+} // namespace
+
+quint32 calculateScoreCB(quint32 blockColumn, quint32 blockRow, quint32 extra, void *point)
+{
+    Q_UNUSED(extra)
+    const auto &[x, y] = *static_cast<const std::pair<double, double> *>(point);
+    const double dx = outside(x, blockColumn);
+    const double dy = outside(y, blockRow);
+    return quint32(std::sqrt(dx * dx + dy * dy) * Blocks::side); // exact where one of them is 0
+}
+
+RyIntelligentScissorsWeightCalculator::RyIntelligentScissorsWeightCalculator(
+        quint32 width, quint32 height, const Settings &settings)
+    : RyIntelligentScissorsWorker(QStringLiteral("Weight Calculator"))
+    , m_source(std::make_unique<Source>())
+    , m_blocks([&] {
+        m_source->width = width;
+        m_source->height = height;
+        m_source->scale = std::max(1U, quint32(settings.pixelReductionMethod) & 15U);
+        return std::make_unique<Blocks>(m_source->gridWidth(), m_source->gridHeight());
+    }())
+{
+    applySettings(settings);
+    setTotalProgress(asProgress(m_blocks->count()));
+}
+
+RyIntelligentScissorsWeightCalculator::~RyIntelligentScissorsWeightCalculator()
+{
+    RyIntelligentScissorsWeightCalculator::stop();
+}
+
+quint32 RyIntelligentScissorsWeightCalculator::scale() const
+{
+    return m_source->scale;
+}
+
+quint32 RyIntelligentScissorsWeightCalculator::width() const
+{
+    return m_source->width;
+}
+
+quint32 RyIntelligentScissorsWeightCalculator::height() const
+{
+    return m_source->height;
+}
+
+quint32 RyIntelligentScissorsWeightCalculator::widthReduced() const
+{
+    return m_source->gridWidth();
+}
+
+quint32 RyIntelligentScissorsWeightCalculator::heightReduced() const
+{
+    return m_source->gridHeight();
+}
+
+void RyIntelligentScissorsWeightCalculator::setImage(const uchar *data, DataFormat dataFormat,
+                                                     quint32 bytesPerLine)
+{
+    setImage(data, dataFormat, bytesPerLine, width(), height());
+}
+
+void RyIntelligentScissorsWeightCalculator::setImage(const uchar *data, DataFormat dataFormat,
+                                                     quint32 bytesPerLine, quint32 coveredWidth,
+                                                     quint32 coveredHeight)
+{
+    stop();
+    if (!data)
+        return;
+    m_source->data = data;
+    m_source->format = format(data, dataFormat);
+    m_source->bytesPerLine = bytesPerLine;
+    m_source->coveredWidth = std::min(coveredWidth, width());
+    m_source->coveredHeight = std::min(coveredHeight, height());
+    m_blocks->open(m_source->blankWeight());
+    startThread();
+}
+
+void RyIntelligentScissorsWeightCalculator::changeSettings(const Settings &settings)
+{
+    const uchar *const data = m_source->data; // before stop() forgets it
+    stop();
+    applySettings(settings);
+    if (!data)
+        return;
+    m_source->data = data;
+    m_blocks->open(m_source->blankWeight());
+    startThread();
+}
+
+void RyIntelligentScissorsWeightCalculator::applySettings(const Settings &settings)
+{
+    m_source->detectsEdges = settings.edgeDetectionMethod == EdgeDetectionMethod::Sobel;
+    for (int value = 0; value < 256; ++value) {
+        const uchar processed = settings.postProcessingMethod == PostProcessingtMethod::Logistic
+                                        ? logistic(value)
+                                        : uchar(value);
+        m_source->finish[std::size_t(value)] = settings.invert ? uchar(255 - processed) : processed;
+    }
+}
+
+void RyIntelligentScissorsWeightCalculator::calculateRegion(quint32 x, quint32 y, quint32 radius)
+{
+    m_blocks->request(x, y, radius);
+}
+
+bool RyIntelligentScissorsWeightCalculator::get(quint32 x, quint32 y, quint8 &weight)
+{
+    if (x >= widthReduced() || y >= heightReduced())
+        return false;
+    Blocks::Reader reader(*m_blocks);
+    const quint32 index = (y >> Blocks::sideBits) * m_blocks->columns() + (x >> Blocks::sideBits);
+    const Blocks::Content *const block = reader.block(index, nullptr);
+    if (!block)
+        return false;
+    const quint32 column = x & (Blocks::side - 1);
+    const quint32 row = y & (Blocks::side - 1);
+    const bool hasContent = column < block->width && row < block->height;
+    weight = hasContent ? block->weights[std::size_t(row) * block->width + column]
+                        : reader.blankWeight();
+    return true;
+}
+
+void RyIntelligentScissorsWeightCalculator::blocksCalculated(QList<QPoint> &calculated,
+                                                             QList<QPoint> &pending,
+                                                             QList<QPoint> &notRequested) const
+{
+    const quint32 side = Blocks::side * scale();
+    for (quint32 index = 0; index < m_blocks->count(); ++index) {
+        const QPoint corner(int(index % m_blocks->columns() * side),
+                            int(index / m_blocks->columns() * side));
+        const Blocks::State state = m_blocks->state(index);
+        if (state == Blocks::State::Calculated)
+            calculated.append(corner);
+        else if (state == Blocks::State::NotRequested)
+            notRequested.append(corner);
+        else
+            pending.append(corner);
+    }
+}
+
+/// States first, so that nobody finds a block whose memory goes; readers leave before it goes.
+void RyIntelligentScissorsWeightCalculator::stop()
+{
+    m_blocks->close();
+    stop(true);
+    m_source->data = nullptr;
+    m_blocks->free();
+}
+
+bool RyIntelligentScissorsWeightCalculator::prepareRun()
+{
+    m_blocks->begin();
+    return true;
+}
+
+void RyIntelligentScissorsWeightCalculator::wakeUp()
+{
+    m_blocks->interrupt();
+}
+
+void RyIntelligentScissorsWeightCalculator::runningThread()
+{
+    while (const auto index = m_blocks->takeNext()) {
+        calculateBlock(*index);
+        incrementProgress();
+    }
+}
+
+void RyIntelligentScissorsWeightCalculator::calculateBlock(quint32 index)
+{
+    const quint32 left = index % m_blocks->columns() * Blocks::side;
+    const quint32 top = index / m_blocks->columns() * Blocks::side;
+    const quint32 right = std::min(left + Blocks::side, m_source->blankFromColumn());
+    const quint32 bottom = std::min(top + Blocks::side, m_source->blankFromRow());
+    if (right <= left || bottom <= top || m_source->format == Source::Format::None)
+        return m_blocks->publish(index, {});
+    const Blocks::Content content{
+            static_cast<uchar *>(BlockPool::get(quint64(right - left) * (bottom - top))),
+            right - left, bottom - top};
+    if (content.weights && calculateRows(left, top, right, bottom, content.weights))
+        return m_blocks->publish(index, content);
+    BlockPool::returnBlock(content.weights);
+    m_blocks->giveUp(index);
+}
+
+/// False when it was told to stop, or memory was short: the weights are then not complete.
+bool RyIntelligentScissorsWeightCalculator::calculateRows(quint32 left, quint32 top, quint32 right,
+                                                          quint32 bottom, uchar *out)
+{
+    const auto calculateBand = [&](qsizetype band) {
+        const quint32 first = top + quint32(band) * rowsPerBand;
+        if (isExecuting())
+            m_source->calculate(left, first, right, std::min(first + rowsPerBand, bottom),
+                                out + std::size_t(first - top) * (right - left));
+    };
+    try {
+        RyConcurrent::forEachIndex((bottom - top + rowsPerBand - 1) / rowsPerBand, calculateBand);
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
+    return isExecuting();
+}

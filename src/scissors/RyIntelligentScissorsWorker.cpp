@@ -1,0 +1,71 @@
+#include "scissors/RyIntelligentScissorsWorker.h"
+
+#include <QMutexLocker>
+
+RyIntelligentScissorsWorker::RyIntelligentScissorsWorker(const QString &name)
+    : m_name(name)
+{
+    setObjectName(name); // which names the thread for the system as well
+}
+
+RyIntelligentScissorsWorker::~RyIntelligentScissorsWorker() = default;
+
+void RyIntelligentScissorsWorker::setProgress(int progress)
+{
+    const qint64 difference = qint64(progress) - m_progress.load(std::memory_order_relaxed);
+    if (difference == 0)
+        return;
+    m_progress.store(progress, std::memory_order_relaxed);
+    const qint64 counter = m_progressCounter + difference;
+    const int step = m_progressStep.load(std::memory_order_relaxed);
+    const bool completesStep = step > 0 && counter >= step;
+    m_progressCounter = int(completesStep ? counter % step : counter);
+    if (completesStep)
+        Q_EMIT progressChanged(progress);
+}
+
+void RyIntelligentScissorsWorker::setTotalProgress(int total)
+{
+    m_totalProgress.store(total, std::memory_order_relaxed);
+    m_progressStep.store(total / 100, std::memory_order_relaxed);
+}
+
+void RyIntelligentScissorsWorker::startThread()
+{
+    stop(true);
+    if (!prepareRun())
+        return;
+    setExecuting(true);
+    m_progress.store(0, std::memory_order_relaxed);
+    start(QThread::InheritPriority);
+    if (!isRunning() && !isFinished())
+        setExecuting(false); // the system gave no thread: nobody may wait for its work
+}
+
+void RyIntelligentScissorsWorker::stop(bool wait)
+{
+    if (isExecuting()) {
+        setExecuting(false);
+        wakeUp();
+    }
+    if (wait)
+        QThread::wait();
+}
+
+void RyIntelligentScissorsWorker::stop()
+{
+    stop(false);
+}
+
+void RyIntelligentScissorsWorker::run()
+{
+    runningThread();
+    if (isExecuting())
+        setExecuting(false);
+}
+
+void RyIntelligentScissorsWorker::setExecuting(bool isExecuting)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_isExecuting.store(isExecuting, std::memory_order_release);
+}

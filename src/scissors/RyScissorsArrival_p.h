@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <array>
+
+/// How a point was reached, in one byte: 0 not yet, else the number of the neighbour it is reached
+/// from, and one bit more once that is final.
+namespace RyScissorsArrival {
+
+constexpr uchar firstDiagonal = 5; // 1 … 4 are straight
+constexpr uchar lastDirection = 8;
+constexpr uchar isSeed = 9;
+constexpr uchar directionMask = 0x0F;
+constexpr uchar isFinal = 0x80;
+
+struct Offset
+{
+    int x;
+    int y;
+};
+
+/// From a point to the neighbour that it is reached from.
+constexpr std::array<Offset, lastDirection + 1> towardsPredecessor{
+        {{0, 0}, {0, 1}, {1, 0}, {-1, 0}, {0, -1}, {1, 1}, {-1, 1}, {1, -1}, {-1, -1}}};
+
+} // namespace RyScissorsArrival

@@ -1,0 +1,195 @@
+#include "scissors/RyScissorsWeightBlocks.h"
+
+#include "scissors/BlockPool.h"
+#include "scissors/RyIntelligentScissorsWeightCalculator.h"
+#include "scissors/RyIntelligentScissorsWorker.h"
+
+#include <QMutexLocker>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+using State = RyScissorsWeightBlocks::State;
+
+quint32 blocksFor(quint32 points)
+{
+    return quint32((quint64(points) + RyScissorsWeightBlocks::side - 1) >>
+                   RyScissorsWeightBlocks::sideBits);
+}
+
+/// Blocks within radius of a coordinate, [first, end).
+std::pair<quint32, quint32> blocksWithin(quint32 centre, quint32 radius, quint32 points,
+                                         quint32 blocks)
+{
+    const quint32 first =
+            centre <= radius ? 0 : (centre - radius) >> RyScissorsWeightBlocks::sideBits;
+    const quint64 last = quint64(centre) + radius;
+    const quint32 end =
+            last >= points ? blocks : quint32(last >> RyScissorsWeightBlocks::sideBits) + 1;
+    return {first, end};
+}
+
+} // namespace
+
+// The counting and the flag are sequentially consistent: either a reader sees that the blocks were
+// closed, or the closing thread sees the reader.
+RyScissorsWeightBlocks::Reader::Reader(RyScissorsWeightBlocks &blocks)
+    : m_blocks(blocks)
+{
+    ++m_blocks.m_readers;
+    m_isOpen = m_blocks.m_isOpen;
+}
+
+RyScissorsWeightBlocks::Reader::~Reader()
+{
+    m_blocks.leave();
+}
+
+void RyScissorsWeightBlocks::leave()
+{
+    if (--m_readers > 0 || m_isOpen)
+        return;
+    const QMutexLocker lock(&m_mutex);
+    m_noReaders.wakeAll();
+}
+
+bool RyScissorsWeightBlocks::Reader::isOpen()
+{
+    return m_isOpen = m_isOpen && m_blocks.m_isOpen.load(std::memory_order_acquire);
+}
+
+const RyScissorsWeightBlocks::Content *
+RyScissorsWeightBlocks::Reader::block(quint32 index, const RyIntelligentScissorsWorker *waiting)
+{
+    const auto isPending = [&] {
+        const State state = m_blocks.state(index);
+        return state == State::Queued || state == State::InWork;
+    };
+    if (!isOpen())
+        return nullptr;
+    if (isPending()) {
+        const QMutexLocker lock(&m_blocks.m_mutex);
+        while (isOpen() && isPending() && m_blocks.m_isServed &&
+               (!waiting || waiting->isExecuting()))
+            m_blocks.m_calculated.wait(&m_blocks.m_mutex);
+    }
+    const bool isCalculated = m_blocks.state(index) == State::Calculated;
+    return isOpen() && isCalculated ? &m_blocks.m_contents[index] : nullptr;
+}
+
+RyScissorsWeightBlocks::RyScissorsWeightBlocks(quint32 gridWidth, quint32 gridHeight)
+    : m_gridWidth(gridWidth)
+    , m_gridHeight(gridHeight)
+    , m_columns(blocksFor(gridWidth))
+    , m_rows(blocksFor(gridHeight))
+    , m_states(std::make_unique<std::atomic<State>[]>(std::size_t(m_columns) * m_rows))
+    , m_contents(std::make_unique<Content[]>(std::size_t(m_columns) * m_rows))
+    , m_queue(m_columns, m_rows)
+{}
+
+RyScissorsWeightBlocks::~RyScissorsWeightBlocks()
+{
+    close();
+    free();
+}
+
+void RyScissorsWeightBlocks::open(uchar blankWeight)
+{
+    m_blankWeight = blankWeight;
+    m_isOpen = true;
+}
+
+void RyScissorsWeightBlocks::close()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_isOpen = false;
+    m_queue.clear();
+    for (quint32 index = 0; index < count(); ++index)
+        m_states[index].store(State::NotRequested, std::memory_order_release);
+    m_calculated.wakeAll();
+}
+
+void RyScissorsWeightBlocks::free()
+{
+    const QMutexLocker lock(&m_mutex);
+    while (m_readers > 0)
+        m_noReaders.wait(&m_mutex);
+    for (quint32 index = 0; index < count(); ++index)
+        BlockPool::returnBlock(std::exchange(m_contents[index], {}).weights);
+}
+
+void RyScissorsWeightBlocks::begin()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_isServed = true;
+}
+
+void RyScissorsWeightBlocks::interrupt()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_isServed = false;
+    m_requested.wakeAll();
+    m_calculated.wakeAll();
+}
+
+void RyScissorsWeightBlocks::wakeReaders()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_calculated.wakeAll();
+}
+
+void RyScissorsWeightBlocks::request(quint32 x, quint32 y, quint32 radius)
+{
+    const QMutexLocker lock(&m_mutex);
+    if (!m_isServed || !m_isOpen)
+        return;
+    std::pair<double, double> point(double(x) / side, double(y) / side);
+    m_queue.updateAllScores(calculateScoreCB, &point);
+    const auto [left, right] = blocksWithin(x, radius, m_gridWidth, m_columns);
+    const auto [top, bottom] = blocksWithin(y, radius, m_gridHeight, m_rows);
+    for (quint32 row = top; row < bottom; ++row) {
+        for (quint32 column = left; column < right; ++column) {
+            const quint32 index = row * m_columns + column;
+            if (state(index) != State::NotRequested)
+                continue;
+            m_queue.enqueue(column, row, index, calculateScoreCB(column, row, index, &point));
+            m_states[index].store(State::Queued, std::memory_order_release);
+        }
+    }
+    m_requested.wakeAll();
+}
+
+std::optional<quint32> RyScissorsWeightBlocks::takeNext()
+{
+    const QMutexLocker lock(&m_mutex);
+    quint32 column = 0, row = 0, index = 0, score = 0;
+    while (m_isServed) {
+        if (m_queue.dequeue(column, row, index, score)) {
+            m_states[index].store(State::InWork, std::memory_order_release);
+            return index;
+        }
+        m_requested.wait(&m_mutex);
+    }
+    return std::nullopt;
+}
+
+void RyScissorsWeightBlocks::publish(quint32 index, const Content &content)
+{
+    const QMutexLocker lock(&m_mutex);
+    if (state(index) != State::InWork) { // closed while it was calculated
+        BlockPool::returnBlock(content.weights);
+        return;
+    }
+    m_contents[index] = content;
+    m_states[index].store(State::Calculated, std::memory_order_release);
+    m_calculated.wakeAll();
+}
+
+void RyScissorsWeightBlocks::giveUp(quint32 index)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_states[index].store(State::NotRequested, std::memory_order_release);
+    m_calculated.wakeAll();
+}

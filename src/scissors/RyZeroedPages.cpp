@@ -1,0 +1,51 @@
+#include "scissors/RyZeroedPages.h"
+
+#include <atomic>
+#include <cstdlib>
+
+#ifdef __linux__
+
+#include <sys/mman.h>
+
+RyZeroedPages::RyZeroedPages(std::size_t bytes)
+    : m_bytes(bytes)
+{
+    void *const memory = mmap(nullptr, m_bytes, PROT_READ | PROT_WRITE,
+                              MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    m_data = memory == MAP_FAILED ? nullptr : static_cast<uchar *>(memory);
+    if (m_data)
+        madvise(m_data, m_bytes, MADV_HUGEPAGE); // advice only: it may fail without harm
+}
+
+RyZeroedPages::~RyZeroedPages()
+{
+    if (m_data)
+        munmap(m_data, m_bytes);
+}
+
+/// The system takes the pages away, and gives zeroed ones when they are touched again.
+void RyZeroedPages::clear()
+{
+    if (m_data)
+        madvise(m_data, m_bytes, MADV_DONTNEED);
+}
+
+#else
+
+RyZeroedPages::RyZeroedPages(std::size_t bytes)
+    : m_bytes(bytes)
+    , m_data(static_cast<uchar *>(std::calloc(bytes, 1)))
+{}
+
+RyZeroedPages::~RyZeroedPages()
+{
+    std::free(m_data);
+}
+
+void RyZeroedPages::clear()
+{
+    for (std::size_t i = 0; m_data && i < m_bytes; ++i)
+        std::atomic_ref(m_data[i]).store(0, std::memory_order_relaxed);
+}
+
+#endif
