@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <new>
 
 namespace {
 
@@ -55,9 +56,17 @@ RyIntelligentScissors::~RyIntelligentScissors()
 void RyIntelligentScissors::setup(const QImage &picture)
 {
     clear();
-    m_grey = greyOf(picture);
-    if (m_grey.isNull())
-        return;
+    try {
+        m_grey = greyOf(picture);
+        if (!m_grey.isNull())
+            createCalculators();
+    } catch (const std::bad_alloc &) {
+        m_grey = QImage();
+    }
+}
+
+void RyIntelligentScissors::createCalculators()
+{
     auto weights = std::make_unique<Weights>(extended(m_grey.width(), m_windowSize),
                                              extended(m_grey.height(), m_windowSize), m_settings);
     weights->setImage(m_grey.constBits(), Weights::DataFormat::Grey8,

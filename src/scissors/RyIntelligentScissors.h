@@ -80,6 +80,7 @@ Q_SIGNALS:
 
 private:
     static QImage greyOf(const QImage &picture);
+    void createCalculators();
     QPoint roundedIntoPicture(const QPointF &point) const;
 
     const RyIntelligentScissorsWeightCalculator::Settings m_settings;

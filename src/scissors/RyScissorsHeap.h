@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 
+#include <array>
 #include <utility>
 #include <vector>
 
@@ -11,15 +12,14 @@
  *
  * Input    points with 32-bit costs. insert() names a slot, by which the point is found again.
  * Output   of several equal costs the one that a plain binary heap would give.
- * Source   binary heap; the sinking entry first follows the cheaper children down to a leaf and then
- *          rises (Wegener's bottom-up heapsort, Theor. Comput. Sci. 118, 1993), which ends at the
- *          same place and compares half as often.
+ * Source   binary heap, as Dijkstra's method wants it (Numer. Math. 1, 1959).
  * Errors   std::bad_alloc.
  * Threads  its owner's.
  *
- * Entries are 8 bytes. Where a point lies in the heap is kept by slot, not by point: the some
- * thousand slots of a front stay in the cache, points lie all over the grid. The entries beyond the
- * end of the heap keep the free slots.
+ * Entries are 8 bytes, and move into a hole instead of being exchanged, which ends in the same
+ * layout. Where a point lies in the heap is kept by slot, not by point: the some thousand slots of
+ * a front stay in the cache, points lie all over the grid. The entries beyond the end of the heap
+ * keep the free slots.
  */
 class RyScissorsHeap
 {
@@ -32,9 +32,12 @@ public:
 
     bool isEmpty() const { return m_count == 0; }
 
+    /// What takeCheapest() would give now, if the heap is not empty; else any point of before.
+    Point cheapest() const { return m_points[m_heap[0].slot]; }
+
     quint32 insert(Point point, quint32 cost)
     {
-        if (m_count == m_heap.size())
+        if (m_count == m_points.size())
             grow();
         const quint32 slot = m_heap[m_count].slot;
         m_points[slot] = point;
@@ -56,11 +59,12 @@ public:
     std::pair<Point, quint32> takeCheapest()
     {
         const Entry root = m_heap[0];
+        const Point point = m_points[root.slot];
         const Entry last = m_heap[--m_count];
         m_heap[m_count].slot = root.slot; // free from now on
         if (m_count > 0)
             sink(last);
-        return {m_points[root.slot], root.cost};
+        return {point, root.cost};
     }
 
     void clear() { m_count = 0; }
@@ -71,14 +75,22 @@ private:
         quint32 cost;
         quint32 slot;
     };
+    /// A line of the cache. The root lies second in the first one: then the eight entries three
+    /// levels below any entry share a line.
+    struct alignas(64) Line
+    {
+        std::array<Entry, 8> entries;
+    };
 
     void grow()
     {
-        const std::size_t capacity = m_heap.size() < 4096 ? 4096 : 2 * m_heap.size();
+        const std::size_t capacity = m_points.empty() ? 4095 : 2 * m_points.size() + 1;
         m_positions.resize(capacity);
+        m_lines.resize((capacity + 1) / 8);
+        m_heap = m_lines.front().entries.data() + 1;
+        for (std::size_t slot = m_points.size(); slot < capacity; ++slot)
+            m_heap[slot].slot = quint32(slot);
         m_points.resize(capacity);
-        for (std::size_t slot = m_heap.size(); slot < capacity; ++slot)
-            m_heap.push_back({0, quint32(slot)});
     }
 
     void put(quint32 index, Entry entry)
@@ -100,27 +112,58 @@ private:
         put(index, entry);
     }
 
-    /// From the root, whose place is free. An entry never sinks below an equal one.
+    /// From the root, whose place is free, past the cheaper of two children, the left when they are
+    /// equal. An entry never sinks below an equal one.
+    ///
+    /// Two levels at a time: which child is cheaper cannot be foretold, so the processor has to wait
+    /// for it before it knows where to look next, and it waits half as often when it has looked at
+    /// all four grandchildren by then.
     void sink(Entry entry)
     {
         quint32 hole = 0;
-        quint32 child = 1;
-        for (; child + 1 < m_count; child = 2 * hole + 1) {
-            child += m_heap[child + 1].cost < m_heap[child].cost ? 1 : 0; // left when equal
+        while (4 * hole + 6 < m_count) {
+            const Entry *const children = m_heap + 2 * hole + 1;
+            const Entry *const grandchildren = m_heap + 4 * hole + 3;
+            const quint32 underLeft = isSecondCheaper(grandchildren);
+            const quint32 underRight = 2 + isSecondCheaper(grandchildren + 2);
+            const quint32 isRight = isSecondCheaper(children);
+            const quint32 child = 2 * hole + 1 + isRight;
+            // Chosen without a branch, whatever the compiler makes of a conditional expression.
+            const quint32 under = underLeft ^ ((underLeft ^ underRight) & (0U - isRight));
+            const quint32 grandchild = 4 * hole + 3 + under;
+            if (m_heap[child].cost >= entry.cost)
+                return put(hole, entry);
+            put(hole, m_heap[child]);
+            if (m_heap[grandchild].cost >= entry.cost)
+                return put(child, entry);
+            put(child, m_heap[grandchild]);
+            hole = grandchild;
+        }
+        sinkNearLeaves(hole, entry);
+    }
+
+    void sinkNearLeaves(quint32 hole, Entry entry)
+    {
+        for (quint32 child = 2 * hole + 1; child < m_count; child = 2 * hole + 1) {
+            if (child + 1 < m_count)
+                child += isSecondCheaper(m_heap + child);
+            if (m_heap[child].cost >= entry.cost)
+                break;
             put(hole, m_heap[child]);
             hole = child;
         }
-        if (child < m_count) {
-            put(hole, m_heap[child]);
-            hole = child;
-        }
-        for (; hole > 0 && m_heap[(hole - 1) / 2].cost >= entry.cost; hole = (hole - 1) / 2)
-            put(hole, m_heap[(hole - 1) / 2]);
         put(hole, entry);
     }
 
-    std::vector<Entry> m_heap; // a permutation of all slots; the first m_count are in the heap
-    std::vector<quint32> m_positions;
-    std::vector<Point> m_points;
+    static quint32 isSecondCheaper(const Entry *pair)
+    {
+        return pair[1].cost < pair[0].cost ? 1 : 0;
+    }
+
+    std::vector<Line> m_lines;
+    Entry *m_heap =
+            nullptr; // in m_lines: a permutation of all slots, the first m_count in the heap
+    std::vector<quint32> m_positions; // by slot
+    std::vector<Point> m_points;      // by slot
     quint32 m_count = 0;
 };

@@ -3,6 +3,7 @@
 
 #include "scissors/RyIntelligentScissorsWorker.h"
 
+#include <bit>
 #include <vector>
 
 namespace {
@@ -45,6 +46,10 @@ private:
         quint32 innerHeight = 0; ///< rows 1 … innerHeight have all neighbours in the content
     };
 
+    /// Where the eight neighbours of a point are found, row by row. For those outside the grid, which
+    /// have no weight, it is some cell of the grid.
+    using Cells = std::array<std::size_t, 8>;
+
     /// The weights round a point; those without one, and the point's own, are -1.
     struct Gathered
     {
@@ -55,8 +60,10 @@ private:
     void expand(Point point, quint32 cost);
     template <typename WeightAt>
     void relaxAll(Point point, quint32 cost, const WeightAt &weightAt);
-    template <uchar direction, typename WeightAt>
-    void relax(Point point, quint32 cost, const WeightAt &weightAt);
+    quint32 worthAsking(const Cells &cells) const;
+    void relax(Point neighbour, std::size_t cell, uchar direction, quint32 newCost);
+    Cells cellsRound(Point point) const;
+    void prefetchNext() const;
 
     bool isFarFromLimits(Point point) const
     {
@@ -89,6 +96,7 @@ void RyScissorsSearch::Run::searchAll()
         const std::size_t cell = m_search.cell(point.x, point.y);
         std::atomic_ref(m_arrivals[cell])
                 .store(m_arrivals[cell] | RyScissorsArrival::isFinal, std::memory_order_release);
+        prefetchNext();
         if (m_weights.isOpen()) // else there are no weights any more, and nothing left to relax
             expand(point, cost);
         m_worker.incrementProgress();
@@ -116,47 +124,73 @@ void RyScissorsSearch::Run::expand(Point point, quint32 cost)
     relaxAll(point, cost, gather(point));
 }
 
-/// Row by row, as ties depend on it.
-template <typename WeightAt>
-void RyScissorsSearch::Run::relaxAll(Point point, quint32 cost, const WeightAt &weightAt)
+RyScissorsSearch::Run::Cells RyScissorsSearch::Run::cellsRound(Point point) const
 {
-    relax<5>(point, cost, weightAt);
-    relax<1>(point, cost, weightAt);
-    relax<6>(point, cost, weightAt);
-    relax<2>(point, cost, weightAt);
-    relax<3>(point, cost, weightAt);
-    relax<7>(point, cost, weightAt);
-    relax<4>(point, cost, weightAt);
-    relax<8>(point, cost, weightAt);
+    const bool hasLeft = point.x > 0, hasRight = point.x + 1 < m_search.m_width;
+    const bool hasAbove = point.y > 0, hasBelow = point.y + 1 < m_search.m_height;
+    const std::size_t left = columnOf(point.x - (hasLeft ? 1 : 0));
+    const std::size_t middle = columnOf(point.x);
+    const std::size_t right = columnOf(point.x + (hasRight ? 1 : 0));
+    const std::size_t above = m_search.rowOf(point.y - (hasAbove ? 1 : 0));
+    const std::size_t row = m_search.rowOf(point.y);
+    const std::size_t below = m_search.rowOf(point.y + (hasBelow ? 1 : 0));
+    return {left + above, middle + above, right + above,  left + row,
+            right + row,  left + below,   middle + below, right + below};
 }
 
-/// The neighbour that lies so that direction leads from it back to the point.
+/// A bit for each neighbour that the point may reach, or reach at a better cost.
 ///
 /// Points become final in the order of their costs, and the step into a neighbour depends on nothing
 /// but its weight and whether it is diagonal. So a later point offers a queued neighbour a better
 /// cost only by a straight step where the earlier one was diagonal, and else the queue need not be
 /// asked. (Costs reach 32 bits on paths of more than eleven million points only.)
-template <uchar direction, typename WeightAt>
-void RyScissorsSearch::Run::relax(Point point, quint32 cost, const WeightAt &weightAt)
+quint32 RyScissorsSearch::Run::worthAsking(const Cells &cells) const
 {
     using namespace RyScissorsArrival;
-    constexpr bool isDiagonal = direction >= firstDiagonal;
-    constexpr int dx = -towardsPredecessor[direction].x;
-    constexpr int dy = -towardsPredecessor[direction].y;
-    const int weight = weightAt(dx, dy);
-    if (weight < 0)
-        return;
-    const Point neighbour{point.x + quint32(dx), point.y + quint32(dy)};
-    const std::size_t cell = m_search.cell(neighbour.x, neighbour.y);
-    const uchar arrival = m_arrivals[cell];
-    const quint32 newCost =
-            cost + (isDiagonal ? diagonalCosts[std::size_t(weight)] : quint32(weight));
-    if (arrival == 0)
+    quint32 neighbours = 0;
+    for (quint32 i = 0; i < cells.size(); ++i) { // no branch: nobody could foretell it
+        const bool isStraight = ofNeighbours[i] >= firstStraight;
+        const uchar limit = isStraight ? firstStraight : 1;
+        neighbours |= quint32(m_arrivals[cells[i]] < limit) << i;
+    }
+    return neighbours;
+}
+
+/// Row by row, as ties depend on it.
+template <typename WeightAt>
+void RyScissorsSearch::Run::relaxAll(Point point, quint32 cost, const WeightAt &weightAt)
+{
+    using namespace RyScissorsArrival;
+    const Cells cells = cellsRound(point);
+    for (quint32 left = worthAsking(cells); left != 0; left &= left - 1) {
+        const auto i = std::size_t(std::countr_zero(left));
+        const uchar direction = ofNeighbours[i];
+        const Offset back = towardsPredecessor[direction];
+        const int weight = weightAt(-back.x, -back.y);
+        if (weight < 0)
+            continue;
+        const quint32 step =
+                direction < firstStraight ? diagonalCosts[std::size_t(weight)] : quint32(weight);
+        relax({point.x - quint32(back.x), point.y - quint32(back.y)}, cells[i], direction,
+              cost + step);
+    }
+}
+
+void RyScissorsSearch::Run::relax(Point neighbour, std::size_t cell, uchar direction,
+                                  quint32 newCost)
+{
+    if (m_arrivals[cell] == 0)
         m_slots[cell] = m_search.m_heap.insert(neighbour, newCost);
-    else if (isDiagonal || arrival < firstDiagonal || arrival > lastDirection ||
-             !m_search.m_heap.decrease(m_slots[cell], newCost))
+    else if (!m_search.m_heap.decrease(m_slots[cell], newCost))
         return;
     std::atomic_ref(m_arrivals[cell]).store(direction, std::memory_order_relaxed);
+}
+
+/// What comes next is known already, most of the time.
+void RyScissorsSearch::Run::prefetchNext() const
+{
+    const Point next = m_search.m_heap.cheapest();
+    __builtin_prefetch(m_arrivals + m_search.cell(next.x, next.y));
 }
 
 RyScissorsSearch::Run::Gathered RyScissorsSearch::Run::gather(Point point)

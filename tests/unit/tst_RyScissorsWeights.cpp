@@ -1,0 +1,303 @@
+#include "scissors/RyIntelligentScissorsWeightCalculator.h"
+#include "scissors/RyScissorsWeightKernels_p.h"
+#include "support/TestPictures.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include <cmath>
+#include <thread>
+
+using Weights = RyIntelligentScissorsWeightCalculator;
+
+namespace {
+
+constexpr quint32 everywhere = 1U << 30;
+
+Weights::Settings settings(int reduction, int edges, int post, bool inverts)
+{
+    return {Weights::PixelReductionMethod(reduction), Weights::EdgeDetectionMethod(edges),
+            Weights::PostProcessingtMethod(post), inverts};
+}
+
+/// The weights of a whole picture in the plainest code, without blocks. Pixels beyond covered are
+/// black.
+struct PlainWeights
+{
+    PlainWeights(const QImage &image, const QSize &size, const QSize &covered,
+                 const Weights::Settings &s)
+        : scale(std::max(1, int(s.pixelReductionMethod) & 15))
+        , width((size.width() + scale - 1) / scale)
+        , height((size.height() + scale - 1) / scale)
+    {
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                values.append(uchar(meanGrey(image, size, covered, x, y)));
+        if (int(s.edgeDetectionMethod) == 19)
+            values = sobel();
+        for (uchar &value : values) {
+            if (int(s.postProcessingMethod) == 1)
+                value = uchar(std::trunc(255 / (std::exp((128 - value) * 0.05) + 1)));
+            if (s.invert)
+                value = uchar(255 - value);
+        }
+    }
+
+    int meanGrey(const QImage &image, const QSize &size, const QSize &covered, int gx, int gy) const
+    {
+        int sum = 0, pixels = 0;
+        for (int y = gy * scale; y < std::min((gy + 1) * scale, size.height()); ++y)
+            for (int x = gx * scale; x < std::min((gx + 1) * scale, size.width()); ++x, ++pixels) {
+                if (x >= covered.width() || y >= covered.height())
+                    continue;
+                const QRgb pixel = image.depth() == 8 ? image.constScanLine(y)[x] * 0x010101U
+                                                      : image.pixel(x, y);
+                sum += (qRed(pixel) + qGreen(pixel) + qBlue(pixel)) / 3;
+            }
+        return sum / pixels;
+    }
+
+    QList<uchar> sobel() const
+    {
+        QList<uchar> magnitudes;
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) {
+                int gx = 0, gy = 0;
+                for (int j = -1; j <= 1; ++j)
+                    for (int i = -1; i <= 1; ++i)
+                        if (x + i >= 0 && x + i < width && y + j >= 0 && y + j < height) {
+                            gx -= i * (2 - j * j) * values[(y + j) * width + x + i];
+                            gy -= j * (2 - i * i) * values[(y + j) * width + x + i];
+                        }
+                magnitudes.append(uchar(~int(std::sqrt((gx * gx + gy * gy) / 20))));
+            }
+        return magnitudes;
+    }
+
+    int scale, width, height;
+    QList<uchar> values;
+};
+
+QList<uchar> allWeights(Weights &weights)
+{
+    QList<uchar> values(qsizetype(weights.widthReduced()) * weights.heightReduced());
+    for (quint32 y = 0, i = 0; y < weights.heightReduced(); ++y)
+        for (quint32 x = 0; x < weights.widthReduced(); ++x, ++i)
+            if (!weights.get(x, y, values[i]))
+                return {};
+    return values;
+}
+
+void setImage(Weights &weights, const QImage &image, const QSize &covered)
+{
+    weights.setImage(image.constBits(),
+                     image.depth() == 8 ? Weights::DataFormat::Grey8 : Weights::DataFormat::Rgb32,
+                     quint32(image.bytesPerLine()), quint32(covered.width()),
+                     quint32(covered.height()));
+}
+
+/// Blocks that are calculated, pending and not requested.
+QList<int> states(const Weights &weights)
+{
+    QList<QPoint> lists[3];
+    weights.blocksCalculated(lists[0], lists[1], lists[2]);
+    return {int(lists[0].size()), int(lists[1].size()), int(lists[2].size())};
+}
+
+} // namespace
+
+class tst_RyScissorsWeights : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void kernelsAgree();
+    void weightsLikePlainCode_data();
+    void weightsLikePlainCode();
+    void scores();
+    void statesOfBlocks();
+    void settingsChange();
+    void emptyAndUnknownData();
+    void stopsAtAnyMoment();
+};
+
+void tst_RyScissorsWeights::kernelsAgree()
+{
+    const auto kernels = RyScissorsWeightKernels::available();
+    QList<QRgb> pixels(766 + 300);
+    for (qsizetype i = 0; i < pixels.size(); ++i) { // every sum of three channels
+        const int sum = int(i) % 766;
+        pixels[i] = qRgba(sum / 3, (sum + 1) / 3, (sum + 2) / 3, int(i) & 0xFF);
+    }
+    for (const int width : {1, 31, 32, 33, 63, 64, 95, 130, 766}) {
+        QList<uchar> grey(width + 1, 77), half(width / 2 + 1, 78);
+        for (const auto &kernel : kernels) {
+            kernel.greyRow(pixels.constData() + width % 7, grey.data(), width);
+            for (int i = 0; i < width; ++i)
+                QCOMPARE(int(grey[i]), (i + width % 7) % 766 / 3);
+            QCOMPARE(grey[width], uchar(77));
+            const uchar *const other = grey.constData() + width / 3; // as good as a second row
+            const int count = (width - width / 3) / 2;
+            kernel.averageRows(grey.constData(), other, half.data(), count);
+            for (int i = 0; i < count; ++i)
+                QCOMPARE(int(half[i]),
+                         (grey[2 * i] + grey[2 * i + 1] + other[2 * i] + other[2 * i + 1]) / 4);
+            QCOMPARE(half[width / 2], uchar(78));
+        }
+    }
+}
+
+void tst_RyScissorsWeights::weightsLikePlainCode_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QSize>("covered");
+    QTest::addColumn<Weights::Settings>("chosen");
+    for (const int reduction : {0, 1, 2, 34, 35, 5, 15})
+        for (const int edges : {1, 3, 19})
+            for (const int post : {0, 1})
+                for (const bool inverts : {false, true})
+                    QTest::addRow("methods %d, %d, %d, %d", reduction, edges, post, inverts)
+                            << QSize(137, 151) << QSize(90, 75)
+                            << settings(reduction, edges, post, inverts);
+    // Sizes at which blocks begin, end, and hold a single row or column.
+    for (const QSize size : {QSize(4095, 3), QSize(4096, 3), QSize(4097, 3), QSize(2, 4098),
+                             QSize(8193, 5), QSize(1, 1), QSize(2, 1), QSize(1, 8195)})
+        for (const int reduction : {1, 34})
+            QTest::addRow("%d x %d, %d", size.width(), size.height(), reduction)
+                    << size << size << settings(reduction, 19, 0, true);
+}
+
+void tst_RyScissorsWeights::weightsLikePlainCode()
+{
+    QFETCH(QSize, size);
+    QFETCH(QSize, covered);
+    QFETCH(Weights::Settings, chosen);
+    const QImage noise = TestPictures::noise(covered.width(), covered.height(), 3);
+    for (const QImage &image : {noise, noise.convertToFormat(QImage::Format_Grayscale8)}) {
+        const PlainWeights expected(image, size, covered, chosen);
+        for (const int lanes : {1, 8}) {
+            const TestPictures::Machine machine(2, lanes);
+            Weights weights(quint32(size.width()), quint32(size.height()), chosen);
+            QCOMPARE(int(weights.widthReduced()), expected.width);
+            QCOMPARE(int(weights.heightReduced()), expected.height);
+            setImage(weights, image, covered);
+            weights.calculateRegion(0, 0, everywhere);
+            QCOMPARE(allWeights(weights), expected.values);
+        }
+    }
+}
+
+void tst_RyScissorsWeights::scores()
+{
+    std::pair<double, double> point(2.25, 1.5);
+    const auto score = [&](quint32 column, quint32 row) {
+        return calculateScoreCB(column, row, 0, &point);
+    };
+    QCOMPARE(score(2, 1), 0U);
+    QCOMPARE(score(0, 1), 5120U); // 1.25 blocks
+    QCOMPARE(score(3, 1), 3072U);
+    QCOMPARE(score(2, 0), 2048U);
+    QCOMPARE(score(2, 4), 10240U);
+    QCOMPARE(score(1, 2), quint32(std::sqrt(0.25 * 0.25 + 0.5 * 0.5) * 4096));
+    point = {2.0, 1.0}; // on a corner: as near to the block before as inside
+    QCOMPARE(score(1, 0), 0U);
+}
+
+void tst_RyScissorsWeights::statesOfBlocks()
+{
+    const QImage line = TestPictures::noise(16400, 1, 1); // five blocks, the last one of 16 points
+    Weights weights(16400, 1, settings(1, 1, 0, false));
+    QCOMPARE(weights.totalProgress(), 5);
+    weights.calculateRegion(0, 0, everywhere); // nobody would calculate it
+    QCOMPARE(states(weights), QList({0, 0, 5}));
+    setImage(weights, line, line.size());
+    quint8 weight = 77;
+    QVERIFY(!weights.get(0, 0, weight));
+    weights.calculateRegion(4096, 0, 1); // from the last point of the first block on
+    for (const quint32 x : {0U, 8191U})
+        QVERIFY(weights.get(x, 0, weight));
+    weight = 77;
+    for (const auto &[x, y] : {std::pair(8192U, 0U), {16400U, 0U}, {0U, 1U}})
+        QVERIFY(!weights.get(x, y, weight));
+    QCOMPARE(weight, quint8(77));
+    QCOMPARE(states(weights), QList({2, 0, 3}));
+    weights.calculateRegion(16399, 0, 0);
+    QVERIFY(weights.get(16399, 0, weight));
+    QList<QPoint> done, pending, open;
+    weights.blocksCalculated(done, pending, open);
+    QCOMPARE(done, QList({QPoint(0, 0), QPoint(4096, 0), QPoint(16384, 0)}));
+    weights.RyIntelligentScissorsWorker::stoppingThread(); // the idle thread, through the base
+    QVERIFY(weights.get(0, 0, weight));
+    weights.stop();
+    QCOMPARE(states(weights), QList({0, 0, 5}));
+    QVERIFY(!weights.get(0, 0, weight));
+}
+
+void tst_RyScissorsWeights::settingsChange()
+{
+    const QImage image = TestPictures::noise(50, 40, 8);
+    Weights weights(50, 40, settings(34, 1, 0, true));
+    weights.changeSettings(settings(35, 1, 1, false)); // without an image
+    weights.calculateRegion(0, 0, everywhere);
+    QCOMPARE(states(weights), QList({0, 0, 1}));
+    setImage(weights, image, image.size());
+    weights.changeSettings(settings(35, 19, 1, false));
+    QCOMPARE(states(weights), QList({0, 0, 1}));
+    weights.calculateRegion(0, 0, everywhere);
+    QCOMPARE(allWeights(weights),
+             PlainWeights(image, image.size(), image.size(), settings(34, 19, 1, false)).values);
+}
+
+void tst_RyScissorsWeights::emptyAndUnknownData()
+{
+    Weights nothing(0, 7, settings(34, 1, 0, true));
+    nothing.setImage(nullptr, Weights::DataFormat::Grey8, 0);
+    QVERIFY(!nothing.isExecuting());
+    const uchar byte = 200;
+    nothing.setImage(&byte, Weights::DataFormat::Grey8, 1);
+    nothing.calculateRegion(0, 0, 9);
+    quint8 weight = 0;
+    QVERIFY(!nothing.get(0, 0, weight));
+    Weights unknown(1, 1, settings(1, 1, 1, false));
+    unknown.setImage(&byte, Weights::DataFormat(7), 1);
+    unknown.calculateRegion(0, 0, 9);
+    QVERIFY(unknown.get(0, 0, weight));
+    QCOMPARE(int(weight), 0); // black, after the curve
+}
+
+/// Readers wait for blocks, or read them, while these are requested, forgotten and set anew.
+void tst_RyScissorsWeights::stopsAtAnyMoment()
+{
+    const QImage image = TestPictures::noise(9000, 3, 5);
+    const PlainWeights expected(image, image.size(), image.size(), settings(1, 1, 0, false));
+    Weights weights(9000, 3, settings(1, 1, 0, false));
+    std::atomic<bool> isDone = false;
+    std::atomic<int> faults = 0;
+    const auto read = [&] {
+        for (quint32 x = 0; !isDone; x = (x + 997) % 9000) {
+            quint8 weight = 0;
+            if (weights.get(x, 1, weight))
+                faults += weight != expected.values[9000 + x];
+            weights.calculateRegion(x, 1, 100);
+        }
+    };
+    std::thread first(read), second(read);
+    for (int round = 0; round < 2000; ++round) {
+        setImage(weights, image, image.size());
+        weights.calculateRegion(quint32(round * 7 % 9000), 0, quint32(round));
+        if (round % 3 == 0)
+            weights.RyIntelligentScissorsWorker::stop(false);
+        if (round % 4 == 0)
+            weights.stop();
+    }
+    setImage(weights, image, image.size());
+    weights.calculateRegion(0, 0, everywhere);
+    QCOMPARE(allWeights(weights), expected.values);
+    isDone = true;
+    first.join();
+    second.join();
+    QCOMPARE(faults, 0);
+}
+
+QTEST_GUILESS_MAIN(tst_RyScissorsWeights)
+#include "tst_RyScissorsWeights.moc"
