@@ -1,0 +1,221 @@
+#include "scissors/BlockPool.h"
+#include "scissors/RyIntelligentScissors.h"
+#include "scissors/RyIntelligentScissorsWireCalculator.h"
+#include "scissors/RyScissorsEdgePicture.h"
+#include "scissors/RyScissorsWeightKernels_p.h"
+#include "support/ReferenceScissors.h"
+
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <benchmark/benchmark.h>
+
+#ifdef RY_HAS_OPENCV
+#include <opencv2/imgproc/segmentation.hpp>
+#endif
+
+#include <cmath>
+
+namespace {
+
+using Weights = RyIntelligentScissorsWeightCalculator;
+using Wire = RyIntelligentScissorsWireCalculator;
+
+constexpr quint32 everywhere = 1U << 30;
+
+QImage edges(const benchmark::State &state)
+{
+    const QImage photograph(QStringLiteral(RY_SAMPLES_DIR "/coffee.png"));
+    if (photograph.isNull())
+        qFatal("The sample photograph cannot be read from %s", RY_SAMPLES_DIR);
+    return RyScissorsEdgePicture::edgePicture(
+            photograph.scaled(int(state.range(0)), int(state.range(1)), Qt::IgnoreAspectRatio,
+                              Qt::SmoothTransformation));
+}
+
+/// A grid with a point for each pixel, its weights at hand, and the seed that searches begin from.
+struct Grid
+{
+    explicit Grid(const QImage &picture)
+        : grey(picture.convertToFormat(QImage::Format_Grayscale8))
+        , weights(quint32(grey.width()), quint32(grey.height()),
+                  {Weights::PixelReductionMethod::None, Weights::EdgeDetectionMethod::None,
+                   Weights::PostProcessingtMethod::None, true})
+        , seed(grey.width() / 3, grey.height() / 3)
+    {
+        weights.setImage(grey.constBits(), Weights::DataFormat::Grey8,
+                         quint32(grey.bytesPerLine()));
+        weights.calculateRegion(0, 0, everywhere);
+        quint8 weight = 0;
+        weights.get(weights.widthReduced() - 1, weights.heightReduced() - 1, weight); // the last
+    }
+
+    QImage grey;
+    Weights weights;
+    QPoint seed;
+};
+
+void countPoints(benchmark::State &state)
+{
+    const double points = double(state.range(0)) * double(state.range(1)) / 1e6;
+    state.counters["ms_for_a_million_points"] =
+            benchmark::Counter(points * 1e-3, benchmark::Counter::kIsIterationInvariantRate |
+                                                      benchmark::Counter::kInvert);
+}
+
+void waitForWire(const RyIntelligentScissors &scissors, const QPointF &point)
+{
+    while (!scissors.containsWireToPoint(point))
+        QThread::usleep(20);
+}
+
+} // namespace
+
+static void scissorsSetup(benchmark::State &state)
+{
+    const QImage picture = edges(state);
+    RyIntelligentScissors scissors;
+    for (auto _ : state)
+        scissors.setup(picture);
+}
+BENCHMARK(scissorsSetup)
+        ->Args({1200, 800})
+        ->Args({4000, 3000})
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
+
+static void edgePictureForScissors(benchmark::State &state)
+{
+    const QImage picture = edges(state);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(RyScissorsEdgePicture::edgePicture(picture));
+}
+BENCHMARK(edgePictureForScissors)
+        ->Args({1200, 800})
+        ->Args({4000, 3000})
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
+
+/// From a seed to a wire 200 pixels away: the first on a picture, weights included, or a later one.
+static void seedToWire(benchmark::State &state)
+{
+    const QImage picture = edges(state);
+    const QPointF seed(picture.width() * 0.4, picture.height() * 0.4);
+    const QPointF target = seed + QPointF(200, 0);
+    RyIntelligentScissors scissors;
+    scissors.setup(picture);
+    for (auto _ : state) {
+        if (state.range(2) == 0) {
+            scissors.setup(picture);
+            BlockPool::clear(); // or the weights would come to memory that has been touched
+        }
+        QElapsedTimer timer;
+        timer.start();
+        scissors.initializeSeed(seed);
+        waitForWire(scissors, target);
+        state.SetIterationTime(double(timer.nsecsElapsed()) / 1e9);
+    }
+    state.SetLabel(state.range(2) == 0 ? "first seed" : "later seed");
+}
+BENCHMARK(seedToWire)
+        ->ArgsProduct({{1200}, {800}, {0, 1}})
+        ->ArgsProduct({{4000}, {3000}, {0, 1}})
+        ->Unit(benchmark::kMillisecond)
+        ->UseManualTime();
+
+static void wholeSearch(benchmark::State &state)
+{
+    Grid grid(edges(state));
+    Wire wire(&grid.weights);
+    for (auto _ : state) {
+        wire.startThread(grid.seed.x(), grid.seed.y(), everywhere);
+        wire.wait();
+    }
+    countPoints(state);
+}
+BENCHMARK(wholeSearch)
+        ->Args({768, 768})
+        ->Args({1800, 1200})
+        ->Args({6000, 4500})
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
+
+/// The same with a heap of pointers that are exchanged, asked at every step.
+static void wholeSearchWrittenOut(benchmark::State &state)
+{
+    const Grid grid(edges(state));
+    const auto weight = [&](int x, int y) { return 255 - grid.grey.constScanLine(y)[x]; };
+    for (auto _ : state)
+        benchmark::DoNotOptimize(
+                ReferenceScissors::Search(grid.grey.width(), grid.grey.height(), grid.seed, weight)
+                        .order.size());
+    countPoints(state);
+}
+BENCHMARK(wholeSearchWrittenOut)
+        ->Args({768, 768})
+        ->Args({1800, 1200})
+        ->Args({6000, 4500})
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
+
+/// A wire of some thousand points: across a grid all of whose rows but one cost more.
+static void bestWire(benchmark::State &state)
+{
+    QImage line(int(state.range(0)), 64, QImage::Format_RGB32);
+    line.fill(Qt::black);
+    for (int x = 0; x < line.width(); ++x)
+        line.setPixel(x, int(31 + 20 * std::sin(x / 50.0)), 0xFFFFFFFF);
+    RyIntelligentScissors scissors;
+    scissors.setup(line);
+    const QPointF target(line.width() - 1, 31);
+    scissors.initializeSeed(target / 2); // opens the blocks on both sides
+    waitForWire(scissors, target);
+    scissors.initializeSeed({0, 31});
+    waitForWire(scissors, target);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(scissors.bestWire(target));
+    state.counters["points"] = double(scissors.lastWire().size());
+}
+BENCHMARK(bestWire)->Arg(2000)->Arg(8100)->Unit(benchmark::kMillisecond);
+
+/// Two rows of 4,096 pixels to one of 2,048 averages.
+static void reducedRow(benchmark::State &state)
+{
+    const auto kernels = RyScissorsWeightKernels::available();
+    if (state.range(0) >= kernels.size())
+        return state.SkipWithError("not on this processor");
+    const auto &kernel = kernels[state.range(0)];
+    constexpr int width = 4096;
+    const QList<QRgb> in(width, 0xFF4080C0U);
+    QList<uchar> grey(2 * width), out(width / 2);
+    for (auto _ : state) {
+        kernel.greyRow(in.constData(), grey.data(), width);
+        kernel.greyRow(in.constData(), grey.data() + width, width);
+        kernel.averageRows(grey.constData(), grey.constData() + width, out.data(), width / 2);
+        benchmark::ClobberMemory();
+    }
+    state.SetLabel(kernel.name);
+    state.SetItemsProcessed(state.iterations() * 2 * width);
+}
+BENCHMARK(reducedRow)->Arg(0)->Arg(1);
+
+#ifdef RY_HAS_OPENCV
+/// Another live wire on the same picture: all paths from one seed, by its own costs.
+static void wholeSearchOpenCv(benchmark::State &state)
+{
+    const QImage picture = edges(state).convertToFormat(QImage::Format_RGB888);
+    const cv::Mat pixels(picture.height(), picture.width(), CV_8UC3,
+                         const_cast<uchar *>(picture.constBits()),
+                         std::size_t(picture.bytesPerLine()));
+    cv::segmentation::IntelligentScissorsMB tool;
+    tool.applyImage(pixels);
+    for (auto _ : state)
+        tool.buildMap({picture.width() / 3, picture.height() / 3});
+    countPoints(state);
+}
+BENCHMARK(wholeSearchOpenCv)
+        ->Args({768, 768})
+        ->Args({1800, 1200})
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
+#endif
