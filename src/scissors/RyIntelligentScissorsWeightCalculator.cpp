@@ -8,8 +8,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <new>
+#include <vector>
 
 namespace {
 
@@ -36,6 +38,17 @@ Source::Format format(const uchar *data, Calculator::DataFormat dataFormat)
 int asProgress(quint64 units)
 {
     return int(std::min<quint64>(units, std::numeric_limits<int>::max()));
+}
+
+void copyToTiles(const uchar *weights, const Blocks::Content &content, quint32 row)
+{
+    constexpr quint32 side = RyScissorsTiles::side;
+    uchar *out = content.weights +
+                 RyScissorsTiles::rowOf(row, RyScissorsTiles::rowLength(content.width));
+    quint32 x = 0;
+    for (; x + side <= content.width; x += side, out += side * side)
+        std::memcpy(out, weights + x, side); // of known length: one instruction
+    std::memcpy(out, weights + x, content.width - x);
 }
 
 /// How far a coordinate lies outside [block, block + 1), where the whole part decides about inside.
@@ -164,9 +177,7 @@ bool RyIntelligentScissorsWeightCalculator::get(quint32 x, quint32 y, quint8 &we
         return false;
     const quint32 column = x & (Blocks::side - 1);
     const quint32 row = y & (Blocks::side - 1);
-    const bool hasContent = column < block->width && row < block->height;
-    weight = hasContent ? block->weights[std::size_t(row) * block->width + column]
-                        : reader.blankWeight();
+    weight = block->contains(column, row) ? block->at(column, row) : reader.blankWeight();
     return true;
 }
 
@@ -224,27 +235,33 @@ void RyIntelligentScissorsWeightCalculator::calculateBlock(quint32 index)
     const quint32 bottom = std::min(top + Blocks::side, m_source->blankFromRow());
     if (right <= left || bottom <= top || m_source->format == Source::Format::None)
         return m_blocks->publish(index, {});
+    const quint32 width = right - left;
+    const quint32 height = bottom - top;
     const Blocks::Content content{
-            static_cast<uchar *>(BlockPool::get(quint64(right - left) * (bottom - top))),
-            right - left, bottom - top};
-    if (content.weights && calculateRows(left, top, right, bottom, content.weights))
+            static_cast<uchar *>(BlockPool::get(RyScissorsTiles::count(width, height))), width,
+            height};
+    if (content.weights && fill(content, left, top))
         return m_blocks->publish(index, content);
     BlockPool::returnBlock(content.weights);
     m_blocks->giveUp(index);
 }
 
 /// False when it was told to stop, or memory was short: the weights are then not complete.
-bool RyIntelligentScissorsWeightCalculator::calculateRows(quint32 left, quint32 top, quint32 right,
-                                                          quint32 bottom, uchar *out)
+bool RyIntelligentScissorsWeightCalculator::fill(const RyScissorsWeightContent &content,
+                                                 quint32 left, quint32 top)
 {
-    const auto calculateBand = [&](qsizetype band) {
-        const quint32 first = top + quint32(band) * rowsPerBand;
-        if (isExecuting())
-            m_source->calculate(left, first, right, std::min(first + rowsPerBand, bottom),
-                                out + std::size_t(first - top) * (right - left));
+    const auto fillBand = [&](qsizetype band) {
+        if (!isExecuting())
+            return;
+        const quint32 first = quint32(band) * rowsPerBand;
+        const quint32 end = std::min(first + rowsPerBand, content.height);
+        std::vector<uchar> rows(std::size_t(content.width) * (end - first));
+        m_source->calculate(left, top + first, left + content.width, top + end, rows.data());
+        for (quint32 row = first; row < end; ++row)
+            copyToTiles(rows.data() + std::size_t(row - first) * content.width, content, row);
     };
     try {
-        RyConcurrent::forEachIndex((bottom - top + rowsPerBand - 1) / rowsPerBand, calculateBand);
+        RyConcurrent::forEachIndex((content.height + rowsPerBand - 1) / rowsPerBand, fillBand);
     } catch (const std::bad_alloc &) {
         return false;
     }

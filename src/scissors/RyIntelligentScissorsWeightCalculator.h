@@ -8,6 +8,7 @@
 #include <memory>
 
 class RyScissorsWeightBlocks;
+struct RyScissorsWeightContent;
 struct RyScissorsWeightSource;
 
 /**
@@ -105,7 +106,7 @@ private:
 
     void applySettings(const Settings &settings);
     void calculateBlock(quint32 index);
-    bool calculateRows(quint32 left, quint32 top, quint32 right, quint32 bottom, uchar *out);
+    bool fill(const RyScissorsWeightContent &content, quint32 left, quint32 top);
 
     const std::unique_ptr<RyScissorsWeightSource> m_source; // changes only while no thread runs
     const std::unique_ptr<RyScissorsWeightBlocks> m_blocks;

@@ -48,8 +48,10 @@ void RyIntelligentScissorsWorker::stop(bool wait)
         setExecuting(false);
         wakeUp();
     }
-    if (wait)
+    if (wait) {
         QThread::wait();
+        static_cast<void>(m_hasEnded.load(std::memory_order_acquire));
+    }
 }
 
 void RyIntelligentScissorsWorker::stop()
@@ -59,9 +61,11 @@ void RyIntelligentScissorsWorker::stop()
 
 void RyIntelligentScissorsWorker::run()
 {
-    runningThread();
+    if (isExecuting())
+        runningThread();
     if (isExecuting())
         setExecuting(false);
+    m_hasEnded.store(true, std::memory_order_release);
 }
 
 void RyIntelligentScissorsWorker::setExecuting(bool isExecuting)

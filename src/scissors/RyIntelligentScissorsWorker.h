@@ -70,6 +70,9 @@ private:
     const QString m_name;
     QMutex m_mutex; // held while the flag is written
     std::atomic<bool> m_isExecuting = false;
+    // Written at the end of a run and read after waiting for it. The thread's end alone would order
+    // what both touch, but Qt is built without the instructions by which sanitizers could tell.
+    std::atomic<bool> m_hasEnded = true;
     std::atomic<int> m_progress = 0;
     std::atomic<int> m_totalProgress = 100;
     std::atomic<int> m_progressStep = 1;

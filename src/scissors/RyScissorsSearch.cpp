@@ -6,9 +6,9 @@ using Point = RyScissorsSearch::Point;
 RyScissorsSearch::RyScissorsSearch(quint32 width, quint32 height)
     : m_width(width)
     , m_height(height)
-    , m_cellsPerTileRow((std::size_t(width) + 7) / 8 * 64)
-    , m_arrivals((std::size_t(height) + 7) / 8 * m_cellsPerTileRow)
-    , m_slots((std::size_t(height) + 7) / 8 * m_cellsPerTileRow * sizeof(quint32))
+    , m_tileRowLength(RyScissorsTiles::rowLength(width))
+    , m_arrivals(RyScissorsTiles::count(width, height))
+    , m_slots(RyScissorsTiles::count(width, height) * sizeof(quint32))
 {}
 
 void RyScissorsSearch::clear()
@@ -22,7 +22,8 @@ void RyScissorsSearch::start(Point seed)
 {
     if (!m_arrivals.data() || !m_slots.data())
         return;
-    m_arrivals.data()[cell(seed.x, seed.y)] = RyScissorsArrival::isSeed;
+    std::atomic_ref(m_arrivals.data()[cell(seed.x, seed.y)])
+            .store(RyScissorsArrival::isSeed, std::memory_order_relaxed);
     m_heap.insert(seed, 0);
 }
 

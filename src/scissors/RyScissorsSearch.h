@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scissors/RyScissorsHeap.h"
+#include "scissors/RyScissorsTiles.h"
 #include "scissors/RyScissorsWeightBlocks.h"
 #include "scissors/RyZeroedPages.h"
 
@@ -23,8 +24,7 @@ class RyIntelligentScissorsWorker;
  *          trace() on any thread at any time, without locks.
  *
  * One byte a point holds how it was reached and whether that is final. It is written with release,
- * and whoever reads the final byte of a point finds those of the whole path behind it. The bytes of
- * 8 × 8 points lie side by side, since a search works along a front that runs in all directions.
+ * and whoever reads the final byte of a point finds those of the whole path behind it.
  */
 class RyScissorsSearch
 {
@@ -53,14 +53,15 @@ public:
 private:
     class Run;
 
-    std::size_t cell(quint32 x, quint32 y) const { return columnOf(x) + rowOf(y); }
-    static std::size_t columnOf(quint32 x) { return (std::size_t(x & ~7U) << 3) | (x & 7U); }
-    std::size_t rowOf(quint32 y) const { return (y >> 3) * m_cellsPerTileRow + ((y & 7U) << 3); }
+    std::size_t cell(quint32 x, quint32 y) const
+    {
+        return RyScissorsTiles::columnOf(x) + RyScissorsTiles::rowOf(y, m_tileRowLength);
+    }
     uchar arrival(quint32 x, quint32 y) const;
 
     const quint32 m_width;
     const quint32 m_height;
-    const std::size_t m_cellsPerTileRow;
+    const std::size_t m_tileRowLength;
     RyZeroedPages m_arrivals; // a byte a cell
     RyZeroedPages m_slots;    // four bytes a cell: the heap's slot of a queued point
     std::atomic<quint32> m_runs = 0;

@@ -63,7 +63,7 @@ private:
     quint32 worthAsking(const Cells &cells) const;
     void relax(Point neighbour, std::size_t cell, uchar direction, quint32 newCost);
     Cells cellsRound(Point point) const;
-    void prefetchNext() const;
+    void prefetchNext();
 
     bool isFarFromLimits(Point point) const
     {
@@ -111,9 +111,9 @@ void RyScissorsSearch::Run::expand(Point point, quint32 cost)
     const quint32 column = point.x & blockMask;
     const quint32 row = point.y & blockMask;
     if (column - 1 < view.innerWidth && row - 1 < view.innerHeight) {
-        const qint64 stride = view.content->width;
-        const uchar *const centre = view.content->weights + row * stride + column;
-        return relaxAll(point, cost, [=](int dx, int dy) { return int(centre[dy * stride + dx]); });
+        return relaxAll(point, cost, [=, content = *view.content](int dx, int dy) {
+            return int(content.at(column + quint32(dx), row + quint32(dy)));
+        });
     }
     const bool isBlank =
             view.content && (column > view.content->width || row > view.content->height);
@@ -126,14 +126,17 @@ void RyScissorsSearch::Run::expand(Point point, quint32 cost)
 
 RyScissorsSearch::Run::Cells RyScissorsSearch::Run::cellsRound(Point point) const
 {
+    const auto rowOf = [this](quint32 y) {
+        return RyScissorsTiles::rowOf(y, m_search.m_tileRowLength);
+    };
     const bool hasLeft = point.x > 0, hasRight = point.x + 1 < m_search.m_width;
     const bool hasAbove = point.y > 0, hasBelow = point.y + 1 < m_search.m_height;
-    const std::size_t left = columnOf(point.x - (hasLeft ? 1 : 0));
-    const std::size_t middle = columnOf(point.x);
-    const std::size_t right = columnOf(point.x + (hasRight ? 1 : 0));
-    const std::size_t above = m_search.rowOf(point.y - (hasAbove ? 1 : 0));
-    const std::size_t row = m_search.rowOf(point.y);
-    const std::size_t below = m_search.rowOf(point.y + (hasBelow ? 1 : 0));
+    const std::size_t left = RyScissorsTiles::columnOf(point.x - (hasLeft ? 1 : 0));
+    const std::size_t middle = RyScissorsTiles::columnOf(point.x);
+    const std::size_t right = RyScissorsTiles::columnOf(point.x + (hasRight ? 1 : 0));
+    const std::size_t above = rowOf(point.y - (hasAbove ? 1 : 0));
+    const std::size_t row = rowOf(point.y);
+    const std::size_t below = rowOf(point.y + (hasBelow ? 1 : 0));
     return {left + above, middle + above, right + above,  left + row,
             right + row,  left + below,   middle + below, right + below};
 }
@@ -187,10 +190,14 @@ void RyScissorsSearch::Run::relax(Point neighbour, std::size_t cell, uchar direc
 }
 
 /// What comes next is known already, most of the time.
-void RyScissorsSearch::Run::prefetchNext() const
+void RyScissorsSearch::Run::prefetchNext()
 {
     const Point next = m_search.m_heap.cheapest();
     __builtin_prefetch(m_arrivals + m_search.cell(next.x, next.y));
+    const Blocks::Content *const content = viewOf(next).content;
+    const quint32 column = next.x & blockMask, row = next.y & blockMask;
+    if (content && content->contains(column, row))
+        __builtin_prefetch(content->weights + content->cell(column, row));
 }
 
 RyScissorsSearch::Run::Gathered RyScissorsSearch::Run::gather(Point point)
@@ -214,9 +221,7 @@ int RyScissorsSearch::Run::weight(qint64 x, qint64 y)
         return -1;
     const quint32 column = quint32(x) & blockMask;
     const quint32 row = quint32(y) & blockMask;
-    return column < content->width && row < content->height
-                   ? content->weights[std::size_t(row) * content->width + column]
-                   : m_weights.blankWeight();
+    return content->contains(column, row) ? content->at(column, row) : m_weights.blankWeight();
 }
 
 /// Waits for a block that is on its way. One that is not there is looked for again at every point:

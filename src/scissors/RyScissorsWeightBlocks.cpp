@@ -4,8 +4,6 @@
 #include "scissors/RyIntelligentScissorsWeightCalculator.h"
 #include "scissors/RyIntelligentScissorsWorker.h"
 
-#include <QMutexLocker>
-
 #include <algorithm>
 #include <utility>
 
@@ -51,8 +49,8 @@ void RyScissorsWeightBlocks::leave()
 {
     if (--m_readers > 0 || m_isOpen)
         return;
-    const QMutexLocker lock(&m_mutex);
-    m_noReaders.wakeAll();
+    std::unique_lock lock(m_mutex);
+    m_noReaders.notify_all();
 }
 
 bool RyScissorsWeightBlocks::Reader::isOpen()
@@ -70,10 +68,10 @@ RyScissorsWeightBlocks::Reader::block(quint32 index, const RyIntelligentScissors
     if (!isOpen())
         return nullptr;
     if (isPending()) {
-        const QMutexLocker lock(&m_blocks.m_mutex);
+        std::unique_lock lock(m_blocks.m_mutex);
         while (isOpen() && isPending() && m_blocks.m_isServed &&
                (!waiting || waiting->isExecuting()))
-            m_blocks.m_calculated.wait(&m_blocks.m_mutex);
+            m_blocks.m_calculated.wait(lock);
     }
     const bool isCalculated = m_blocks.state(index) == State::Calculated;
     return isOpen() && isCalculated ? &m_blocks.m_contents[index] : nullptr;
@@ -103,46 +101,46 @@ void RyScissorsWeightBlocks::open(uchar blankWeight)
 
 void RyScissorsWeightBlocks::close()
 {
-    const QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     m_isOpen = false;
     m_queue.clear();
     for (quint32 index = 0; index < count(); ++index)
         m_states[index].store(State::NotRequested, std::memory_order_release);
-    m_calculated.wakeAll();
+    m_calculated.notify_all();
 }
 
 void RyScissorsWeightBlocks::free()
 {
-    const QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     while (m_readers > 0)
-        m_noReaders.wait(&m_mutex);
+        m_noReaders.wait(lock);
     for (quint32 index = 0; index < count(); ++index)
         BlockPool::returnBlock(std::exchange(m_contents[index], {}).weights);
 }
 
 void RyScissorsWeightBlocks::begin()
 {
-    const QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     m_isServed = true;
 }
 
 void RyScissorsWeightBlocks::interrupt()
 {
-    const QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     m_isServed = false;
-    m_requested.wakeAll();
-    m_calculated.wakeAll();
+    m_requested.notify_all();
+    m_calculated.notify_all();
 }
 
 void RyScissorsWeightBlocks::wakeReaders()
 {
-    const QMutexLocker lock(&m_mutex);
-    m_calculated.wakeAll();
+    std::unique_lock lock(m_mutex);
+    m_calculated.notify_all();
 }
 
 void RyScissorsWeightBlocks::request(quint32 x, quint32 y, quint32 radius)
 {
-    const QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     if (!m_isServed || !m_isOpen)
         return;
     std::pair<double, double> point(double(x) / side, double(y) / side);
@@ -158,38 +156,38 @@ void RyScissorsWeightBlocks::request(quint32 x, quint32 y, quint32 radius)
             m_states[index].store(State::Queued, std::memory_order_release);
         }
     }
-    m_requested.wakeAll();
+    m_requested.notify_all();
 }
 
 std::optional<quint32> RyScissorsWeightBlocks::takeNext()
 {
-    const QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     quint32 column = 0, row = 0, index = 0, score = 0;
     while (m_isServed) {
         if (m_queue.dequeue(column, row, index, score)) {
             m_states[index].store(State::InWork, std::memory_order_release);
             return index;
         }
-        m_requested.wait(&m_mutex);
+        m_requested.wait(lock);
     }
     return std::nullopt;
 }
 
 void RyScissorsWeightBlocks::publish(quint32 index, const Content &content)
 {
-    const QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     if (state(index) != State::InWork) { // closed while it was calculated
         BlockPool::returnBlock(content.weights);
         return;
     }
     m_contents[index] = content;
     m_states[index].store(State::Calculated, std::memory_order_release);
-    m_calculated.wakeAll();
+    m_calculated.notify_all();
 }
 
 void RyScissorsWeightBlocks::giveUp(quint32 index)
 {
-    const QMutexLocker lock(&m_mutex);
+    std::unique_lock lock(m_mutex);
     m_states[index].store(State::NotRequested, std::memory_order_release);
-    m_calculated.wakeAll();
+    m_calculated.notify_all();
 }

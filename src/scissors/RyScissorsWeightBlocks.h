@@ -1,12 +1,12 @@
 #pragma once
 
 #include "scissors/RyPointPriorityQueue.h"
-
-#include <QMutex>
-#include <QWaitCondition>
+#include "scissors/RyScissorsWeightContent.h"
 
 #include <atomic>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 class RyIntelligentScissorsWorker;
@@ -30,13 +30,7 @@ public:
 
     enum class State : quint8 { NotRequested, Queued, InWork, Calculated };
 
-    /// The part of a block that holds more than the blank weight, row after row.
-    struct Content
-    {
-        uchar *weights = nullptr; ///< of BlockPool
-        quint32 width = 0;
-        quint32 height = 0;
-    };
+    using Content = RyScissorsWeightContent;
 
     /// Access to calculated blocks. Held by one thread, for one question or for a whole search.
     class Reader
@@ -94,11 +88,12 @@ private:
     std::atomic<int> m_readers = 0;
     uchar m_blankWeight = 0; // written while nobody reads
 
-    QMutex m_mutex;             // guards what follows
-    QWaitCondition m_requested; // predicate: the queue is not empty, or interrupted
-    QWaitCondition
-            m_calculated; // predicate: the block is neither queued nor in work, or interrupted
-    QWaitCondition m_noReaders; // predicate: m_readers == 0
+    // The standard library's, into whose waiting sanitizers see, other than into Qt's.
+    std::mutex m_mutex;                  // guards what follows
+    std::condition_variable m_requested; // predicate: the queue is not empty, or interrupted
+    // Predicate: the block is neither queued nor in work, or nobody will finish it.
+    std::condition_variable m_calculated;
+    std::condition_variable m_noReaders; // predicate: m_readers == 0
     RyPointPriorityQueue m_queue;
     bool m_isServed = false;
 };
