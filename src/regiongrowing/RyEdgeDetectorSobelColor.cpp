@@ -3,6 +3,7 @@
 #include "RyCpuFeatures.h"
 #include "RyPlatformIndependent.h"
 #include "image/RyConcurrent.h"
+#include "image/RyImage.h"
 #include "regiongrowing/RyEdgeDetectorSobelColor_p.h"
 
 #include <array>
@@ -68,6 +69,8 @@ RyEdgeDetectorSobelKernels::StrengthRow RyEdgeDetectorSobelKernels::best()
 {
     return ryCpuHasFeature(RyCpuFeature::Avx2) ? strengthRowAvx2 : strengthRow;
 }
+
+RyEdgeDetectorSobelColor::RyEdgeDetectorSobelColor() = default;
 
 RyEdgeDetectorSobelColor::~RyEdgeDetectorSobelColor()
 {

@@ -1,11 +1,15 @@
 #pragma once
 
-#include "image/RyImage.h"
+#include "RyImageCutterExport.h"
 
+#include <QFileInfo>
+#include <QImage>
 #include <QList>
 #include <QThread>
 
 #include <memory>
+
+class RyImage;
 
 /**
  * Edge strength of a picture: a 3 × 3 Sobel operator over colour differences.
@@ -21,15 +25,15 @@
  * Threads  a thread of its own (start(), then wait()), or run() on the caller's; rows fan out over
  *          the global pool. Results may be read when it has ended. Time O(w · h).
  */
-class RyEdgeDetectorSobelColor : public QThread
+class RYIMAGECUTTER_EXPORT RyEdgeDetectorSobelColor : public QThread
 {
     Q_OBJECT
 
 public:
-    RyEdgeDetectorSobelColor() = default;
+    RyEdgeDetectorSobelColor();
     ~RyEdgeDetectorSobelColor() override;
 
-    void setup(const RyImage *image); ///< borrowed until the run has ended
+    void setup(const RyImage *image); ///< borrowed until the run has ended; inside the library only
     void setup(const QImage &picture, const QFileInfo &file);
 
     void run() override;

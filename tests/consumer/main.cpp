@@ -8,9 +8,17 @@
 #include <RySettingsLock.h>
 #include <RyUndoCommand.h>
 #include <RyUndoController.h>
+#include <regiongrowing/RyEdgeDetectorSobelColor.h>
 #include <regiongrowing/RyHistogram3DIndex.h>
 #include <regiongrowing/RyRegionGrowingEdge.h>
 #include <regiongrowing/RyRegionGrowingEdgeCandidate.h>
+#include <scissors/BlockPool.h>
+#include <scissors/RyIntelligentScissors.h>
+#include <scissors/RyIntelligentScissorsWeightCalculator.h>
+#include <scissors/RyIntelligentScissorsWireCalculator.h>
+#include <scissors/RyIntelligentScissorsWorker.h>
+#include <scissors/RyPointPriorityQueue.h>
+#include <scissors/RyScissorsEdgePicture.h>
 #include <segmentation/RyImageSegmentation.h>
 #include <settings/RyImageCutterSettings.h>
 
@@ -29,6 +37,25 @@ static QImage texturedObject()
     return picture;
 }
 
+/// A wire along the object's upper side, and what a host can do with the parts.
+static bool drawsWires()
+{
+    RyIntelligentScissors scissors;
+    scissors.setup(RyScissorsEdgePicture::edgePicture(texturedObject()));
+    scissors.initializeSeed({62, 40});
+    while (!scissors.containsWireToPoint({136, 40}))
+        QThread::msleep(1);
+    RyEdgeDetectorSobelColor detector;
+    detector.setup(texturedObject(), QFileInfo());
+    detector.run();
+    RyPointPriorityQueue queue(10, 10);
+    queue.enqueue(3, 4, 0, 9);
+    void *const block = BlockPool::get(1);
+    BlockPool::returnBlock(block);
+    return scissors.bestWire({136, 40}).size() >= 38 && !detector.sobel().isNull() &&
+           queue.contains(3, 4) && block;
+}
+
 int main(int argc, char **argv)
 {
     const QGuiApplication application(argc, argv);
@@ -43,6 +70,10 @@ int main(int argc, char **argv)
     candidate.addEdge(int(RyHistogram3DIndex(1, 0, 0).hash()));
     if (sortByWeight(edge, edge) || !candidate.hasEnoughEdges())
         return 1;
+    if (!drawsWires()) {
+        std::fputs("There is no wire along the object.\n", stderr);
+        return 1;
+    }
 
     RyImageSegmentation session;
     session.setMaskColor(Qt::black);

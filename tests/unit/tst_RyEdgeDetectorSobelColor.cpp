@@ -1,3 +1,4 @@
+#include "image/RyImage.h"
 #include "regiongrowing/RyEdgeDetectorSobelColor.h"
 #include "regiongrowing/RyEdgeDetectorSobelColor_p.h"
 #include "support/TestPictures.h"
