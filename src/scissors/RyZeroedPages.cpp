@@ -7,14 +7,14 @@
 
 #include <sys/mman.h>
 
+// Small pages, not large ones: a wire to a point nearby touches strips of the tables that lie far
+// apart, and zeroing two megabytes for each of them took more than larger pages save.
 RyZeroedPages::RyZeroedPages(std::size_t bytes)
     : m_bytes(bytes)
 {
     void *const memory = mmap(nullptr, m_bytes, PROT_READ | PROT_WRITE,
                               MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     m_data = memory == MAP_FAILED ? nullptr : static_cast<uchar *>(memory);
-    if (m_data)
-        madvise(m_data, m_bytes, MADV_HUGEPAGE); // advice only: it may fail without harm
 }
 
 RyZeroedPages::~RyZeroedPages()

@@ -5,9 +5,7 @@
 #include "support/TestPictures.h"
 
 #include <QCryptographicHash>
-#include <QGuiApplication>
 #include <QPainter>
-#include <QSignalSpy>
 #include <QTest>
 
 #include <limits>
@@ -231,7 +229,6 @@ void tst_RyIntelligentScissors::photographs_data()
     QTest::newRow("coffee, edges") << "coffee.png" << true << "5e8a1b20582a5c23";
     QTest::newRow("coffee") << "coffee.png" << false << "e9e27576d942f4ea";
     QTest::newRow("astronaut, edges") << "astronaut.png" << true << "cb23ab8fc2b906fd";
-    QTest::newRow("chelsea, edges") << "chelsea.png" << true << "b38f77596c16e5dc";
 }
 
 void tst_RyIntelligentScissors::photographs()
@@ -365,15 +362,14 @@ void tst_RyIntelligentScissors::progress()
     wire.setTotalProgress(500);
     wire.setProgress(1099); // as it is
     wire.setProgress(1101); // two, and the eight left over
-    QVERIFY(values.isEmpty() || values == QList({1101.0}));
-    values.clear();
+    wire.setProgress(1103);
     wire.setProgress(1112);
-    QCOMPARE(values, QList({1112.0}));
+    QCOMPARE(values, QList({1101.0, 1112.0})); // counts, not shares
     wire.setTotalProgress(99);
     wire.setProgress(5000);
     wire.startThread(0, 0, everywhere);
     wire.wait();
-    QCOMPARE(values.size(), 1);
+    QCOMPARE(values.size(), 2);
 }
 
 void tst_RyIntelligentScissors::stopping()

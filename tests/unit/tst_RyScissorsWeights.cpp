@@ -2,7 +2,6 @@
 #include "scissors/RyScissorsWeightKernels_p.h"
 #include "support/TestPictures.h"
 
-#include <QSignalSpy>
 #include <QTest>
 
 #include <cmath>
