@@ -7,3 +7,8 @@
 Gesture::Gesture(Step what)
     : step(std::move(what))
 {}
+
+bool Gesture::beginsCut() const
+{
+    return std::holds_alternative<Lasso>(step) || std::holds_alternative<Close>(step);
+}

@@ -44,19 +44,35 @@ struct Gesture
     {
         QColor color;
     };
+    /// Begins a wire that follows edges.
+    struct Seed
+    {
+        QPointF point;
+    };
+    /// Leads the wire on to this point.
+    struct Wire
+    {
+        QPointF point;
+    };
     /// What is said in one word.
     struct Plain
     {};
     struct Invert : Plain
+    {};
+    struct Close : Plain ///< leads the wire back to its seed, and takes it for a lasso
     {};
     struct Undo : Plain
     {};
     struct Redo : Plain
     {};
 
-    using Step = std::variant<Lasso, Click, Scribble, Paint, Hover, Color, Invert, Undo, Redo>;
+    using Step = std::variant<Lasso, Click, Scribble, Paint, Hover, Color, Seed, Wire, Close,
+                              Invert, Undo, Redo>;
 
     explicit Gesture(Step what);
+
+    /// As lassos and closed wires do.
+    bool beginsCut() const;
 
     Step step;
 };

@@ -67,12 +67,22 @@ Gesture readGesture(GestureReader &reader)
     reader.failExpecting(u"width, %1"_s.arg(names.join(u", "_s)));
 }
 
+/// Whether a wire may follow the gesture; fails where it is a wire itself with nothing to begin at.
+bool leavesASeed(const Gesture &gesture, bool hadSeed, const GestureReader &reader)
+{
+    const bool isClose = std::holds_alternative<Gesture::Close>(gesture.step);
+    if (!hadSeed && (isClose || std::holds_alternative<Gesture::Wire>(gesture.step)))
+        reader.fail(u"a wire needs a seed before it, and a new one after 'close'"_s);
+    return std::holds_alternative<Gesture::Seed>(gesture.step) || (hadSeed && !isClose);
+}
+
 } // namespace
 
 GestureFile GestureFile::parse(const QByteArray &text, const QString &name)
 {
     GestureReader reader(text, name);
     GestureFile file;
+    bool hasSeed = false;
     readVersion(reader);
     for (bool isNextToVersion = true; reader.nextLine(); isNextToVersion = false) {
         if (isNextToVersion && reader.lineWord() == pictureWord)
@@ -81,8 +91,10 @@ GestureFile GestureFile::parse(const QByteArray &text, const QString &name)
             reader.fail(u"the picture belongs right below 'rycut-session 1'"_s);
         else if (reader.lineWord() == widthWord)
             reader.takeBrushWidth();
-        else
+        else {
             file.gestures.append(readGesture(reader));
+            hasSeed = leavesASeed(file.gestures.last(), hasSeed, reader);
+        }
         reader.expectEndOfLine();
     }
     return file;

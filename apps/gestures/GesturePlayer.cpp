@@ -1,23 +1,37 @@
 #include "gestures/GesturePlayer.h"
 
 #include "RyUndoController.h"
+#include "gestures/EventWait.h"
+#include "gestures/GestureError.h"
 #include "gestures/StrokePath.h"
+#include "scissors/RyScissorsEdgePicture.h"
 #include "segmentation/RyImageSegmentation.h"
 
 #include <QCoreApplication>
 #include <QPainterPath>
-#include <QTimer>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
+#include <utility>
 
-using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
 
 GesturePlayer::GesturePlayer(RyImageSegmentation &session, const QTransform &toSession)
     : m_session(session)
     , m_toSession(toSession)
 {}
+
+void GesturePlayer::setPicture(const QImage &picture)
+{
+    m_picture = picture;
+    m_wire.setPicture({});
+}
+
+void GesturePlayer::stop()
+{
+    m_isStopped = true;
+    m_wire.stop();
+}
 
 bool GesturePlayer::play(const Gesture &gesture)
 {
@@ -30,21 +44,22 @@ bool GesturePlayer::play(const Gesture &gesture)
 
 void GesturePlayer::waitForAnswer()
 {
-    // The session does not say when it falls idle, so it is asked whenever something has happened
-    // and at short intervals.
-    QTimer pulse;
-    pulse.start(1ms);
-    do {
-        while (m_session.isBusy() && !m_isStopped)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    do { // the session does not say when it falls idle
+        EventWait::until([this] { return !m_session.isBusy() || m_isStopped; });
         QCoreApplication::sendPostedEvents(); // signals on their way, which may lead to more work
     } while (m_session.isBusy() && !m_isStopped);
 }
 
 void GesturePlayer::apply(const Gesture::Lasso &lasso)
 {
+    m_lasso = lasso.points;
+    startWith(m_toSession.map(lasso.points));
+}
+
+void GesturePlayer::startWith(const QPolygonF &sessionLasso)
+{
     QPainterPath path;
-    path.addPolygon(m_toSession.map(lasso.points));
+    path.addPolygon(sessionLasso);
     path.closeSubpath();
     m_session.startThreadWithInitialPath(path);
 }
@@ -79,6 +94,29 @@ void GesturePlayer::apply(const Gesture::Hover &hover)
 void GesturePlayer::apply(const Gesture::Color &color)
 {
     m_session.setMaskColor(color.color);
+}
+
+void GesturePlayer::apply(const Gesture::Seed &seed)
+{
+    if (!m_picture.isNull()) // sessions without wires are spared the edges
+        m_wire.setPicture(RyScissorsEdgePicture::edgePicture(std::exchange(m_picture, {})));
+    m_wire.begin(m_toSession.map(seed.point));
+}
+
+void GesturePlayer::apply(const Gesture::Wire &wire)
+{
+    if (!m_wire.continueTo(m_toSession.map(wire.point)) && !m_isStopped)
+        throw GestureError(u"no wire leads to %1 %2"_s.arg(wire.point.x()).arg(wire.point.y()));
+}
+
+void GesturePlayer::apply(const Gesture::Close &)
+{
+    if (m_wire.close()) {
+        m_lasso = m_toSession.inverted().map(m_wire.outline());
+        startWith(m_wire.outline());
+    } else if (!m_isStopped) {
+        throw GestureError(u"no wire leads back to its seed"_s);
+    }
 }
 
 void GesturePlayer::apply(const Gesture::Invert &)

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "gestures/Gesture.h"
+#include "gestures/WireTracer.h"
 
+#include <QImage>
 #include <QObject>
 #include <QTransform>
 
@@ -21,13 +23,18 @@ public:
     /// The transform leads from pixels of the picture to those of the session, which is borrowed.
     GesturePlayer(RyImageSegmentation &session, const QTransform &toSession);
 
+    /// The session's picture, for gestures with a wire: these follow its edges.
+    void setPicture(const QImage &picture);
+
     /// Returns when the session has answered and what it said has been delivered; meanwhile events
-    /// are processed. False once stop() was called.
+    /// are processed. False once stop() was called. Throws GestureError where no wire leads on.
     bool play(const Gesture &gesture);
+    /// What the last cut began with, drawn or laid as a wire, in pixels of the picture.
+    QPolygonF lasso() const { return m_lasso; }
 
 public Q_SLOTS:
     /// For good. The session may still be at work.
-    void stop() { m_isStopped = true; }
+    void stop();
 
 private:
     void apply(const Gesture::Lasso &lasso);
@@ -36,13 +43,20 @@ private:
     void apply(const Gesture::Paint &paint);
     void apply(const Gesture::Hover &hover);
     void apply(const Gesture::Color &color);
+    void apply(const Gesture::Seed &seed);
+    void apply(const Gesture::Wire &wire);
+    void apply(const Gesture::Close &);
     void apply(const Gesture::Invert &);
     void apply(const Gesture::Undo &);
     void apply(const Gesture::Redo &);
+    void startWith(const QPolygonF &sessionLasso);
     QPainterPath mappedStroke(const Gesture::Stroke &stroke) const;
     void waitForAnswer();
 
     RyImageSegmentation &m_session;
     const QTransform m_toSession;
+    QImage m_picture; // until a wire needs its edges
+    WireTracer m_wire;
+    QPolygonF m_lasso;
     bool m_isStopped = false;
 };

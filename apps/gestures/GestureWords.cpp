@@ -38,6 +38,16 @@ void describeStep(GestureFields &fields, Gesture::Color &color)
     fields.color(color.color);
 }
 
+void describeStep(GestureFields &fields, Gesture::Seed &seed)
+{
+    fields.point(seed.point);
+}
+
+void describeStep(GestureFields &fields, Gesture::Wire &wire)
+{
+    fields.point(wire.point);
+}
+
 void describeStep(GestureFields &, const Gesture::Plain &) {}
 
 } // namespace
@@ -52,6 +62,9 @@ std::span<const GestureWords::Word> GestureWords::all()
             Word{"paint", "paint fg|bg temporary|final x1 y1 ...", Gesture(Gesture::Paint())},
             Word{"hover", "hover fg|bg x y diameter", Gesture(Gesture::Hover())},
             Word{"color", "color #rrggbb", Gesture(Gesture::Color())},
+            Word{"seed", "seed x y", Gesture(Gesture::Seed())},
+            Word{"wire", "wire x y", Gesture(Gesture::Wire())},
+            Word{"close", "close", Gesture(Gesture::Close())},
             Word{"invert", "invert", Gesture(Gesture::Invert())},
             Word{"undo", "undo", Gesture(Gesture::Undo())},
             Word{"redo", "redo", Gesture(Gesture::Redo())},

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "scissors/RyIntelligentScissors.h"
+
+#include <QElapsedTimer>
+#include <QImage>
+#include <QList>
+#include <QObject>
+#include <QPoint>
+#include <QPolygonF>
+
+#include <chrono>
+
+/**
+ * Lays a wire from point to point, each stretch when the scissors have found it: so the outcome
+ * does not depend on how fast the machine is.
+ *
+ * Threads  one thread with an event loop.
+ */
+class WireTracer : public QObject
+{
+    Q_OBJECT
+
+public:
+    WireTracer();
+
+    /// The wire follows what is bright in this picture. Forgets the wire so far.
+    void setPicture(const QImage &picture);
+
+    /// Begins a wire anew. Points are rounded to pixels of the picture, the nearest one for those
+    /// outside.
+    void begin(const QPointF &point);
+    bool hasBegun() const { return m_hasBegun; }
+    /// Leads the wire on to the point; meanwhile events are processed. False when the scissors find
+    /// no way there, and once stop() was called; the wire then stays as it is.
+    bool continueTo(const QPointF &point);
+    bool close() { return continueTo(m_first); } ///< back to where the wire began
+
+    /// As the scissors gave them; each begins where the one before it ends.
+    QList<QList<QPoint>> stretches() const { return m_stretches; }
+    /// All stretches as one line, in coordinates of the picture: a wire point stands for 2 × 2
+    /// pixels and lies at their common corner.
+    QPolygonF outline() const;
+
+public Q_SLOTS:
+    void stop() { m_isStopped = true; } ///< for good
+
+private:
+    QPoint pixel(const QPointF &point) const;
+    bool isReached(const QPoint &target);
+    bool isReachedBeforeSilence(const QPoint &target, std::chrono::milliseconds silence);
+
+    RyIntelligentScissors m_scissors;
+    QSize m_size;
+    QPoint m_first;
+    QPoint m_last;
+    bool m_hasBegun = false;
+    QList<QList<QPoint>> m_stretches;
+    QElapsedTimer m_sinceProgress;
+    bool m_hasHeard = false; // of progress
+    bool m_isStopped = false;
+};
