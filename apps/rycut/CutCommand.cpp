@@ -25,11 +25,11 @@ protected:
     void readInputs(CutOptions &options) const override
     {
         options.picture = argument(0);
-        options.lassoFile = inputFile(u"lasso"_s);
+        options.lassoFile = fileName(u"lasso"_s);
         options.polygon = value(u"polygon"_s);
         if (isSet(u"lasso"_s) == isSet(u"polygon"_s))
             throwUsage(u"give the lasso with either --lasso or --polygon"_s);
-        options.gesturesFile = inputFile(u"gestures"_s);
+        options.gesturesFile = fileName(u"gestures"_s);
     }
 };
 

@@ -6,9 +6,10 @@
 #include "Interruption.h"
 #include "LabelData.h"
 #include "ObjectPictures.h"
+#include "OutputNames.h"
 #include "Stopwatch.h"
 
-#include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -18,7 +19,7 @@ CutFiles::CutFiles(const CutOptions &options)
     for (auto it = options.outputs.cbegin(); it != options.outputs.cend(); ++it)
         m_files.try_emplace(it.key(), it.value());
     const QString labels = options.outputs.value(CutOutput::Labels);
-    if (CutOutputRules::format(labels) == "raw"_L1)
+    if (OutputNames::format(labels) == "raw"_L1)
         m_labelsDescription =
                 std::make_unique<OutputFile>(CutOutputRules::rawLabelsDescription(labels));
     if (!options.report.isEmpty())
@@ -87,16 +88,7 @@ QStringList CutFiles::commitAll()
         if (file)
             files.push_back(file);
     }
-    // Standard output fails more often than renaming does, and then no file must have appeared.
-    std::stable_partition(files.begin(), files.end(),
-                          [](const OutputFile *file) { return file->isStandardOutput(); });
-    QStringList names;
-    for (OutputFile *const file : files) {
-        file->commit();
-        if (!file->isStandardOutput())
-            names.append(file->name());
-    }
-    return names;
+    return OutputFile::commitAll(std::move(files));
 }
 
 void CutFiles::commitReport()

@@ -12,6 +12,7 @@
 #include <QCryptographicHash>
 
 #include <algorithm>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
@@ -25,7 +26,7 @@ namespace {
 QPolygonF readLasso(const CutOptions &options, const Interruption &interruption)
 {
     if (options.lassoFile.isEmpty())
-        return LassoText::fromArgument(options.polygon);
+        return LassoText::fromArgument(u"--polygon"_s, options.polygon, LassoText::fewestVertices);
     return LassoText::fromFile(InputData::open(options.lassoFile, interruption)->readAll(),
                                InputData::displayName(options.lassoFile));
 }
@@ -65,11 +66,9 @@ QList<Gesture> gesturesToPlay(const GestureFile &file, const CutOptions &options
         gestures.append(Gesture(Gesture::Lasso{lasso}));
     }
     gestures.append(file.gestures);
-    const bool hasLasso = std::any_of(gestures.begin(), gestures.end(), [](const Gesture &gesture) {
-        return std::holds_alternative<Gesture::Lasso>(gesture.step);
-    });
-    if (!hasLasso)
-        throwBadInput(u"%1 holds no lasso"_s.arg(InputData::displayName(options.gesturesFile)));
+    if (!std::any_of(gestures.begin(), gestures.end(), std::mem_fn(&Gesture::beginsCut)))
+        throwBadInput(u"%1 holds no lasso and no closed wire"_s.arg(
+                InputData::displayName(options.gesturesFile)));
     return gestures;
 }
 

@@ -1,10 +1,9 @@
 #include "CutOutputRules.h"
 
 #include "CommandError.h"
+#include "OutputNames.h"
 
-#include <QFileInfo>
 #include <QImageWriter>
-#include <QSet>
 
 using namespace Qt::StringLiterals;
 
@@ -19,7 +18,7 @@ constexpr int opaque = 255;
 
 void checkObjectFormat(const QString &fileName, const QColor &background)
 {
-    const QString format = CutOutputRules::format(fileName);
+    const QString format = OutputNames::format(fileName);
     if (format == "png"_L1)
         return;
     if (!QImageWriter::supportedImageFormats().contains(format.toLatin1()))
@@ -33,24 +32,21 @@ void checkObjectFormat(const QString &fileName, const QColor &background)
 void checkFormat(CutOutput output, const QString &fileName, const QColor &background)
 {
     const QString option = CutOutputRules::optionName(output);
-    const QString format = CutOutputRules::format(fileName);
-    if (fileName.isEmpty())
-        throwUsage(u"--%1 names no file"_s.arg(option));
     if (output == CutOutput::Session)
         return; // a text, whatever the name
     if (output == CutOutput::Object)
         checkObjectFormat(fileName, background);
-    else if (output == CutOutput::Labels && format != "png"_L1 && format != "raw"_L1)
-        throwUsage(u"--labels writes .png or .raw, not '%1'"_s.arg(fileName));
-    else if (output != CutOutput::Labels && format != "png"_L1)
-        throwUsage(u"--%1 writes .png, not '%2'"_s.arg(option, fileName));
+    else if (output == CutOutput::Labels)
+        OutputNames::requireFormat(option, fileName, {u"png"_s, u"raw"_s});
+    else
+        OutputNames::requireFormat(option, fileName, {u"png"_s});
 }
 
 QStringList writtenFiles(const CutOptions &options)
 {
     QStringList names = options.outputs.values();
     const QString labels = options.outputs.value(CutOutput::Labels);
-    if (CutOutputRules::format(labels) == "raw"_L1)
+    if (OutputNames::format(labels) == "raw"_L1)
         names.append(CutOutputRules::rawLabelsDescription(labels));
     if (!options.report.isEmpty())
         names.append(options.report);
@@ -78,11 +74,6 @@ QString CutOutputRules::optionName(CutOutput output)
     Q_UNREACHABLE();
 }
 
-QString CutOutputRules::format(const QString &fileName)
-{
-    return fileName == "-"_L1 ? u"png"_s : QFileInfo(fileName).suffix().toLower();
-}
-
 QString CutOutputRules::rawLabelsDescription(const QString &fileName)
 {
     return fileName + ".json"_L1;
@@ -96,13 +87,5 @@ void CutOutputRules::check(const CutOptions &options)
     if (names.isEmpty())
         throwUsage(u"nothing to write; name a file with --output, --mask, --overlay, --contours, "
                    "--labels, --write-session or --report"_s);
-    QSet<QString> seen;
-    for (const QString &name : names) {
-        const bool isStandardOutput = name == "-"_L1;
-        const QString file = isStandardOutput ? name : QFileInfo(name).absoluteFilePath();
-        if (seen.contains(file))
-            throwUsage(isStandardOutput ? u"only one output can go to standard output"_s
-                                        : u"two outputs would go to %1"_s.arg(name));
-        seen.insert(file);
-    }
+    OutputNames::requireDistinct(names);
 }

@@ -11,8 +11,6 @@ inline constexpr std::array all = {CutOutput::Object,   CutOutput::Mask,   CutOu
                                    CutOutput::Contours, CutOutput::Labels, CutOutput::Session};
 
 QString optionName(CutOutput output);
-/// The file format that the name asks for; standard output carries PNG.
-QString format(const QString &fileName);
 /// The file that tells the size of raw labels.
 QString rawLabelsDescription(const QString &fileName);
 /// Throws CommandError where outputs are missing, collide, or name a format that cannot hold them.

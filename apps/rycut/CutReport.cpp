@@ -1,25 +1,19 @@
 #include "CutReport.h"
 
 #include "CutResult.h"
-#include "Kernel.h"
 #include "LabelData.h"
-#include "RyPlatformIndependent.h"
+#include "ReportFields.h"
 
-#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QJsonObject sizeObject(const QSize &size)
-{
-    return {{u"width"_s, size.width()}, {u"height"_s, size.height()}};
-}
 
 QJsonObject boxObject(const QRectF &box)
 {
@@ -29,16 +23,10 @@ QJsonObject boxObject(const QRectF &box)
             {u"height"_s, box.height()}};
 }
 
-/// The last one, which regions and mask rest on.
-QJsonObject lassoObject(const QList<Gesture> &gestures)
+QJsonObject lassoObject(const QPolygonF &lasso)
 {
-    QPolygonF points;
-    for (const Gesture &gesture : gestures) {
-        if (const auto *const lasso = std::get_if<Gesture::Lasso>(&gesture.step))
-            points = lasso->points;
-    }
-    QJsonObject object = boxObject(points.boundingRect());
-    object.insert(u"vertices"_s, points.size());
+    QJsonObject object = boxObject(lasso.boundingRect());
+    object.insert(u"vertices"_s, lasso.size());
     return object;
 }
 
@@ -46,9 +34,7 @@ QJsonObject lassoObject(const QList<Gesture> &gestures)
 qsizetype gesturesAfterTheLasso(const QList<Gesture> &gestures)
 {
     const auto firstLasso =
-            std::find_if(gestures.begin(), gestures.end(), [](const Gesture &gesture) {
-                return std::holds_alternative<Gesture::Lasso>(gesture.step);
-            });
+            std::find_if(gestures.begin(), gestures.end(), std::mem_fn(&Gesture::beginsCut));
     return gestures.end() - firstLasso - 1;
 }
 
@@ -65,24 +51,12 @@ QJsonObject timesObject(const RySegmentationStatistics &statistics, const CutTim
             {u"writing"_s, times.writingMs}};
 }
 
-QString hexadecimal(const QCryptographicHash &hash)
-{
-    return QString::fromLatin1(hash.result().toHex());
-}
-
 QString maskHash(const QImage &mask)
 {
     QCryptographicHash hash(QCryptographicHash::Sha256);
     for (int y = 0; y < mask.height(); ++y) // the padding of rows does not count
         hash.addData(QByteArrayView(mask.constScanLine(y), mask.width()));
-    return hexadecimal(hash);
-}
-
-QString labelsHash(const QImage &labels)
-{
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    hash.addData(LabelData::raw(labels));
-    return hexadecimal(hash);
+    return QString::fromLatin1(hash.result().toHex());
 }
 
 } // namespace
@@ -90,7 +64,7 @@ QString labelsHash(const QImage &labels)
 QString CutReport::stages(const CutResult &result)
 {
     const RySegmentationStatistics &statistics = result.statistics;
-    const std::pair<QString, double> stages[]{
+    return ReportFields::stages({
             {u"reading"_s, result.times.readingMs},
             {u"scaling"_s, result.times.scalingMs},
             {u"colour planes"_s, statistics.colorPlanesMs},
@@ -99,24 +73,15 @@ QString CutReport::stages(const CutResult &result)
             {u"regions"_s, statistics.regionsMs},
             {u"first cut"_s, statistics.firstCutMs},
             {u"writing"_s, result.times.writingMs},
-    };
-    QStringList texts;
-    for (const auto &[name, milliseconds] : stages)
-        texts.append(u"%1 %2 ms"_s.arg(name, QString::number(milliseconds, 'f', 1)));
-    return texts.join(u", "_s);
+    });
 }
 
 QByteArray CutReport::json(const CutResult &result)
 {
     const RySegmentationStatistics &statistics = result.statistics;
-    const QJsonObject report{
-            {u"library_version"_s, QCoreApplication::applicationVersion()},
-            {u"kernel"_s, Kernel::used()},
-            {u"cores"_s, RyPlatformIndependent::instance().coreCount()},
+    const QJsonObject findings{
             {u"mask_colour"_s, result.maskColour.name()},
-            {u"picture"_s, sizeObject(result.scale.pictureSize())},
-            {u"cutting"_s, sizeObject(result.scale.cuttingSize())},
-            {u"lasso"_s, lassoObject(result.session.gestures)},
+            {u"lasso"_s, lassoObject(result.lasso)},
             {u"gestures"_s, gesturesAfterTheLasso(result.session.gestures)},
             {u"object_box"_s, boxObject(result.objectBox)},
             {u"superpixels_requested"_s, statistics.requestedSuperPixels},
@@ -126,7 +91,10 @@ QByteArray CutReport::json(const CutResult &result)
             {u"foreground_pixels"_s, result.foregroundPixels},
             {u"milliseconds"_s, timesObject(statistics, result.times)},
             {u"mask_sha256"_s, maskHash(result.mask)},
-            {u"labels_sha256"_s, labelsHash(result.labels)},
+            {u"labels_sha256"_s, ReportFields::hash(LabelData::raw(result.labels))},
     };
+    QJsonObject report = ReportFields::head(result.scale);
+    for (auto it = findings.begin(); it != findings.end(); ++it)
+        report.insert(it.key(), it.value());
     return QJsonDocument(report).toJson();
 }

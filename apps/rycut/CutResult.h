@@ -21,6 +21,7 @@ struct CutResult
 {
     QImage picture;      ///< full size, Format_ARGB32
     GestureFile session; ///< all that is done to the picture
+    QPolygonF lasso;     ///< the last one, which regions and mask rest on
     QImage mask;         ///< cutting size, Format_Grayscale8
     QImage fullMask;     ///< full size, likewise
     QImage labels;       ///< cutting size

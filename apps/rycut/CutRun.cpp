@@ -7,8 +7,10 @@
 #include "CutSession.h"
 #include "InputData.h"
 #include "MaskImage.h"
+#include "PictureMemory.h"
 #include "ProgressBar.h"
 #include "Stopwatch.h"
+#include "gestures/GestureError.h"
 
 using namespace Qt::StringLiterals;
 
@@ -46,7 +48,7 @@ void CutRun::computeCut()
     ProgressBar progressBar(!m_options.quiet && Console::errorOutputIsTerminal());
     QObject::connect(&session, &CutSession::progress, &progressBar, &ProgressBar::show);
     QObject::connect(&m_interruption, &Interruption::arrived, &session, &CutSession::abort);
-    const QImage sessionMask = session.cut(picture, m_result.session.gestures);
+    const QImage sessionMask = play(session, picture);
     m_interruption.check();
     requireMemory(sessionMask);
     m_result.times.sessionMs = stopwatch.lapMs();
@@ -57,9 +59,21 @@ void CutRun::computeCut()
     takeResults(session);
 }
 
+QImage CutRun::play(CutSession &session, const QImage &picture) const
+{
+    try {
+        return session.cut(picture, m_result.session.gestures);
+    } catch (const GestureError &error) {
+        const QString &file = m_options.gesturesFile;
+        throw CommandError(ExitStatus::EmptyResult,
+                           u"%1: %2"_s.arg(InputData::displayName(file), error.message()));
+    }
+}
+
 void CutRun::takeResults(const CutSession &session)
 {
     const auto memento = session.segmentation().createMemento(true);
+    m_result.lasso = session.lasso();
     m_result.labels = memento->labels();
     m_result.foregroundRegions = memento->foregroundClusters().size();
     m_result.maskColour = memento->maskColor();
@@ -103,8 +117,5 @@ void CutRun::writeOutputs()
 
 void CutRun::requireMemory(const QImage &image) const
 {
-    if (image.isNull())
-        throw CommandError(ExitStatus::UnreadableInput,
-                           u"%1 cannot be cut: there is too little memory; a smaller --max-length "
-                           "helps"_s.arg(InputData::displayName(m_options.picture)));
+    PictureMemory::require(image, m_options.picture);
 }

@@ -19,6 +19,7 @@ public:
 private:
     void readInputs();
     void computeCut();
+    QImage play(CutSession &session, const QImage &picture) const;
     void takeResults(const CutSession &session);
     void reportEmptyResult();
     void enlarge();

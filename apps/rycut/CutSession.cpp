@@ -13,9 +13,10 @@ CutSession::CutSession(const CuttingScale &scale)
 QImage CutSession::cut(const QImage &picture, const QList<Gesture> &gestures)
 {
     m_segmentation.setup(picture, {});
+    m_player.setPicture(picture);
     bool hasLasso = false; // before that, there is no mask to send
     for (const Gesture &gesture : gestures) {
-        hasLasso = hasLasso || std::holds_alternative<Gesture::Lasso>(gesture.step);
+        hasLasso = hasLasso || gesture.beginsCut();
         m_heardNullMask = false;
         if (!m_player.play(gesture) || (hasLasso && m_heardNullMask))
             return {};

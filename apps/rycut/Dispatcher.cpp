@@ -6,6 +6,7 @@
 #include "ReplayCommand.h"
 #include "RySettings.h"
 #include "SettingsCommand.h"
+#include "WireCommand.h"
 
 #include <QCoreApplication>
 
@@ -34,6 +35,7 @@ Dispatcher::Dispatcher()
 {
     m_commands.push_back(std::make_unique<CutCommand>());
     m_commands.push_back(std::make_unique<ReplayCommand>());
+    m_commands.push_back(std::make_unique<WireCommand>());
     m_commands.push_back(std::make_unique<SettingsCommand>());
 }
 

@@ -10,8 +10,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int fewestVertices = 3; // that enclose an area
-
 [[noreturn]] void throwBadLasso(const QString &message)
 {
     throw CommandError(ExitStatus::UnreadableInput, message);
@@ -35,12 +33,12 @@ QPointF vertex(const QString &text, const QString &place)
     return {coordinate(match.captured(1), place), coordinate(match.captured(2), place)};
 }
 
-QPolygonF withEnoughVertices(const QPolygonF &polygon, const QString &name)
+QPolygonF withEnoughVertices(const QPolygonF &polygon, const QString &name, int fewest)
 {
-    if (polygon.size() < fewestVertices)
-        throwBadLasso(u"%1: a lasso needs at least %2 vertices, found %3"_s.arg(name)
-                              .arg(fewestVertices)
-                              .arg(polygon.size()));
+    if (polygon.size() < fewest)
+        throwBadLasso(
+                u"%1: expected at least %2 vertices, but found %3"_s.arg(name).arg(fewest).arg(
+                        polygon.size()));
     return polygon;
 }
 
@@ -56,13 +54,13 @@ QPolygonF LassoText::fromFile(const QByteArray &text, const QString &name)
         if (!content.isEmpty())
             polygon.append(vertex(content, u"%1, line %2"_s.arg(name).arg(number)));
     }
-    return withEnoughVertices(polygon, name);
+    return withEnoughVertices(polygon, name, fewestVertices);
 }
 
-QPolygonF LassoText::fromArgument(const QString &text)
+QPolygonF LassoText::fromArgument(const QString &option, const QString &text, int fewest)
 {
     QPolygonF polygon;
     for (const QString &pair : text.simplified().split(u' ', Qt::SkipEmptyParts))
-        polygon.append(vertex(pair, u"--polygon, vertex %1"_s.arg(polygon.size() + 1)));
-    return withEnoughVertices(polygon, u"--polygon"_s);
+        polygon.append(vertex(pair, u"%1, vertex %2"_s.arg(option).arg(polygon.size() + 1)));
+    return withEnoughVertices(polygon, option, fewest);
 }

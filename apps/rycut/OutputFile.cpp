@@ -2,10 +2,12 @@
 
 #include "CommandError.h"
 #include "Console.h"
-#include "CutOutputRules.h"
+#include "OutputNames.h"
 
 #include <QFileInfo>
 #include <QImageWriter>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -45,7 +47,7 @@ void OutputFile::write(const QImage &picture)
     if (picture.isNull())
         fail(u"there is too little memory"_s);
     QIODevice &device = m_file ? static_cast<QIODevice &>(*m_file) : m_standardOutput;
-    const QByteArray format = CutOutputRules::format(m_name).toLatin1();
+    const QByteArray format = OutputNames::format(m_name).toLatin1();
     QImageWriter writer(&device, format);
     if (format == "png")
         writer.setCompression(fastCompression);
@@ -61,6 +63,20 @@ void OutputFile::commit()
         fail(m_file->errorString());
     if (!m_file && !Console::writeResult(m_standardOutput.data()))
         fail(u"its reader has gone, or its disk is full"_s);
+}
+
+QStringList OutputFile::commitAll(std::vector<OutputFile *> files)
+{
+    // Standard output fails more often than renaming does, and then no file must have appeared.
+    std::stable_partition(files.begin(), files.end(),
+                          [](const OutputFile *file) { return file->isStandardOutput(); });
+    QStringList names;
+    for (OutputFile *const file : files) {
+        file->commit();
+        if (!file->isStandardOutput())
+            names.append(file->name());
+    }
+    return names;
 }
 
 void OutputFile::fail(const QString &reason) const

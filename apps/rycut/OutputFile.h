@@ -3,9 +3,10 @@
 #include <QBuffer>
 #include <QImage>
 #include <QSaveFile>
-#include <QString>
+#include <QStringList>
 
 #include <memory>
+#include <vector>
 
 /**
  * One file that appears complete or not at all; "-" is standard output. Until commit() nothing
@@ -26,6 +27,8 @@ public:
     /// In the format that the file's name asks for.
     void write(const QImage &picture);
     void commit();
+    /// Makes all of them visible; returns the names of files.
+    static QStringList commitAll(std::vector<OutputFile *> files);
 
 private:
     [[noreturn]] void fail(const QString &reason) const;

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+/// What every command on a picture can be asked for; "-" as a file name is standard input or output.
+struct PictureOptions
+{
+    QString picture;
+    QString report; ///< file name, or empty
+
+    int maxLength = 0; ///< longest side for cutting, in pixels; 0 cuts at full size
+    bool allowHuge = false;
+    bool quiet = false;
+    QString kernel;
+    int cores = 0; ///< 0: those of the machine
+};

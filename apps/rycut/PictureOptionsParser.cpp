@@ -1,0 +1,134 @@
+#include "PictureOptionsParser.h"
+
+#include "CommandError.h"
+#include "Console.h"
+#include "Kernel.h"
+#include "settings/RyImageCutterSettings.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A settings file that was written by hand may hold any number.
+int defaultMaxLength()
+{
+    const int length = RyImageCutterSettings::instance().maximalImageLength();
+    return length >= 1 ? length : RyImageCutterSettings::defaultMaximalImageLength;
+}
+
+} // namespace
+
+PictureOptionsParser::PictureOptionsParser(const QString &command, const QString &description,
+                                           const QList<Argument> &arguments)
+    : m_command(command)
+    , m_arguments(arguments)
+{
+    m_parser.setApplicationDescription(
+            description +
+            u" '-' as a file name is standard input or output. Exit status: 0 done, 1 wrong usage, "
+            "2 an input cannot be read or does not fit, 3 nothing found to cut out, 4 cannot "
+            "write, 130 interrupted."_s);
+    QString syntax = command;
+    for (const auto &[name, text] : arguments) {
+        syntax += u' ' + name;
+        m_parser.addPositionalArgument(name, text, std::exchange(syntax, QString()).trimmed());
+    }
+    m_parser.addOption({{u"h"_s, u"help"_s}, u"Show this help."_s});
+}
+
+void PictureOptionsParser::throwUsage(const QString &message)
+{
+    throw CommandError(ExitStatus::Usage, message);
+}
+
+void PictureOptionsParser::addSizeOptions()
+{
+    m_parser.addOptions({{u"max-length"_s,
+                          u"Reduce larger pictures to this longest side for cutting; 0 for never. "
+                          "Default: %1."_s.arg(defaultMaxLength()),
+                          u"pixels"_s},
+                         {u"full-size"_s, u"Cut at full size, as --max-length 0 does."_s},
+                         {u"allow-huge"_s, u"Read pictures of more than 200 megapixels."_s}});
+}
+
+void PictureOptionsParser::addOtherOptions()
+{
+    m_parser.addOptions({{u"report"_s, u"What was done, as JSON."_s, u"file"_s},
+                         {u"kernel"_s, u"One of %1."_s.arg(Kernel::names().join(u", "_s)),
+                          u"name"_s, u"auto"_s},
+                         {u"cores"_s, u"Processor cores to cut the work for."_s, u"number"_s},
+                         {u"quiet"_s, u"Say nothing but errors."_s}});
+}
+
+void PictureOptionsParser::parse(const QStringList &arguments)
+{
+    if (!m_parser.parse(QStringList(u"rycut"_s) + arguments))
+        throwUsage(u"%1 Try 'rycut %2 --help'."_s.arg(m_parser.errorText(), m_command));
+}
+
+bool PictureOptionsParser::wantsHelp() const
+{
+    return isSet(u"help"_s);
+}
+
+ExitStatus PictureOptionsParser::showHelp() const
+{
+    if (!Console::writeResult(m_parser.helpText().toUtf8()))
+        throw CommandError(ExitStatus::CannotWrite, u"standard output cannot be written"_s);
+    return ExitStatus::Done;
+}
+
+void PictureOptionsParser::readPictureOptions(PictureOptions &options) const
+{
+    options.report = fileName(u"report"_s);
+    options.maxLength = maxLength();
+    options.allowHuge = isSet(u"allow-huge"_s);
+    options.quiet = isSet(u"quiet"_s);
+    options.kernel = value(u"kernel"_s);
+    if (!Kernel::names().contains(options.kernel))
+        throwUsage(u"--kernel: '%1' is not one of %2"_s.arg(options.kernel,
+                                                            Kernel::names().join(u", "_s)));
+    if (isSet(u"cores"_s))
+        options.cores = number(u"cores"_s, 1);
+}
+
+void PictureOptionsParser::checkArguments() const
+{
+    const qsizetype given = m_parser.positionalArguments().size();
+    if (given < m_arguments.size())
+        throwUsage(u"no %1 given; try 'rycut %2 --help'"_s.arg(m_arguments.at(given).name.toLower(),
+                                                               m_command));
+    if (given > m_arguments.size())
+        throwUsage(u"%1 arguments were given, but %2 takes %3"_s.arg(given).arg(m_command).arg(
+                m_arguments.size()));
+}
+
+QString PictureOptionsParser::fileName(const QString &name) const
+{
+    if (isSet(name) && value(name).isEmpty())
+        throwUsage(u"--%1 names no file"_s.arg(name));
+    return value(name);
+}
+
+int PictureOptionsParser::maxLength() const
+{
+    const bool fullSize = isSet(u"full-size"_s);
+    if (!isSet(u"max-length"_s))
+        return fullSize ? 0 : defaultMaxLength();
+    const int length = number(u"max-length"_s, 0);
+    if (fullSize && length != 0)
+        throwUsage(u"--full-size and --max-length %1 contradict each other"_s.arg(length));
+    return length;
+}
+
+int PictureOptionsParser::number(const QString &name, int least) const
+{
+    bool isNumber = false;
+    const int result = value(name).toInt(&isNumber);
+    if (!isNumber || result < least)
+        throwUsage(
+                u"--%1: '%2' is not a whole number from %3 up"_s.arg(name, value(name)).arg(least));
+    return result;
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "ExitStatus.h"
+#include "PictureOptions.h"
+
+#include <QCommandLineParser>
+#include <QStringList>
+
+/// Reads the arguments of a command on a picture. What they contradict is thrown as CommandError,
+/// with the status for usage, before any file is touched.
+class PictureOptionsParser
+{
+public:
+    virtual ~PictureOptionsParser() = default;
+    Q_DISABLE_COPY_MOVE(PictureOptionsParser)
+
+    /// Without the names of program and command.
+    void parse(const QStringList &arguments);
+    bool wantsHelp() const;
+    ExitStatus showHelp() const;
+
+protected:
+    struct Argument
+    {
+        QString name;
+        QString description;
+    };
+
+    PictureOptionsParser(const QString &command, const QString &description,
+                         const QList<Argument> &arguments);
+
+    void addOptions(const QList<QCommandLineOption> &options) { m_parser.addOptions(options); }
+    /// Those that fill in PictureOptions.
+    void addSizeOptions();
+    void addOtherOptions();
+    /// All but the picture.
+    void readPictureOptions(PictureOptions &options) const;
+    void checkArguments() const;
+
+    [[noreturn]] static void throwUsage(const QString &message);
+    QString argument(int index) const { return m_parser.positionalArguments().at(index); }
+    bool isSet(const QString &name) const { return m_parser.isSet(name); }
+    QString value(const QString &name) const { return m_parser.value(name); }
+    /// Empty where the option is not set.
+    QString fileName(const QString &name) const;
+
+private:
+    int number(const QString &name, int least) const;
+    int maxLength() const;
+
+    const QString m_command;
+    const QList<Argument> m_arguments;
+    QCommandLineParser m_parser;
+};
