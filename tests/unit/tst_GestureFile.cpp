@@ -44,6 +44,7 @@ void tst_GestureFile::writesWhatItRead_data()
     row("hover bg 1 2 30\n");
     row("color #ff8000\n");
     row("invert\nundo\nredo\n");
+    row("seed 1 2\nwire 3 4\nclick 9 9\nclose\nseed 5 6\nclose\n");
     row("click +1e1 2.50\n", "click 10 2.5\n");
     row("width 5\nclick 1 2\nwidth 7\nwidth 12\npaint fg final 1 2",
         "click 1 2\npaint fg final 1 2\n");
@@ -130,6 +131,9 @@ void tst_GestureFile::namesTheMalformedLine_data()
     for (const char *const color : {"", "red", "#ff800", "#ff80001", "#gg0000", "# red"})
         row(QByteArray("color ") + color, u"#ff8000"_s);
     row("undo 2", u"'2'"_s);
+    row("wire 1 2", u"seed"_s);
+    row("close", u"seed"_s);
+    whole(begin + "seed 1 2\nclose\nwire 3 4\n", 4, u"seed"_s);
     for (const QByteArray &picture :
          {QByteArray("600 400 " + hash), QByteArray("600x0 " + hash), QByteArray("x400 " + hash),
           QByteArray("600x400"), QByteArray("600x400 " + hash.chopped(1)),
