@@ -5,9 +5,18 @@
 #include <cstdio>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 void Console::say(const QString &sentence)
 {
     QTextStream(stderr) << "rycut: " << sentence << '\n';
+}
+
+void Console::sayWritten(const QStringList &files, const QString &stages)
+{
+    if (!files.isEmpty())
+        say(u"wrote %1"_s.arg(files.join(u", "_s)));
+    say(stages);
 }
 
 bool Console::writeResult(const QByteArray &bytes)

@@ -108,11 +108,8 @@ void CutRun::writeOutputs()
     m_files.writeReport(m_result);
     m_interruption.check();
     const QStringList names = m_files.commitAll();
-    if (m_options.quiet)
-        return;
-    if (!names.isEmpty())
-        Console::say(u"wrote %1"_s.arg(names.join(u", "_s)));
-    Console::say(CutReport::stages(m_result));
+    if (!m_options.quiet)
+        Console::sayWritten(names, CutReport::stages(m_result));
 }
 
 void CutRun::requireMemory(const QImage &image) const

@@ -85,11 +85,11 @@ void WireRun::layStretches(WireTracer &tracer)
         const bool isFound = tracer.continueTo(targets.at(i));
         m_interruption.check();
         if (!isFound)
-            throw CommandError(
-                    ExitStatus::EmptyResult,
-                    u"stretch %1 of the wire was not found: no way leads to %2,%3"_s.arg(i)
-                            .arg(points.at(i).x())
-                            .arg(points.at(i).y()));
+            throw CommandError(ExitStatus::EmptyResult,
+                               u"stretch %1 of the wire was not found: no way leads to %2,%3; "
+                               "points nearer to each other help"_s.arg(i)
+                                       .arg(points.at(i).x())
+                                       .arg(points.at(i).y()));
         m_result.times.stretchesMs.append(stopwatch.lapMs());
         progressBar.show(int(i), int(targets.size()) - 1);
     }
@@ -118,9 +118,6 @@ void WireRun::writeOutputs()
     m_files.write(m_result, m_interruption);
     m_interruption.check();
     const QStringList names = m_files.commit();
-    if (m_options.quiet)
-        return;
-    if (!names.isEmpty())
-        Console::say(u"wrote %1"_s.arg(names.join(u", "_s)));
-    Console::say(WireReport::stages(m_result));
+    if (!m_options.quiet)
+        Console::sayWritten(names, WireReport::stages(m_result));
 }

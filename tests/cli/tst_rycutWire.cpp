@@ -84,6 +84,7 @@ private Q_SLOTS:
     void takesUnusualPoints();
     void failsInOneLine_data();
     void failsInOneLine();
+    void namesTheStretchThatIsTooLong();
     void stopsOnInterrupt();
     void sessionsCutInsideWires();
 
@@ -251,6 +252,19 @@ void tst_rycutWire::failsInOneLine()
     QCOMPARE(run.status, status);
     QVERIFY2(run.errors.count('\n') == 1 && run.errors.contains(named), run.errors.constData());
     QCOMPARE(files(), QStringList());
+}
+
+void tst_rycutWire::namesTheStretchThatIsTooLong()
+{
+    QImage picture(20000, 1, QImage::Format_Grayscale8);
+    picture.fill(0);
+    QVERIFY(picture.save(path(u"p.png"_s)));
+    const RycutRun run = RycutRun::of({u"wire"_s, path(u"p.png"_s), u"--full-size"_s, u"--points"_s,
+                                       u"0,0 3000,0 19999,0"_s, u"--outline"_s, path(u"w.svg"_s)});
+    QCOMPARE(run.status, 3);
+    QVERIFY2(run.errors.contains("stretch 2") && run.errors.contains("19999,0"),
+             run.errors.constData());
+    QCOMPARE(files(), QStringList{u"p.png"_s});
 }
 
 void tst_rycutWire::stopsOnInterrupt()
