@@ -154,7 +154,7 @@ void tst_rycutWire::outputsAgree()
     QCOMPARE(overlay.pixel(290, 18), qRgb(255, 255, 255)); // the first seed
 }
 
-/// Half of the brightness wire's way lies on the white of the cup, a few pixels inside its rim.
+/// Brightness leads along the white of the cup, some pixels inside its rim.
 void tst_rycutWire::followsWhatItIsTold()
 {
     const auto enclosed = [this](const QString &cost) {
