@@ -4,16 +4,6 @@
 
 #include <algorithm>
 
-using namespace std::chrono_literals;
-
-WireTracer::WireTracer()
-{
-    connect(&m_scissors, &RyIntelligentScissors::progessChanged, this, [this] {
-        m_sinceProgress.start();
-        m_hasHeard = true;
-    });
-}
-
 void WireTracer::setPicture(const QImage &picture)
 {
     m_scissors.setup(picture);
@@ -49,32 +39,13 @@ bool WireTracer::continueTo(const QPointF &point)
     return true;
 }
 
-/// The scissors tell how far they are, but not that they have come to an end. So they are stopped
-/// after a long silence, which they answer if they were at work still: then they begin again, and
-/// get more time.
 bool WireTracer::isReached(const QPoint &target)
 {
-    for (std::chrono::milliseconds silence = 3s; !m_isStopped; silence *= 2) {
-        if (isReachedBeforeSilence(target, silence))
-            return true;
-        m_hasHeard = false;
-        m_scissors.stopRunning();
-        if (!m_hasHeard)
-            return !m_isStopped && m_scissors.containsWireToPoint(target);
-    }
-    return false;
-}
-
-bool WireTracer::isReachedBeforeSilence(const QPoint &target, std::chrono::milliseconds silence)
-{
-    bool isReached = false;
-    m_sinceProgress.start();
     m_scissors.initializeSeed(m_last);
     EventWait::until([&] {
-        isReached = m_scissors.containsWireToPoint(target);
-        return isReached || m_isStopped || m_sinceProgress.hasExpired(silence.count());
+        return m_isStopped || !m_scissors.isSearching() || m_scissors.containsWireToPoint(target);
     });
-    return isReached;
+    return !m_isStopped && m_scissors.containsWireToPoint(target);
 }
 
 QPolygonF WireTracer::outline() const

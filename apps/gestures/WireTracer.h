@@ -2,14 +2,11 @@
 
 #include "scissors/RyIntelligentScissors.h"
 
-#include <QElapsedTimer>
 #include <QImage>
 #include <QList>
 #include <QObject>
 #include <QPoint>
 #include <QPolygonF>
-
-#include <chrono>
 
 /**
  * Lays a wire from point to point, each stretch when the scissors have found it: so the outcome
@@ -22,8 +19,6 @@ class WireTracer : public QObject
     Q_OBJECT
 
 public:
-    WireTracer();
-
     /// The wire follows what is bright in this picture. Forgets the wire so far.
     void setPicture(const QImage &picture);
 
@@ -48,7 +43,6 @@ public Q_SLOTS:
 private:
     QPoint pixel(const QPointF &point) const;
     bool isReached(const QPoint &target);
-    bool isReachedBeforeSilence(const QPoint &target, std::chrono::milliseconds silence);
 
     RyIntelligentScissors m_scissors;
     QSize m_size;
@@ -56,7 +50,5 @@ private:
     QPoint m_last;
     bool m_hasBegun = false;
     QList<QList<QPoint>> m_stretches;
-    QElapsedTimer m_sinceProgress;
-    bool m_hasHeard = false; // of progress
     bool m_isStopped = false;
 };

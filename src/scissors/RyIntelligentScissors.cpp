@@ -111,6 +111,12 @@ void RyIntelligentScissors::initializeSeed(const QPointF &point)
     m_wireCalculator->startThread(seed.x(), seed.y(), m_windowSize);
 }
 
+bool RyIntelligentScissors::isSearching() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_wireCalculator && m_wireCalculator->isExecuting();
+}
+
 bool RyIntelligentScissors::containsWireToPoint(const QPointF &point) const
 {
     const QMutexLocker lock(&m_mutex);
@@ -152,7 +158,7 @@ QPoint RyIntelligentScissors::roundedIntoPicture(const QPointF &point) const
 
 void RyIntelligentScissors::stopRunning()
 {
-    if (!m_wireCalculator || !m_wireCalculator->isExecuting())
+    if (!isSearching())
         return;
     m_wireCalculator->stoppingThread();
     Q_EMIT progessChanged(m_wireCalculator->totalProgress());

@@ -53,6 +53,10 @@ public:
     /// where earlier seeds have searched.
     void initializeSeed(const QPointF &point);
 
+    /// True while the search from the last seed goes on. What it has not found by its end, it will
+    /// not find.
+    bool isSearching() const;
+
     /// The point is rounded, and brought into the picture.
     bool containsWireToPoint(const QPointF &point) const;
     /// The wire from the seed to the point; empty when it is not known yet. Other than in
