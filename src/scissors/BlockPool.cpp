@@ -6,6 +6,7 @@
 
 #include <bit>
 #include <cstdlib>
+#include <new>
 #include <vector>
 
 namespace {
@@ -70,7 +71,11 @@ void put(Pool::FreeLists &lists, void *block)
     if (!block)
         return;
     const QMutexLocker lock(&pool().mutex);
-    lists[*header(block)].push_back(block);
+    try {
+        lists[*header(block)].push_back(block);
+    } catch (const std::bad_alloc &) { // giving back must not fail
+        std::free(header(block));
+    }
 }
 
 void Pool::freeAll(FreeLists &lists)

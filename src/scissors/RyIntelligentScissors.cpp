@@ -73,6 +73,8 @@ void RyIntelligentScissors::createCalculators()
                       quint32(m_grey.bytesPerLine()), quint32(m_grey.width()),
                       quint32(m_grey.height()));
     auto wire = std::make_unique<RyIntelligentScissorsWireCalculator>(weights.get());
+    if (!wire->isValid())
+        throw std::bad_alloc();
     connect(weights.get(), &RyIntelligentScissorsWorker::progressChanged, this,
             &RyIntelligentScissors::progessChanged);
     connect(wire.get(), &RyIntelligentScissorsWorker::progressChanged, this,
@@ -158,9 +160,8 @@ QPoint RyIntelligentScissors::roundedIntoPicture(const QPointF &point) const
 
 void RyIntelligentScissors::stopRunning()
 {
-    if (!isSearching())
+    if (!m_wireCalculator || !m_wireCalculator->stoppingThread())
         return;
-    m_wireCalculator->stoppingThread();
     Q_EMIT progessChanged(m_wireCalculator->totalProgress());
 }
 

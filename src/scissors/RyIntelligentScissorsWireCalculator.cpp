@@ -27,6 +27,11 @@ RyIntelligentScissorsWireCalculator::~RyIntelligentScissorsWireCalculator()
     stoppingThread();
 }
 
+bool RyIntelligentScissorsWireCalculator::isValid() const
+{
+    return m_search->hasTables();
+}
+
 void RyIntelligentScissorsWireCalculator::startThread(int x, int y, quint32 windowSize)
 {
     stop(true); // before the seed is written, which the run reads
@@ -52,9 +57,9 @@ bool RyIntelligentScissorsWireCalculator::prepareRun()
 
 void RyIntelligentScissorsWireCalculator::runningThread()
 {
-    m_weightCalculator->calculateRegion(quint32(m_seedX) / m_scale, quint32(m_seedY) / m_scale,
-                                        m_radius);
     try {
+        m_weightCalculator->calculateRegion(quint32(m_seedX) / m_scale, quint32(m_seedY) / m_scale,
+                                            m_radius);
         m_search->run(*m_weightCalculator->m_blocks, *this);
     } catch (const std::bad_alloc &) { // what is final stays so; nothing more is reached
     }

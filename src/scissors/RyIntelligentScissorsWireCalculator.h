@@ -40,6 +40,9 @@ public:
             RyIntelligentScissorsWeightCalculator *weightCalculator);
     ~RyIntelligentScissorsWireCalculator() override;
 
+    /// False when memory was too short for its tables: then nothing is ever reached.
+    bool isValid() const;
+
     /// Ends the run in progress and forgets what it found, then begins a new one. In pixels.
     void startThread(int x, int y, quint32 windowSize);
 

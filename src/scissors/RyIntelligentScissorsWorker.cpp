@@ -38,20 +38,22 @@ void RyIntelligentScissorsWorker::startThread()
     setExecuting(true);
     m_progress.store(0, std::memory_order_relaxed);
     start(QThread::InheritPriority);
-    if (!isRunning() && !isFinished())
-        setExecuting(false); // the system gave no thread: nobody may wait for its work
-}
-
-void RyIntelligentScissorsWorker::stop(bool wait)
-{
-    if (isExecuting()) {
+    if (!isRunning() && !isFinished()) { // the system gave no thread: nobody may wait for its work
         setExecuting(false);
         wakeUp();
     }
+}
+
+bool RyIntelligentScissorsWorker::stop(bool wait)
+{
+    const bool endsRun = setExecuting(false);
+    if (endsRun)
+        wakeUp();
     if (wait) {
         QThread::wait();
         static_cast<void>(m_hasEnded.load(std::memory_order_acquire));
     }
+    return endsRun;
 }
 
 void RyIntelligentScissorsWorker::stop()
@@ -63,13 +65,13 @@ void RyIntelligentScissorsWorker::run()
 {
     if (isExecuting())
         runningThread();
-    if (isExecuting())
-        setExecuting(false);
+    setExecuting(false);
     m_hasEnded.store(true, std::memory_order_release);
 }
 
-void RyIntelligentScissorsWorker::setExecuting(bool isExecuting)
+/// Tells what the flag was.
+bool RyIntelligentScissorsWorker::setExecuting(bool isExecuting)
 {
     const QMutexLocker lock(&m_mutex);
-    m_isExecuting.store(isExecuting, std::memory_order_release);
+    return m_isExecuting.exchange(isExecuting, std::memory_order_acq_rel);
 }

@@ -45,9 +45,10 @@ public:
     /// Ends a run in progress, waits for it, and begins a new one. Units that were counted since
     /// the last signal of the old run count towards the first of the new one.
     void startThread();
-    /// Ends a run; with wait, returns when its thread has ended, whoever told it to end.
-    void stop(bool wait);
-    void stoppingThread() { stop(true); }
+    /// Ends a run; with wait, returns when its thread has ended, whoever told it to end. False when
+    /// there was no run to end.
+    bool stop(bool wait);
+    bool stoppingThread() { return stop(true); }
 
 public Q_SLOTS:
     virtual void stop();
@@ -65,7 +66,7 @@ protected:
     void run() override;
 
 private:
-    void setExecuting(bool isExecuting);
+    bool setExecuting(bool isExecuting);
 
     const QString m_name;
     QMutex m_mutex; // held while the flag is written

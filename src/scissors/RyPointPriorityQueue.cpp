@@ -75,8 +75,8 @@ void RyPointPriorityQueue::insert(quint32 x, quint32 y, quint32 extra, quint32 s
         tile.positions = static_cast<quint32 *>(BlockPool::getZeroed(tileBytes(x, y)));
     if (!tile.positions)
         return; // out of memory: as if the point lay outside
-    ++tile.queued;
     m_heap.push_back({score, x, y, extra});
+    ++tile.queued;
     heapifyFromEndToBeginning(m_heap.size() - 1);
 }
 

@@ -13,14 +13,15 @@ RyScissorsSearch::RyScissorsSearch(quint32 width, quint32 height)
 
 void RyScissorsSearch::clear()
 {
-    ++m_runs; // first: whoever reads from here on finds the number changed, or the table cleared
+    ++m_runs; // odd while the table is being cleared: nobody may begin to read it then
     m_arrivals.clear();
     m_heap.clear();
+    ++m_runs;
 }
 
 void RyScissorsSearch::start(Point seed)
 {
-    if (!m_arrivals.data() || !m_slots.data())
+    if (!hasTables())
         return;
     std::atomic_ref(m_arrivals.data()[cell(seed.x, seed.y)])
             .store(RyScissorsArrival::isSeed, std::memory_order_relaxed);
@@ -40,8 +41,11 @@ bool RyScissorsSearch::isReached(quint32 x, quint32 y) const
 QList<Point> RyScissorsSearch::trace(quint32 x, quint32 y) const
 {
     const quint32 run = m_runs.load(std::memory_order_acquire);
+    if (run % 2 == 1)
+        return {};
+    const quint64 most = quint64(m_width) * m_height; // a path that runs mix could go in circles
     QList<Point> points;
-    while (isReached(x, y)) {
+    while (isReached(x, y) && quint64(points.size()) < most) {
         points.append({x, y});
         const uchar direction = arrival(x, y) & RyScissorsArrival::directionMask;
         if (direction == RyScissorsArrival::isSeed)

@@ -40,6 +40,10 @@ public:
         return x >= 0 && y >= 0 && x < m_width && y < m_height;
     }
 
+    bool hasTables() const
+    {
+        return m_arrivals.data() && m_slots.data();
+    }             ///< else memory was short
     void clear(); ///< nothing is reached any more
     void start(Point seed);
     /// Makes points final, the cheapest first, while the worker executes, and counts them there.

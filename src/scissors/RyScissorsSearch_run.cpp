@@ -241,6 +241,6 @@ const RyScissorsWeightBlocks::Content *RyScissorsSearch::Run::findBlock(quint32 
 
 void RyScissorsSearch::run(RyScissorsWeightBlocks &weights, RyIntelligentScissorsWorker &worker)
 {
-    if (m_arrivals.data() && m_slots.data())
+    if (hasTables())
         Run(*this, weights, worker).searchAll();
 }

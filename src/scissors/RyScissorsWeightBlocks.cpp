@@ -153,6 +153,8 @@ void RyScissorsWeightBlocks::request(quint32 x, quint32 y, quint32 radius)
             if (state(index) != State::NotRequested)
                 continue;
             m_queue.enqueue(column, row, index, calculateScoreCB(column, row, index, &point));
+            if (!m_queue.contains(column, row))
+                continue; // too little memory: nobody may wait for it
             m_states[index].store(State::Queued, std::memory_order_release);
         }
     }

@@ -4,8 +4,21 @@
 #include <cstdlib>
 
 #ifdef __linux__
-
 #include <sys/mman.h>
+#endif
+
+namespace {
+
+/// Other threads may be reading.
+void clearByHand(uchar *bytes, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        std::atomic_ref(bytes[i]).store(0, std::memory_order_relaxed);
+}
+
+} // namespace
+
+#ifdef __linux__
 
 // Small pages, not large ones: a wire to a point nearby touches strips of the tables that lie far
 // apart, and zeroing two megabytes for each of them took more than larger pages save.
@@ -26,8 +39,8 @@ RyZeroedPages::~RyZeroedPages()
 /// The system takes the pages away, and gives zeroed ones when they are touched again.
 void RyZeroedPages::clear()
 {
-    if (m_data)
-        madvise(m_data, m_bytes, MADV_DONTNEED);
+    if (m_data && madvise(m_data, m_bytes, MADV_DONTNEED) != 0)
+        clearByHand(m_data, m_bytes); // pages that are locked into memory stay
 }
 
 #else
@@ -44,8 +57,8 @@ RyZeroedPages::~RyZeroedPages()
 
 void RyZeroedPages::clear()
 {
-    for (std::size_t i = 0; m_data && i < m_bytes; ++i)
-        std::atomic_ref(m_data[i]).store(0, std::memory_order_relaxed);
+    if (m_data)
+        clearByHand(m_data, m_bytes);
 }
 
 #endif
