@@ -9,6 +9,7 @@
 #include <atomic>
 #include <exception>
 #include <memory>
+#include <new>
 
 namespace {
 
@@ -70,17 +71,25 @@ private:
     std::exception_ptr m_failure;
 };
 
+/// False when no thread is free, or when there is too little memory to ask one.
+bool inviteHelper(const std::shared_ptr<Loop> &loop)
+{
+    try {
+        return QThreadPool::globalInstance()->tryStart([loop] { loop->help(); });
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
+}
+
 } // namespace
 
 void RyConcurrent::forEachIndex(qsizetype count, const std::function<void(qsizetype)> &body)
 {
     const auto loop = std::make_shared<Loop>(count, body);
-    QThreadPool *const pool = QThreadPool::globalInstance();
-    const qsizetype wanted = std::min<qsizetype>(count, pool->maxThreadCount()) - 1;
-    for (qsizetype helper = 0; helper < wanted; ++helper) {
-        if (!pool->tryStart([loop] { loop->help(); }))
-            break;
-    }
+    const int threads = QThreadPool::globalInstance()->maxThreadCount();
+    qsizetype wanted = std::min<qsizetype>(count, threads) - 1;
+    while (wanted > 0 && inviteHelper(loop))
+        --wanted;
     loop->work();
     loop->waitForHelpers();
 }
