@@ -186,6 +186,7 @@ private:
     void performNextRequest();
     void sendMask(const QImage &mask);
     void doInitialCut(quint64 epoch);
+    void prepareForCorrections(const QImage &mask);
     bool adoptLassoInsideTheLastOne(RySegmentationState &work, quint64 epoch);
     void cutObjectInitial(RySegmentationState &work, quint64 epoch);
     void paintSelecting();

@@ -10,6 +10,8 @@
 #include <QMutexLocker>
 #include <QPainter>
 
+#include <new>
+
 /// The cut that was asked for in an epoch.
 void RyImageSegmentation::doInitialCut(quint64 epoch)
 {
@@ -32,8 +34,21 @@ void RyImageSegmentation::doInitialCut(quint64 epoch)
     cutObjectInitial(work, epoch);
     work.statistics.firstCutMs = double(timer.nsecsElapsed()) / 1e6;
     // A cut that was overtaken says nothing; what overtook it has asked for a cut of its own.
-    if (!isInterruptionRequested() && publishCut(work, epoch) && !isRestored())
+    if (!isInterruptionRequested() && publishCut(work, epoch) && !isRestored()) {
         sendMask(work.foregroundMask);
+        prepareForCorrections(work.foregroundMask);
+    }
+}
+
+/// While the user looks at the mask; what there is no memory for now, the first gesture asks for.
+void RyImageSegmentation::prepareForCorrections(const QImage &mask)
+{
+    try {
+        d->buffers->prepare(mask);
+        d->coverage.prepare(mask.size());
+    } catch (const std::bad_alloc &) {
+        return;
+    }
 }
 
 /// Grows the new lasso. When the regions at hand do not cover it, the host's thread starts a worker

@@ -192,6 +192,17 @@ void RyMaskBuffers::giveBack(Buffer buffer)
     }
 }
 
+void RyMaskBuffers::prepare(const QImage &mask)
+{
+    {
+        const QMutexLocker lock(&m_mutex);
+        if (!m_spares.empty() || mask.isNull())
+            return;
+    }
+    const QImage first = copyOf(mask).finish(); // both spare from the end of this on
+    const QImage second = copyOf(mask).finish();
+}
+
 void RyMaskBuffers::releaseSpares()
 {
     std::array<Buffer, mostSpares + 1> released; // all of this goes after the lock

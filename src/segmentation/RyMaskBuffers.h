@@ -70,6 +70,9 @@ public:
 
     /// Begins with a copy of a mask of Format_ARGB32_Premultiplied, which must not be null.
     Draft copyOf(const QImage &mask);
+    /// Copies the mask twice for later, if there is no spare memory yet, so that the first masks
+    /// made from it take no longer than others.
+    void prepare(const QImage &mask);
     /// Gives memory back that holds no mask any more.
     void releaseSpares();
     /// The same, also for memory that comes back later; at the end of a session.

@@ -31,7 +31,7 @@ const uchar *findCovered(const uchar *from, const uchar *end)
 void RyStrokeCoverage::forEachRun(const RyStroke &stroke, const QSize &picture,
                                   const VisitRun &visit)
 {
-    setSize(picture);
+    prepare(picture);
     if (m_covered.isNull())
         return;
     QImage covered; // lost, and made anew, if visiting fails before all is zero again
@@ -56,12 +56,13 @@ void RyStrokeCoverage::forEachRun(const RyStroke &stroke, const QSize &picture,
     m_covered.swap(covered);
 }
 
-void RyStrokeCoverage::setSize(const QSize &size)
+void RyStrokeCoverage::prepare(const QSize &picture)
 {
-    if (m_covered.size() == size)
+    if (m_covered.size() == picture)
         return;
     m_covered = QImage();
-    m_covered = RyImageMemory::zeroedImage(size, QImage::Format_Grayscale8);
-    if (m_covered.isNull() && !size.isEmpty())
+    m_covered = RyImageMemory::image(picture, QImage::Format_Grayscale8);
+    m_covered.fill(0);
+    if (m_covered.isNull() && !picture.isEmpty())
         throw std::bad_alloc();
 }

@@ -22,12 +22,12 @@ public:
     /// A row and the columns from left to right, which is exclusive.
     using VisitRun = std::function<void(int y, int left, int right)>;
 
+    /// Makes room for strokes on pictures of this size, which the first one would do.
+    void prepare(const QSize &picture);
     /// Visits what the stroke covers of the picture, from top to bottom and left to right; a row
     /// may have several runs.
     void forEachRun(const RyStroke &stroke, const QSize &picture, const VisitRun &visit);
 
 private:
-    void setSize(const QSize &size);
-
     QImage m_covered; // Format_Grayscale8
 };
