@@ -190,14 +190,12 @@ void RyImageSegmentation::performNextRequest()
     Private::Request request;
     quint64 epoch = 0;
     quint64 restores = 0;
-    QColor color;
     {
         const QMutexLocker lock(&d->mutex);
         if (d->requests.empty())
             return; // reset() has taken them away
         epoch = d->epoch;
         restores = d->restores;
-        color = d->maskColor;
         request = d->requests.front();
         if (!request.isStroke()) // strokes are taken together, once their turn has come
             d->requests.pop_front();
@@ -220,11 +218,7 @@ void RyImageSegmentation::performNextRequest()
         paintHovering();
         break;
     case UpdateMask: // maybe before there is a first mask
-        if (const auto mask = d->change([color](RySegmentationState &state) {
-                state.maskColor = color;
-                state.updateMask();
-            });
-            mask && !mask->isNull())
+        if (const auto mask = d->recolor(); mask && !mask->isNull())
             sendMask(*mask);
         break;
     case InvertMask:
@@ -249,6 +243,18 @@ void RyImageSegmentation::sendMask(const QImage &mask)
         --session->undeliveredMasks;
     };
     QMetaObject::invokeMethod(this, isDelivered, Qt::QueuedConnection);
+}
+
+/// In the colour that is asked for by then: a memento may have brought another one since.
+std::optional<QImage> RyImageSegmentation::Private::recolor()
+{
+    return change([this](RySegmentationState &work) {
+        {
+            const QMutexLocker lock(&mutex);
+            work.maskColor = maskColor;
+        }
+        work.updateMask();
+    });
 }
 
 /// A request that would do what the last one does already is left out; of hovers and of first cuts

@@ -82,6 +82,7 @@ struct RyImageSegmentation::Private
     Strokes takeStrokes();
     void applyClick(const Click &click);
     void applyClicks();
+    std::optional<QImage> recolor();
     std::optional<QImage> change(const Change &change, std::optional<quint64> restoresBefore = {});
 
     mutable QMutex mutex; // guards everything down to the next comment; no signal under it

@@ -1,6 +1,5 @@
 #include "segmentation/RyStrokeCoverage.h"
 
-#include "image/RyGeometry.h"
 #include "image/RyImageMemory.h"
 #include "segmentation/RyLasso.h"
 #include "segmentation/RyStroke.h"
