@@ -1,0 +1,41 @@
+#pragma once
+
+#include "graphcut/RyCutSide.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QSize>
+
+/**
+ * Which pixels of a picture a user has put on a side, for good.
+ *
+ * Tiles of 64 x 64 pixels share their data, so a copy costs little, and so does a change after it.
+ *
+ * Errors   std::bad_alloc; what lies outside the picture is ignored.
+ * Threads  a plain value.
+ */
+class RyCutConstraints
+{
+public:
+    RyCutConstraints() = default;
+    explicit RyCutConstraints(const QSize &picture);
+
+    bool isEmpty() const { return m_tiles.isEmpty(); }
+    qint64 sizeInBytes() const;
+
+    /// Columns from left to right, which is exclusive.
+    void fix(int row, int left, int right, RyCutSide side);
+    /// Fills out[0 … right - left); undecided where nothing is fixed.
+    void read(int row, int left, int right, RyCutSide *out) const;
+
+    friend bool operator==(const RyCutConstraints &, const RyCutConstraints &) = default;
+
+private:
+    static constexpr int tileSide = 64;
+
+    template <typename Visit>
+    void forEachPiece(int row, int left, int right, Visit visit) const;
+
+    QSize m_size;
+    QList<QByteArray> m_tiles; // row by row; empty ones have nothing fixed. None before the first
+};
