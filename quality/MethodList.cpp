@@ -9,11 +9,10 @@
 QList<CutMethod> MethodList::all()
 {
     return {
-            SessionMethod::classic(),   LassoMethods::lasso(),
+            SessionMethod::graph(),   SessionMethod::classic(),         LassoMethods::lasso(),
             LassoMethods::shrunk(),
 #ifdef RY_HAS_OPENCV
-            OpenCvMethods::grabCut(),   OpenCvMethods::grabCutWithCore(),
-            OpenCvMethods::watershed(),
+            OpenCvMethods::grabCut(), OpenCvMethods::grabCutWithCore(), OpenCvMethods::watershed(),
 #endif
     };
 }

@@ -12,5 +12,6 @@ namespace SessionMethod {
 using Preparation = std::function<void(RyImageSegmentation &)>;
 
 CutMethod classic();
+CutMethod graph();
 
 } // namespace SessionMethod

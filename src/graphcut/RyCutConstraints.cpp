@@ -2,16 +2,20 @@
 
 #include <algorithm>
 #include <cstring>
-#include <numeric>
 
 RyCutConstraints::RyCutConstraints(const QSize &picture)
     : m_size(picture)
 {}
 
-qint64 RyCutConstraints::sizeInBytes() const
+qint64 RyCutConstraints::bytesBeyond(const RyCutConstraints &other) const
 {
-    return std::accumulate(m_tiles.begin(), m_tiles.end(), qint64(0),
-                           [](qint64 sum, const QByteArray &tile) { return sum + tile.size(); });
+    qint64 bytes = 0;
+    for (qsizetype i = 0; i < m_tiles.size(); ++i) {
+        const QByteArray &tile = m_tiles.at(i);
+        if (i >= other.m_tiles.size() || tile.constData() != other.m_tiles.at(i).constData())
+            bytes += tile.size();
+    }
+    return bytes;
 }
 
 /// Visits the parts of a row that lie in one tile each: the tile, where in it, from where, how many.
@@ -27,7 +31,7 @@ void RyCutConstraints::forEachPiece(int row, int left, int right, Visit visit) c
     }
 }
 
-void RyCutConstraints::fix(int row, int left, int right, RyCutSide side)
+void RyCutConstraints::fix(int row, int left, int right, bool isForeground)
 {
     left = std::max(left, 0);
     right = std::min(right, m_size.width());
@@ -37,11 +41,13 @@ void RyCutConstraints::fix(int row, int left, int right, RyCutSide side)
         const qsizetype columns = (m_size.width() + tileSide - 1) / tileSide;
         m_tiles.resize(columns * ((m_size.height() + tileSide - 1) / tileSide));
     }
+    const auto value =
+            int(isForeground != m_isInverted ? RyCutSide::Object : RyCutSide::Background);
     forEachPiece(row, left, right, [&](int index, int place, int, int count) {
         QByteArray &tile = m_tiles[index];
         if (tile.isEmpty())
             tile = QByteArray(tileSide * tileSide, char(RyCutSide::Undecided));
-        std::memset(tile.data() + place, int(side), std::size_t(count));
+        std::memset(tile.data() + place, value, std::size_t(count));
     });
 }
 

@@ -36,6 +36,7 @@ public:
     /// the frame's area, Format_Grayscale8: 0 outside. The frame must not be empty.
     RyGraphCut(const QImage &picture, const RyCutFrame &frame, const QImage &lasso);
 
+    const QImage &picture() const { return m_picture; }
     const RyCutFrame &frame() const { return m_reduced.frame(); }
 
     /// The cut at full size. With constraints, the models are fitted to them as well; where they
