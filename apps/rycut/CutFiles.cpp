@@ -5,9 +5,9 @@
 #include "CutResult.h"
 #include "Interruption.h"
 #include "LabelData.h"
-#include "ObjectPictures.h"
 #include "OutputNames.h"
 #include "Stopwatch.h"
+#include "cutout/ObjectPictures.h"
 
 #include <utility>
 

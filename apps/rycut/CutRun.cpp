@@ -6,10 +6,10 @@
 #include "CutReport.h"
 #include "CutSession.h"
 #include "InputData.h"
-#include "MaskImage.h"
 #include "PictureMemory.h"
 #include "ProgressBar.h"
 #include "Stopwatch.h"
+#include "cutout/MaskImage.h"
 #include "gestures/GestureError.h"
 
 using namespace Qt::StringLiterals;

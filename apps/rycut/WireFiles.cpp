@@ -1,13 +1,13 @@
 #include "WireFiles.h"
 
 #include "Interruption.h"
-#include "ObjectPictures.h"
 #include "OutputNames.h"
 #include "Stopwatch.h"
 #include "WireOutline.h"
 #include "WirePictures.h"
 #include "WireReport.h"
 #include "WireResult.h"
+#include "cutout/ObjectPictures.h"
 
 #include <utility>
 

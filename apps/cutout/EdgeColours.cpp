@@ -1,0 +1,171 @@
+#include "cutout/EdgeColours.h"
+
+#include "cutout/DiscMorphology.h"
+#include "cutout/MaskImage.h"
+
+#include <QList>
+
+#include <algorithm>
+#include <array>
+#include <new>
+
+namespace {
+
+constexpr QRgb unknown = 0; // transparent, where known colours are opaque
+constexpr QRgb alphaBits = 0xFF000000U;
+
+const QRgb *constRow(const QImage &image, int y)
+{
+    return reinterpret_cast<const QRgb *>(image.constScanLine(y));
+}
+
+QRgb *row(QImage &image, int y)
+{
+    return reinterpret_cast<QRgb *>(image.scanLine(y));
+}
+
+/// Not 0 on pixels whose colours are the object's own.
+QImage surePixels(const QImage &mask, int rimPixels)
+{
+    const auto grown = [](QImage image, int pixels) {
+        DiscMorphology::grow(image, pixels, {});
+        return image;
+    };
+    const QImage core = grown(mask, -rimPixels);
+    // Corners of the rim are further away from the core than its sides.
+    const QImage coreWithRim = grown(core, 2 * rimPixels);
+    QImage sure = core;
+    for (int y = 0; y < sure.height(); ++y) {
+        const uchar *const object = mask.constScanLine(y);
+        const uchar *const isThick = coreWithRim.constScanLine(y);
+        uchar *const isSure = sure.scanLine(y);
+        for (int x = 0; x < sure.width(); ++x)
+            isSure[x] |= uchar(object[x] >= MaskImage::half && isThick[x] == 0);
+    }
+    return sure;
+}
+
+/// Opaque where a colour is sure and visible, else unknown.
+QImage knownColours(const QImage &picture, const QImage &sure)
+{
+    QImage known = picture;
+    for (int y = 0; y < known.height(); ++y)
+        std::transform(constRow(picture, y), constRow(picture, y) + known.width(),
+                       sure.constScanLine(y), row(known, y), [](QRgb pixel, uchar isSure) {
+                           const bool isKnown = isSure != 0 && qAlpha(pixel) >= MaskImage::half;
+                           return isKnown ? pixel | alphaBits : unknown;
+                       });
+    return known;
+}
+
+QRgb averageOfKnown(const std::array<QRgb, 4> &pixels)
+{
+    int count = 0, red = 0, green = 0, blue = 0;
+    for (const QRgb pixel : pixels) {
+        if (pixel == unknown)
+            continue;
+        ++count;
+        red += qRed(pixel);
+        green += qGreen(pixel);
+        blue += qBlue(pixel);
+    }
+    if (count == 0)
+        return unknown;
+    const int half = count / 2;
+    return qRgb((red + half) / count, (green + half) / count, (blue + half) / count);
+}
+
+/// Half as large, rounded up; a pixel is known where one of its four is.
+QImage pulled(const QImage &fine)
+{
+    QImage coarse((fine.width() + 1) / 2, (fine.height() + 1) / 2, QImage::Format_ARGB32);
+    for (int y = 0; y < coarse.height(); ++y) {
+        const QRgb *const top = constRow(fine, 2 * y);
+        const QRgb *const bottom = constRow(fine, std::min(2 * y + 1, fine.height() - 1));
+        QRgb *const out = row(coarse, y);
+        for (int x = 0; x < coarse.width(); ++x) {
+            const int left = 2 * x;
+            const int right = std::min(left + 1, fine.width() - 1);
+            out[x] = averageOfKnown({top[left], top[right], bottom[left], bottom[right]});
+        }
+    }
+    return coarse;
+}
+
+/// Between the four coarse pixels around a fine one, which lies a quarter off the nearest centre.
+QRgb interpolated(QRgb nearest, QRgb beside, QRgb above, QRgb across)
+{
+    const auto channel = [&](int (*part)(QRgb)) {
+        return (9 * part(nearest) + 3 * part(beside) + 3 * part(above) + part(across) + 8) / 16;
+    };
+    return qRgb(channel(qRed), channel(qGreen), channel(qBlue));
+}
+
+/// The coarse pixel on the other side of a fine one, as seen from its own.
+int neighbour(int fine, int coarseCount)
+{
+    return std::clamp(fine / 2 + (fine % 2 == 0 ? -1 : 1), 0, coarseCount - 1);
+}
+
+void push(const QImage &coarse, QImage &fine)
+{
+    for (int y = 0; y < fine.height(); ++y) {
+        const QRgb *const nearRow = constRow(coarse, y / 2);
+        const QRgb *const farRow = constRow(coarse, neighbour(y, coarse.height()));
+        QRgb *const pixels = row(fine, y);
+        for (int x = 0; x < fine.width(); ++x) {
+            const int beside = neighbour(x, coarse.width());
+            if (pixels[x] == unknown)
+                pixels[x] = interpolated(nearRow[x / 2], nearRow[beside], farRow[x / 2],
+                                         farRow[beside]);
+        }
+    }
+}
+
+/// Gives every unknown pixel a colour; false when none is known.
+bool fillUnknown(QImage &colours)
+{
+    QList<QImage> levels{colours};
+    colours = {}; // so that the last level can be written to
+    while (levels.last().width() > 1 || levels.last().height() > 1)
+        levels.append(pulled(levels.last()));
+    if (constRow(levels.last(), 0)[0] == unknown)
+        return false;
+    for (qsizetype level = levels.size() - 2; level >= 0; --level)
+        push(levels.at(level + 1), levels[level]);
+    colours = levels.first();
+    return true;
+}
+
+void replaceColours(QImage &picture, const QImage &colours, const QPoint &topLeft)
+{
+    for (int y = 0; y < colours.height(); ++y) {
+        QRgb *const pixels = row(picture, topLeft.y() + y) + topLeft.x();
+        std::transform(pixels, pixels + colours.width(), constRow(colours, y), pixels,
+                       [](QRgb pixel, QRgb colour) {
+                           return (pixel & alphaBits) | (colour & ~alphaBits);
+                       });
+    }
+}
+
+} // namespace
+
+QImage EdgeColours::cleaned(const QImage &picture, const QImage &mask, int rimPixels)
+{
+    constexpr int margin = 2; // for programs that look beyond the object when they scale
+    const QRect box = MaskImage::objectBox(mask).adjusted(-margin, -margin, margin, margin);
+    const QRect area = box & picture.rect();
+    if (rimPixels <= 0 || area.isEmpty())
+        return picture;
+    try {
+        const QImage sure = surePixels(mask.copy(area), rimPixels);
+        QImage colours = knownColours(picture.copy(area), sure);
+        if (!fillUnknown(colours))
+            return picture;
+        QImage result = picture;
+        replaceColours(result, colours, area.topLeft());
+        return result;
+    } catch (const std::bad_alloc &) {
+        return {};
+    }
+}
