@@ -4,18 +4,18 @@
 #include "cutout/MaskImage.h"
 #include "cutout/ObjectPictures.h"
 
-QImage CutoutPicture::compose(const QImage &picture, const QImage &mask, const Options &options)
+QImage CutoutPicture::compose(const QImage &picture, const CutoutMask &mask, const Options &options)
 {
     const QImage colours = EdgeColours::cleaned(picture, mask, options.cleanPixels);
     if (colours.isNull())
         return {};
     return cropped(options.background.isValid()
-                           ? ObjectPictures::onBackground(colours, mask, options.background)
-                           : ObjectPictures::onTransparency(colours, mask),
+                           ? ObjectPictures::onBackground(colours, mask.alpha, options.background)
+                           : ObjectPictures::onTransparency(colours, mask.alpha),
                    mask, options);
 }
 
-QImage CutoutPicture::cropped(const QImage &image, const QImage &mask, const Options &options)
+QImage CutoutPicture::cropped(const QImage &image, const CutoutMask &mask, const Options &options)
 {
-    return options.crop ? image.copy(MaskImage::objectBox(mask)) : image;
+    return options.crop ? image.copy(MaskImage::objectBox(mask.alpha)) : image;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cutout/CutoutMask.h"
+
 #include <QColor>
 #include <QImage>
 
@@ -13,12 +15,12 @@ struct Options
     QColor background;   ///< invalid: transparency
 };
 
-/// From a picture in Format_ARGB32 and a mask of its size in Format_Grayscale8. Straight alpha in
+/// From a picture in Format_ARGB32 and a mask of its size. Straight alpha in
 /// Format_ARGB32, or Format_RGB32 on an opaque background, with the picture's colour profile and
 /// resolution. Null without memory. Any thread.
-QImage compose(const QImage &picture, const QImage &mask, const Options &options);
+QImage compose(const QImage &picture, const CutoutMask &mask, const Options &options);
 
 /// An image of the mask's size cropped as compose() does it.
-QImage cropped(const QImage &image, const QImage &mask, const Options &options);
+QImage cropped(const QImage &image, const CutoutMask &mask, const Options &options);
 
 } // namespace CutoutPicture

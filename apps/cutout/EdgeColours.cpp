@@ -150,15 +150,15 @@ void replaceColours(QImage &picture, const QImage &colours, const QPoint &topLef
 
 } // namespace
 
-QImage EdgeColours::cleaned(const QImage &picture, const QImage &mask, int rimPixels)
+QImage EdgeColours::cleaned(const QImage &picture, const CutoutMask &mask, int rimPixels)
 {
     constexpr int margin = 2; // for programs that look beyond the object when they scale
-    const QRect box = MaskImage::objectBox(mask).adjusted(-margin, -margin, margin, margin);
+    const QRect box = MaskImage::objectBox(mask.alpha).adjusted(-margin, -margin, margin, margin);
     const QRect area = box & picture.rect();
     if (rimPixels <= 0 || area.isEmpty())
         return picture;
     try {
-        const QImage sure = surePixels(mask.copy(area), rimPixels);
+        const QImage sure = surePixels(mask.object.copy(area), rimPixels);
         QImage colours = knownColours(picture.copy(area), sure);
         if (!fillUnknown(colours))
             return picture;

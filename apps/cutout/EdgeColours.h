@@ -1,13 +1,13 @@
 #pragma once
 
-#include <QImage>
+#include "cutout/CutoutMask.h"
 
 /**
  * Takes the old background out of the colours along an object's edge, so that none of it shows on
  * another one.
  *
  * What lies deeper in the object than the rim is surely its own colour. Everything else in the
- * object's rectangle gets its colours from there: near the edge those of the nearest pixels, further
+ * rectangle of what is shown gets its colours from there: near the edge those of the nearest pixels, further
  * out averages over ever larger squares. So the colours also go on under a soft edge, and beyond it,
  * where programs that scale a picture look. Parts too thin to have an inside keep their colours.
  *
@@ -18,9 +18,8 @@ namespace EdgeColours {
 
 inline constexpr int mostRimPixels = 50;
 
-/// A picture in Format_ARGB32, with its alpha as it was, and a mask of its size in
-/// Format_Grayscale8, whose object is what is at least half set. The picture as it is for a rim of
-/// 0, and where no pixel is sure. Null without memory. Any thread. Time O(pixels).
-QImage cleaned(const QImage &picture, const QImage &mask, int rimPixels);
+/// A picture in Format_ARGB32, with its alpha as it was, and a mask of its size. The picture as it is
+/// for a rim of 0, and where no pixel is sure. Null without memory. Any thread. Time O(pixels).
+QImage cleaned(const QImage &picture, const CutoutMask &mask, int rimPixels);
 
 } // namespace EdgeColours

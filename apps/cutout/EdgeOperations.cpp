@@ -11,13 +11,6 @@
 
 namespace {
 
-bool changeEdge(QImage &mask, const EdgeOptions &options, const std::stop_token &stop)
-{
-    return (options.smooth == 0 || MaskSmoothing::apply(mask, options.smooth, stop)) &&
-           (options.grow == 0 || DiscMorphology::grow(mask, options.grow, stop)) &&
-           (options.feather == 0 || MaskFeather::apply(mask, options.feather, stop));
-}
-
 void paste(QImage &image, const QImage &part, const QPoint &topLeft)
 {
     for (int y = 0; y < part.height(); ++y)
@@ -25,41 +18,56 @@ void paste(QImage &image, const QImage &part, const QPoint &topLeft)
                     image.scanLine(topLeft.y() + y) + topLeft.x());
 }
 
-/// Works on the part of the mask that can change, which has background all round unless the
-/// picture ends there.
-QImage withChangedEdge(QImage mask, const EdgeOptions &options, const std::stop_token &stop)
+/// Changes the part of a mask that lies round the object, given as function(part): bool. It has
+/// background all round unless the picture ends there. Null where the function says false.
+template <typename Function>
+QImage changed(QImage mask, int margin, Function function)
 {
     const QRect box = MaskImage::objectBox(mask);
     if (box.isEmpty())
         return mask;
-    const int margin = std::max(options.grow, 0) + options.feather + 1;
     const QRect area = box.adjusted(-margin, -margin, margin, margin) & mask.rect();
     QImage part = mask.copy(area);
-    if (part.isNull() || !changeEdge(part, options, stop))
+    if (part.isNull() || !function(part))
         return {};
     mask.fill(0);
     paste(mask, part, area.topLeft());
     return mask;
 }
 
+QImage objectMask(QImage mask, const EdgeOptions &options, const std::stop_token &stop)
+{
+    if (!MaskPieces::drop(mask, options.drop, stop) || !MaskPieces::fill(mask, options.fill, stop))
+        return {};
+    if (options.smooth == 0 && options.grow == 0)
+        return mask;
+    return changed(std::move(mask), std::max(options.grow, 0) + 1, [&](QImage &part) {
+        return (options.smooth == 0 || MaskSmoothing::apply(part, options.smooth, stop)) &&
+               (options.grow == 0 || DiscMorphology::grow(part, options.grow, stop));
+    });
+}
+
+QImage featheredMask(const QImage &mask, int radius, const std::stop_token &stop)
+{
+    if (radius == 0)
+        return mask;
+    return changed(mask, radius + 1,
+                   [&](QImage &part) { return MaskFeather::apply(part, radius, stop); });
+}
+
 } // namespace
 
-QImage EdgeOperations::apply(const QImage &mask, const EdgeOptions &options,
-                             const std::stop_token &stop)
+CutoutMask EdgeOperations::apply(const QImage &mask, const EdgeOptions &options,
+                                 const std::stop_token &stop)
 {
     constexpr int bitsOfASessionMask = 32;
-    if (!options.isValid())
-        return {};
-    QImage result = mask.depth() == bitsOfASessionMask ? MaskImage::fromSession(mask) : mask;
-    if (result.format() != QImage::Format_Grayscale8)
+    QImage grey = mask.depth() == bitsOfASessionMask ? MaskImage::fromSession(mask) : mask;
+    if (grey.format() != QImage::Format_Grayscale8 || !options.isValid())
         return {};
     try {
-        if (!MaskPieces::drop(result, options.drop, stop) ||
-            !MaskPieces::fill(result, options.fill, stop))
-            return {};
-        if (options.smooth == 0 && options.grow == 0 && options.feather == 0)
-            return result;
-        return withChangedEdge(std::move(result), options, stop);
+        const QImage object = objectMask(std::move(grey), options, stop);
+        const QImage alpha = featheredMask(object, options.feather, stop);
+        return alpha.isNull() ? CutoutMask() : CutoutMask{object, alpha};
     } catch (const std::bad_alloc &) {
         return {};
     }

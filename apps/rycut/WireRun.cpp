@@ -10,6 +10,7 @@
 #include "Stopwatch.h"
 #include "WirePictures.h"
 #include "WireReport.h"
+#include "cutout/EdgeOperations.h"
 #include "cutout/MaskImage.h"
 #include "gestures/WireTracer.h"
 #include "scissors/RyScissorsEdgePicture.h"
@@ -106,10 +107,18 @@ void WireRun::takeResults(const WireTracer &tracer)
 
 void WireRun::fillInside()
 {
-    m_result.mask = WirePictures::mask(m_result);
-    PictureMemory::require(m_result.mask, m_options.picture);
-    if (MaskImage::objectPixels(m_result.mask) == 0)
+    Stopwatch stopwatch;
+    const QImage inside = WirePictures::mask(m_result);
+    PictureMemory::require(inside, m_options.picture);
+    if (MaskImage::objectPixels(inside) == 0)
         throw CommandError(ExitStatus::EmptyResult, u"the wire encloses nothing"_s);
+    m_result.mask = EdgeOperations::apply(inside, m_options.edges);
+    PictureMemory::require(m_result.mask.alpha, m_options.picture);
+    m_interruption.check();
+    if (MaskImage::objectPixels(m_result.mask.alpha) == 0)
+        throw CommandError(ExitStatus::EmptyResult,
+                           u"--drop, --smooth or --grow leave nothing inside the wire"_s);
+    m_result.times.edgesMs = stopwatch.lapMs();
 }
 
 void WireRun::writeOutputs()
