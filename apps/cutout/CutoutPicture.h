@@ -12,7 +12,7 @@ struct Options
 {
     int cleanPixels = 0; ///< the rim whose colours are taken from further inside; 0 keeps all
     bool crop = false;   ///< to the smallest rectangle that holds the object
-    QColor background;   ///< invalid: transparency
+    QColor background{}; ///< invalid: transparency
 };
 
 /// From a picture in Format_ARGB32 and a mask of its size. Straight alpha in

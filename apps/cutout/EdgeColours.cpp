@@ -11,8 +11,15 @@
 
 namespace {
 
-constexpr QRgb unknown = 0; // transparent, where known colours are opaque
+// Known colours are opaque, those found for unknown ones are translucent.
+constexpr QRgb unknown = 0;
 constexpr QRgb alphaBits = 0xFF000000U;
+constexpr QRgb foundAlpha = 0x80000000U;
+
+bool isKnown(QRgb pixel)
+{
+    return qAlpha(pixel) == 255;
+}
 
 const QRgb *constRow(const QImage &image, int y)
 {
@@ -52,27 +59,29 @@ QImage knownColours(const QImage &picture, const QImage &sure)
     for (int y = 0; y < known.height(); ++y)
         std::transform(constRow(picture, y), constRow(picture, y) + known.width(),
                        sure.constScanLine(y), row(known, y), [](QRgb pixel, uchar isSure) {
-                           const bool isKnown = isSure != 0 && qAlpha(pixel) >= MaskImage::half;
-                           return isKnown ? pixel | alphaBits : unknown;
+                           const bool isVisible = qAlpha(pixel) >= MaskImage::half;
+                           return isSure != 0 && isVisible ? pixel | alphaBits : unknown;
                        });
     return known;
 }
 
-QRgb averageOfKnown(const std::array<QRgb, 4> &pixels)
+/// Opaque, or unknown where all are.
+template <size_t count>
+QRgb averageOfKnown(const std::array<QRgb, count> &pixels)
 {
-    int count = 0, red = 0, green = 0, blue = 0;
+    int known = 0, red = 0, green = 0, blue = 0;
     for (const QRgb pixel : pixels) {
-        if (pixel == unknown)
+        if (!isKnown(pixel))
             continue;
-        ++count;
+        ++known;
         red += qRed(pixel);
         green += qGreen(pixel);
         blue += qBlue(pixel);
     }
-    if (count == 0)
+    if (known == 0)
         return unknown;
-    const int half = count / 2;
-    return qRgb((red + half) / count, (green + half) / count, (blue + half) / count);
+    const int half = known / 2;
+    return qRgb((red + half) / known, (green + half) / known, (blue + half) / known);
 }
 
 /// Half as large, rounded up; a pixel is known where one of its four is.
@@ -86,10 +95,34 @@ QImage pulled(const QImage &fine)
         for (int x = 0; x < coarse.width(); ++x) {
             const int left = 2 * x;
             const int right = std::min(left + 1, fine.width() - 1);
-            out[x] = averageOfKnown({top[left], top[right], bottom[left], bottom[right]});
+            out[x] = averageOfKnown(std::array{top[left], top[right], bottom[left], bottom[right]});
         }
     }
     return coarse;
+}
+
+/// Finds colours for unknown pixels beside known ones. Else a pixel beside a large unknown square
+/// would take a good part of its colour from far away.
+void widen(QImage &level)
+{
+    const int right = level.width() - 1;
+    const int bottom = level.height() - 1;
+    for (int y = 0; y <= bottom; ++y) {
+        const QRgb *const above = constRow(level, std::max(y - 1, 0));
+        const QRgb *const below = constRow(level, std::min(y + 1, bottom));
+        QRgb *const pixels = row(level, y);
+        for (int x = 0; x <= right; ++x) {
+            if (pixels[x] != unknown)
+                continue;
+            const int before = std::max(x - 1, 0);
+            const int next = std::min(x + 1, right);
+            const QRgb found =
+                    averageOfKnown(std::array{above[before], above[x], above[next], pixels[before],
+                                              pixels[next], below[before], below[x], below[next]});
+            if (found != unknown)
+                pixels[x] = (found & ~alphaBits) | foundAlpha;
+        }
+    }
 }
 
 /// Between the four coarse pixels around a fine one, which lies a quarter off the nearest centre.
@@ -98,7 +131,8 @@ QRgb interpolated(QRgb nearest, QRgb beside, QRgb above, QRgb across)
     const auto channel = [&](int (*part)(QRgb)) {
         return (9 * part(nearest) + 3 * part(beside) + 3 * part(above) + part(across) + 8) / 16;
     };
-    return qRgb(channel(qRed), channel(qGreen), channel(qBlue));
+    const QRgb colour = qRgb(channel(qRed), channel(qGreen), channel(qBlue));
+    return (colour & ~alphaBits) | foundAlpha;
 }
 
 /// The coarse pixel on the other side of a fine one, as seen from its own.
@@ -131,8 +165,11 @@ bool fillUnknown(QImage &colours)
         levels.append(pulled(levels.last()));
     if (constRow(levels.last(), 0)[0] == unknown)
         return false;
-    for (qsizetype level = levels.size() - 2; level >= 0; --level)
+    for (qsizetype level = levels.size() - 2; level >= 0; --level) {
+        if (level > 0)
+            widen(levels[level]);
         push(levels.at(level + 1), levels[level]);
+    }
     colours = levels.first();
     return true;
 }
