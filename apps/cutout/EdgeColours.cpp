@@ -31,17 +31,26 @@ QRgb *row(QImage &image, int y)
     return reinterpret_cast<QRgb *>(image.scanLine(y));
 }
 
+/// The image, which is null when there was no memory for it.
+QImage required(const QImage &image)
+{
+    if (image.isNull())
+        throw std::bad_alloc();
+    return image;
+}
+
 /// Not 0 on pixels whose colours are the object's own.
 QImage surePixels(const QImage &mask, int rimPixels)
 {
-    const auto grown = [](QImage image, int pixels) {
-        DiscMorphology::grow(image, pixels, {});
-        return image;
+    const auto grown = [](const QImage &image, int pixels) {
+        QImage result = required(image.copy());
+        DiscMorphology::grow(result, pixels, {});
+        return result;
     };
     const QImage core = grown(mask, -rimPixels);
     // Corners of the rim are further away from the core than its sides.
     const QImage coreWithRim = grown(core, 2 * rimPixels);
-    QImage sure = core;
+    QImage sure = required(core.copy());
     for (int y = 0; y < sure.height(); ++y) {
         const uchar *const object = mask.constScanLine(y);
         const uchar *const isThick = coreWithRim.constScanLine(y);
@@ -53,16 +62,17 @@ QImage surePixels(const QImage &mask, int rimPixels)
 }
 
 /// Opaque where a colour is sure and visible, else unknown.
-QImage knownColours(const QImage &picture, const QImage &sure)
+QImage knownColours(QImage picture, const QImage &sure)
 {
-    QImage known = picture;
-    for (int y = 0; y < known.height(); ++y)
-        std::transform(constRow(picture, y), constRow(picture, y) + known.width(),
-                       sure.constScanLine(y), row(known, y), [](QRgb pixel, uchar isSure) {
+    for (int y = 0; y < picture.height(); ++y) {
+        QRgb *const pixels = row(picture, y);
+        std::transform(pixels, pixels + picture.width(), sure.constScanLine(y), pixels,
+                       [](QRgb pixel, uchar isSure) {
                            const bool isVisible = qAlpha(pixel) >= MaskImage::half;
                            return isSure != 0 && isVisible ? pixel | alphaBits : unknown;
                        });
-    return known;
+    }
+    return picture;
 }
 
 /// Opaque, or unknown where all are.
@@ -162,7 +172,7 @@ bool fillUnknown(QImage &colours)
     QList<QImage> levels{colours};
     colours = {}; // so that the last level can be written to
     while (levels.last().width() > 1 || levels.last().height() > 1)
-        levels.append(pulled(levels.last()));
+        levels.append(required(pulled(levels.last())));
     if (constRow(levels.last(), 0)[0] == unknown)
         return false;
     for (qsizetype level = levels.size() - 2; level >= 0; --level) {
@@ -195,11 +205,11 @@ QImage EdgeColours::cleaned(const QImage &picture, const CutoutMask &mask, int r
     if (rimPixels <= 0 || area.isEmpty())
         return picture;
     try {
-        const QImage sure = surePixels(mask.object.copy(area), rimPixels);
-        QImage colours = knownColours(picture.copy(area), sure);
+        const QImage sure = surePixels(required(mask.object.copy(area)), rimPixels);
+        QImage colours = knownColours(required(picture.copy(area)), sure);
         if (!fillUnknown(colours))
             return picture;
-        QImage result = picture;
+        QImage result = required(picture.copy());
         replaceColours(result, colours, area.topLeft());
         return result;
     } catch (const std::bad_alloc &) {

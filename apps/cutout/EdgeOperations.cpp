@@ -31,6 +31,8 @@ QImage changed(QImage mask, int margin, Function function)
     if (part.isNull() || !function(part))
         return {};
     mask.fill(0);
+    if (mask.isNull()) // it was shared, and there is no memory for one of its own
+        return {};
     paste(mask, part, area.topLeft());
     return mask;
 }
@@ -63,6 +65,11 @@ CutoutMask EdgeOperations::apply(const QImage &mask, const EdgeOptions &options,
     constexpr int bitsOfASessionMask = 32;
     QImage grey = mask.depth() == bitsOfASessionMask ? MaskImage::fromSession(mask) : mask;
     if (grey.format() != QImage::Format_Grayscale8 || !options.isValid())
+        return {};
+    if (options == EdgeOptions())
+        return {grey, grey};
+    grey.detach();
+    if (grey.isNull())
         return {};
     try {
         const QImage object = objectMask(std::move(grey), options, stop);

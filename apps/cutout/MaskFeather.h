@@ -5,8 +5,8 @@
 #include <stop_token>
 
 /**
- * Softens the edge of a mask in Format_Grayscale8: a blur that reaches exactly as far as the radius,
- * so that the mask keeps its values further away from an edge, in columns and in rows. On a
+ * Softens the edge of a mask in Format_Grayscale8: a blur that reaches exactly as far as the
+ * radius, so that the mask keeps its values further away from an edge, in columns and in rows. On a
  * straight edge a ramp that is half set where the edge was.
  *
  * Source   a Gaussian approximated by three boxes (Wells, IEEE TPAMI 8(2), 1986), whose radii add
