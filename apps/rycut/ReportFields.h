@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CuttingScale.h"
+#include "cutout/CuttingScale.h"
 
 #include <QByteArray>
 #include <QJsonObject>

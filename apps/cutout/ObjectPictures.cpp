@@ -1,6 +1,6 @@
-#include "ObjectPictures.h"
+#include "cutout/ObjectPictures.h"
 
-#include "ObjectOutline.h"
+#include "cutout/ObjectOutline.h"
 
 #include <QColorSpace>
 #include <QPainter>

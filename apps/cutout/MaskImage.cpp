@@ -1,4 +1,4 @@
-#include "MaskImage.h"
+#include "cutout/MaskImage.h"
 
 #include <algorithm>
 

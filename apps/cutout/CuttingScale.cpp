@@ -1,4 +1,4 @@
-#include "CuttingScale.h"
+#include "cutout/CuttingScale.h"
 
 #include <algorithm>
 

@@ -1,4 +1,6 @@
-#include "ObjectOutline.h"
+#include "cutout/ObjectOutline.h"
+
+#include "cutout/MaskImage.h"
 
 #include <algorithm>
 
@@ -7,7 +9,6 @@ namespace {
 constexpr uchar object = 255;
 constexpr uchar besideInRow = 2;    // near an object pixel of the same row
 constexpr uchar besideInColumn = 1; // near a pixel of the same column that is either of the above
-constexpr uchar half = 128;
 
 /// Marks up to width zeros after every run of pixels that are at least source; a step of -1 walks a
 /// row backwards, one of ± bytes per line walks a column.
@@ -37,7 +38,7 @@ QImage ObjectOutline::draw(const QImage &mask, int widthPixels)
     const qsizetype stride = outline.bytesPerLine();
     for (uchar *row = bits; row < bits + stride * rows; row += stride) {
         std::transform(row, row + columns, row,
-                       [](uchar value) { return value >= half ? object : uchar(0); });
+                       [](uchar value) { return value >= MaskImage::half ? object : uchar(0); });
         spread(row, columns, 1, widthPixels, object, besideInRow);
         spread(row + columns - 1, columns, -1, widthPixels, object, besideInRow);
     }
