@@ -16,7 +16,7 @@ constexpr float weightOfColors = 0.7F;
 constexpr double sharpness = 0.6;
 
 /// Decides all undecided cells by colour, depth and contrast.
-std::vector<RyCutSide> decide(const RyContrastCut &graph, const RyColorBins &bins,
+std::vector<RyCutSide> decide(RyContrastCut &graph, const RyColorBins &bins,
                               const RyColorModels &models, const RyDepthPrior &prior)
 {
     std::vector<float> ratios;
@@ -37,8 +37,8 @@ RyGraphCut::RyGraphCut(const QImage &picture, const RyCutFrame &frame, const QIm
     , m_prior(m_reduced, RyLassoMargin(m_reduced, m_bins).units())
     , m_models(firstModels())
 {
-    const RyContrastCut graph(undecided(), m_reduced.colors().data(), frame.columns(), frame.rows(),
-                              sharpness);
+    RyContrastCut graph(undecided(), m_reduced.colors().data(), frame.columns(), frame.rows(),
+                        sharpness);
     m_cells = decide(graph, m_bins, m_models, m_prior);
     for (int refit = 0; refit < refits; ++refit) {
         m_prior.follow(m_reduced, m_cells);
@@ -105,8 +105,8 @@ std::vector<RyCutSide> RyGraphCut::cut(const RyCutConstraints &constraints) cons
         if (fixed[cell] != RyCutSide::Undecided)
             start[cell] = cells[cell] = fixed[cell];
     }
-    const RyContrastCut graph(std::move(start), m_reduced.colors().data(), frame().columns(),
-                              frame().rows(), sharpness);
+    RyContrastCut graph(std::move(start), m_reduced.colors().data(), frame().columns(),
+                        frame().rows(), sharpness);
     RyColorModels models;
     for (int refit = 0; refit <= refitsToConstraints; ++refit) {
         models = modelsOf(cells);

@@ -37,10 +37,16 @@ public:
         m_capacities[std::size_t(node)][std::size_t(direction)] = capacity;
     }
     /// Positive weights pull towards the object, negative ones towards the background.
-    void setTerminal(int node, int weight) { m_nodes[std::size_t(node)].terminal = weight; }
+    void setTerminal(int node, int weight)
+    {
+        Node &it = m_nodes[std::size_t(node)];
+        it.terminal += weight - it.weight;
+        it.weight = weight;
+    }
 
-    /// Uses up capacities and terminals: a copy of the graph, made before, can be cut again. Nodes
-    /// that are near each other should have numbers that are.
+    /// May be called again after other weights were set: it takes up what has flown already, which
+    /// is most of the work (Kohli and Torr, IEEE TPAMI 29(12), 2007). Nodes that are near each other
+    /// should have numbers that are.
     void run();
 
     /// After run().
@@ -49,7 +55,7 @@ public:
         const Node &it = m_nodes[std::size_t(node)];
         return it.parent != noParent && !it.inBackgroundTree;
     }
-    /// What the cut severs, the weights of terminals included; for tests.
+    /// What the first run's cut severs, the weights of terminals included; for tests.
     std::int64_t flow() const { return m_flow; }
 
 private:
@@ -66,7 +72,8 @@ private:
 
     struct Node
     {
-        std::int32_t terminal = 0;     // what is left of the edge to the terminal
+        std::int32_t weight = 0;       // of the edge to the terminal
+        std::int32_t terminal = 0;     // what is left of it
         std::int32_t stamp = 0;        // when the distance was right
         std::int32_t distance = 0;     // to the terminal, in nodes
         std::int32_t next = notQueued; // in the queue of active nodes; the last one names itself

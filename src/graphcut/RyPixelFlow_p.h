@@ -18,7 +18,8 @@ public:
     /// have ended takes the latest of their times.
     Search(RyPixelFlow &graph, std::int32_t first, std::int32_t end, std::int32_t time = 0);
 
-    /// Makes every node that has a terminal's edge a root.
+    /// Fells the trees of an earlier run, and makes every node that has something left of its
+    /// terminal's edge a root.
     void plantTrees();
     /// So that the node's tree grows on from it.
     void activate(std::int32_t node);

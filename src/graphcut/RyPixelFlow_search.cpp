@@ -36,6 +36,8 @@ void RyPixelFlow::Search::plantTrees()
 {
     for (std::int32_t number = m_first; number < m_end; ++number) {
         Node &it = node(number);
+        it.stamp = 0;
+        it.parent = noParent;
         if (it.terminal == 0)
             continue;
         it.inBackgroundTree = it.terminal < 0;
