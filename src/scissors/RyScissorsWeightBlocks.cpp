@@ -131,7 +131,7 @@ void RyScissorsWeightBlocks::free()
     waitForReaders();
     std::unique_lock lock(m_mutex);
     for (quint32 index = 0; index < count(); ++index)
-        BlockPool::returnBlock(std::exchange(m_contents[index], {}).weights);
+        BlockPool::returnBlock(std::exchange(m_contents[index], {}).memory);
 }
 
 void RyScissorsWeightBlocks::begin()
@@ -195,7 +195,7 @@ void RyScissorsWeightBlocks::publish(quint32 index, const Content &content)
 {
     std::unique_lock lock(m_mutex);
     if (state(index) != State::InWork) { // closed while it was calculated
-        BlockPool::returnBlock(content.weights);
+        BlockPool::returnBlock(content.memory);
         return;
     }
     m_contents[index] = content;
