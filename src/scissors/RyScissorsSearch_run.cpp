@@ -243,10 +243,6 @@ RyScissorsSearch::Run::Steps RyScissorsSearch::Run::stepsInto(const Cells &cells
     const std::size_t cell = m_search.cell(next.x, next.y);
     __builtin_prefetch(m_arrivals + cell);
     __builtin_prefetch(m_slots + cell);
-    const Blocks::Content *const content = viewOf(next).content;
-    const quint32 blockColumn = next.x & blockMask, blockRow = next.y & blockMask;
-    if (content && content->contains(blockColumn, blockRow))
-        __builtin_prefetch(content->weights + content->cell(blockColumn, blockRow));
 }
 
 RyScissorsSearch::Run::Gathered RyScissorsSearch::Run::gather(Point point)
