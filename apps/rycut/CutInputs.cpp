@@ -6,7 +6,7 @@
 #include "InputData.h"
 #include "Interruption.h"
 #include "LassoText.h"
-#include "PictureDecoder.h"
+#include "PictureInput.h"
 #include "gestures/GestureFileError.h"
 
 #include <QCryptographicHash>
@@ -112,8 +112,8 @@ void CutInputs::read(CutResult &result, const CutOptions &options, const Interru
     QByteArray hash; // large files take a while, so it is made for those who ask
     if (comparesPictures || options.outputs.contains(CutOutput::Session))
         hash = sha256(*device);
-    result.picture = PictureDecoder::decode(*device, InputData::displayName(options.picture),
-                                            options.allowHuge);
+    result.picture = PictureInput::decode(*device, InputData::displayName(options.picture),
+                                          options.allowHuge);
     result.session.picture = {result.picture.size(), hash};
     if (comparesPictures)
         checkIsSamePicture(*file.picture, *result.session.picture, options);

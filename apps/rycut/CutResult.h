@@ -1,7 +1,7 @@
 #pragma once
 
-#include "CuttingScale.h"
 #include "gestures/GestureFile.h"
+#include "pictures/CuttingScale.h"
 #include "segmentation/RySegmentationStatistics.h"
 
 #include <QImage>

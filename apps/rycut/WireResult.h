@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CuttingScale.h"
+#include "pictures/CuttingScale.h"
 
 #include <QImage>
 #include <QList>

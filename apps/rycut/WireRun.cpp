@@ -5,7 +5,7 @@
 #include "InputData.h"
 #include "LassoText.h"
 #include "MaskImage.h"
-#include "PictureDecoder.h"
+#include "PictureInput.h"
 #include "PictureMemory.h"
 #include "ProgressBar.h"
 #include "Stopwatch.h"
@@ -42,8 +42,8 @@ void WireRun::readInputs()
     m_result.points = LassoText::fromArgument(u"--points"_s, m_options.points, fewestPoints);
     m_result.isClosed = m_options.close;
     const auto device = InputData::open(m_options.picture, m_interruption);
-    m_result.picture = PictureDecoder::decode(*device, InputData::displayName(m_options.picture),
-                                              m_options.allowHuge);
+    m_result.picture = PictureInput::decode(*device, InputData::displayName(m_options.picture),
+                                            m_options.allowHuge);
     m_interruption.check();
     m_result.scale = CuttingScale(m_result.picture.size(), m_options.maxLength);
     m_result.times.readingMs = stopwatch.lapMs();

@@ -1,4 +1,4 @@
-#include "CuttingScale.h"
+#include "pictures/CuttingScale.h"
 
 #include <algorithm>
 

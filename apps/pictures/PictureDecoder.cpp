@@ -1,9 +1,11 @@
-#include "PictureDecoder.h"
+#include "pictures/PictureDecoder.h"
 
-#include "CommandError.h"
+#include "pictures/PictureError.h"
 
 #include <QColorSpace>
 #include <QImageReader>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -14,19 +16,19 @@ constexpr qint64 mostMegapixels = 200;
 constexpr qint64 bytesOfAMegabyte = 1 << 20;
 constexpr qint64 mostBytesPerPixel = 8; // four channels of 16 bits
 
-[[noreturn]] void throwUnreadable(const QString &name, const QString &reason)
+[[noreturn]] void throwUnreadable(const QString &reason)
 {
-    throw CommandError(ExitStatus::UnreadableInput, u"%1 cannot be read: %2"_s.arg(name, reason));
+    throw PictureError(PictureError::Kind::Unreadable, reason);
 }
 
-void checkSize(const QSize &size, const QString &name)
+void checkSize(const QSize &size)
 {
     const qint64 pixels = qint64(size.width()) * size.height();
     if (pixels > mostMegapixels * pixelsOfAMegapixel)
-        throwUnreadable(name, u"%1 x %2 pixels are more than %3 megapixels; --allow-huge lifts "
-                              "this limit"_s.arg(size.width())
-                                      .arg(size.height())
-                                      .arg(mostMegapixels));
+        throw PictureError(PictureError::Kind::TooLarge,
+                           u"%1 x %2 pixels are more than %3 megapixels"_s.arg(size.width())
+                                   .arg(size.height())
+                                   .arg(mostMegapixels));
 }
 
 /// The pixels have become RGB by now; a profile for grey or for inks no longer describes them.
@@ -40,7 +42,7 @@ void dropForeignProfile(QImage &picture)
 
 } // namespace
 
-QImage PictureDecoder::decode(QIODevice &device, const QString &name, bool allowHuge)
+QImage PictureDecoder::decode(QIODevice &device, bool allowHuge)
 {
     // Qt's own limit is below the pictures of present cameras; ours is told from the header.
     constexpr qint64 limit = mostMegapixels * pixelsOfAMegapixel * mostBytesPerPixel;
@@ -48,15 +50,20 @@ QImage PictureDecoder::decode(QIODevice &device, const QString &name, bool allow
     QImageReader reader(&device);
     reader.setAutoTransform(true);
     if (!reader.canRead())
-        throwUnreadable(name, reader.errorString());
+        throwUnreadable(reader.errorString());
     if (!allowHuge)
-        checkSize(reader.size(), name);
+        checkSize(reader.size());
     QImage picture = reader.read();
     if (picture.isNull())
-        throwUnreadable(name, reader.errorString());
+        throwUnreadable(reader.errorString());
+    return prepared(std::move(picture));
+}
+
+QImage PictureDecoder::prepared(QImage picture)
+{
     picture.convertTo(QImage::Format_ARGB32);
     if (picture.isNull())
-        throwUnreadable(name, u"there is too little memory"_s);
+        throwUnreadable(u"there is too little memory"_s);
     dropForeignProfile(picture);
     return picture;
 }
