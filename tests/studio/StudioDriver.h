@@ -1,0 +1,96 @@
+#pragma once
+
+#include "Canvas.h"
+#include "MainWindow.h"
+
+#include <QAction>
+#include <QMouseEvent>
+#include <QTest>
+#include <QtMath>
+
+/// A real window, and a hand on its mouse, in pixels of the picture.
+class StudioDriver
+{
+public:
+    static constexpr int patienceMs = 60000;
+
+    StudioDriver()
+    {
+        window.show();
+        const bool isExposed = QTest::qWaitForWindowExposed(&window);
+        Q_UNUSED(isExposed)
+    }
+
+    Document &document() { return window.document(); }
+    Canvas &canvas() { return window.canvas(); }
+    QAction &action(const char *id)
+    {
+        return *window.findChild<QAction *>(QString::fromLatin1(id));
+    }
+
+    /// True when the picture is there.
+    bool open(const QString &fileName)
+    {
+        window.openFile(fileName);
+        return QTest::qWaitFor(
+                [&] { return document().hasPicture() && document().opened().fileName == fileName; },
+                patienceMs);
+    }
+
+    /// True when everything is done and drawn.
+    bool settle()
+    {
+        return QTest::qWaitFor([&] { return !document().isBusy() && canvas().isUpToDate(); },
+                               patienceMs);
+    }
+
+    QPoint onCanvas(const QPointF &point) { return canvas().view().toWidget(point).toPoint(); }
+    void press(const QPointF &point, Qt::MouseButton button = Qt::LeftButton,
+               Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::mousePress(&canvas(), button, modifiers, onCanvas(point));
+    }
+    void release(const QPointF &point, Qt::MouseButton button = Qt::LeftButton)
+    {
+        QTest::mouseRelease(&canvas(), button, {}, onCanvas(point));
+    }
+    void move(const QPointF &point, Qt::MouseButtons held = {})
+    {
+        const QPointF local = onCanvas(point);
+        QMouseEvent event(QEvent::MouseMove, local, canvas().mapToGlobal(local), Qt::NoButton,
+                          held, {});
+        QCoreApplication::sendEvent(&canvas(), &event);
+    }
+    void drag(const QPolygonF &points, Qt::MouseButton button = Qt::LeftButton,
+              Qt::KeyboardModifiers modifiers = {})
+    {
+        press(points.first(), button, modifiers);
+        for (const QPointF &point : points)
+            move(point, button);
+        release(points.last(), button);
+    }
+    void click(const QPointF &point, Qt::MouseButton button = Qt::LeftButton)
+    {
+        press(point, button);
+        release(point, button);
+    }
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(&canvas(), key, modifiers);
+    }
+
+    /// The share of the picture that is object.
+    double objectShare()
+    {
+        const QImage mask = document().mask();
+        qint64 count = 0;
+        for (int y = 0; y < mask.height(); ++y) {
+            const auto *const row = reinterpret_cast<const QRgb *>(mask.constScanLine(y));
+            count += std::count_if(row, row + mask.width(),
+                                   [](QRgb pixel) { return qAlpha(pixel) == 0; });
+        }
+        return mask.isNull() ? 0.0 : double(count) / (double(mask.width()) * mask.height());
+    }
+
+    MainWindow window;
+};
