@@ -191,6 +191,8 @@ void MainWindow::createDocks(QMenu *menu)
     auto *const list = new QUndoView(m_document.undoStack(), dock);
     list->setEmptyLabel(tr("Picture opened"));
     list->setAccessibleName(tr("History"));
+    list->setSpacing(2);
+    list->setFrameShape(QFrame::NoFrame);
     dock->setWidget(list);
     addDockWidget(Qt::RightDockWidgetArea, dock);
     QAction *const toggle = dock->toggleViewAction();
@@ -215,8 +217,8 @@ void MainWindow::createToolBars()
     };
     add("open");
     m_optionsBar->addSeparator();
-    add("undo");
-    add("redo");
+    m_optionsBar->addAction(m_undoActions.undoAction());
+    m_optionsBar->addAction(m_undoActions.redoAction());
     m_optionsBar->addSeparator();
     for (const char *const id : {"zoomOut", "zoomIn", "zoomFit", "zoomOriginal"})
         add(id);

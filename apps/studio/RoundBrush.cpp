@@ -69,6 +69,7 @@ QWidget *RoundBrush::createControls(QWidget *parent)
     auto *const controls = new QWidget(parent); // the parent's, as all in it
     auto *const layout = new QHBoxLayout(controls);
     layout->setContentsMargins(6, 0, 6, 0);
+    controls->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
     auto *const number = new QSpinBox;
     number->setRange(narrowest, widest);
     number->setSuffix(tr(" px"));

@@ -13,7 +13,7 @@ struct ViewScene
     ImagePyramid mask; ///< opaque where the background is; of any size; null without a cut
     QImage labels;     ///< the regions, one number a pixel, 0 for none; null without a cut
     ViewMode mode = ViewMode::Overlay;
-    QColor overlayColor{224, 49, 49, 150};
+    QColor overlayColor{24, 100, 220, 150};
     QColor backgroundColor{Qt::white};
     bool showsContours = false;
     bool hidesMask = false;
