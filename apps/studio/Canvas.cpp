@@ -136,7 +136,7 @@ void Canvas::paintEvent(QPaintEvent *event)
         if (m_document.hasPicture())
             paintTiles(painter, area);
     }
-    painter.setClipRegion(event->region());
+    painter.setClipRegion(event->region()); // which also tells tools how much they have to draw
     if (m_tool && m_document.hasPicture())
         m_tool->paint(painter, m_view);
 }

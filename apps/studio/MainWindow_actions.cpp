@@ -199,6 +199,7 @@ void MainWindow::createDocks(QMenu *menu)
     toggle->setObjectName(QStringLiteral("history"));
     toggle->setShortcut(Qt::Key_F9);
     menu->addAction(toggle);
+    addAction(toggle);
 }
 
 void MainWindow::createToolBars()

@@ -1,5 +1,7 @@
 #include "TileRenderer.h"
 
+#include "LabelSampler.h"
+
 #include <QPainter>
 
 #include <algorithm>
@@ -155,11 +157,12 @@ private:
     /// Lines where the label to the right or below is another one, a pixel of the screen wide.
     QImage contours() const
     {
+        const LabelSampler labels(m_scene.labels, m_scene.picture.size(), m_scale);
+        const QList<int> columns = labels.columns(m_area.left(), m_area.width() + 1);
         QImage layer = empty();
-        const QList<int> columns = labelColumns();
         for (int y = 0; y < layer.height(); ++y) {
-            const int *const here = labelRow(y);
-            const int *const below = labelRow(y + 1);
+            const int *const here = labels.row(m_area.top() + y);
+            const int *const below = labels.row(m_area.top() + y + 1);
             auto *const out = reinterpret_cast<QRgb *>(layer.scanLine(y));
             for (int x = 0; x < layer.width(); ++x) {
                 const int label = here[columns[x]];
@@ -168,24 +171,6 @@ private:
             }
         }
         return layer;
-    }
-
-    QList<int> labelColumns() const
-    {
-        const QImage &labels = m_scene.labels;
-        const double step = labels.width() / (m_scale * m_scene.picture.size().width());
-        QList<int> columns(m_area.width() + 1);
-        for (int x = 0; x < columns.size(); ++x)
-            columns[x] = std::clamp(int((m_area.left() + x + 0.5) * step), 0, labels.width() - 1);
-        return columns;
-    }
-
-    const int *labelRow(int y) const
-    {
-        const QImage &labels = m_scene.labels;
-        const double step = labels.height() / (m_scale * m_scene.picture.size().height());
-        const int row = std::clamp(int((m_area.top() + y + 0.5) * step), 0, labels.height() - 1);
-        return reinterpret_cast<const int *>(labels.constScanLine(row));
     }
 
     const ViewScene &m_scene;

@@ -8,6 +8,8 @@
 #include <QTest>
 #include <QtMath>
 
+#include <algorithm>
+
 /// A real window, and a hand on its mouse, in pixels of the picture.
 class StudioDriver
 {
@@ -25,7 +27,10 @@ public:
     Canvas &canvas() { return window.canvas(); }
     QAction &action(const char *id)
     {
-        return *window.findChild<QAction *>(QString::fromLatin1(id));
+        const QList<QAction *> actions = window.actions();
+        return **std::find_if(actions.begin(), actions.end(), [id](const QAction *action) {
+            return action->objectName() == QLatin1StringView(id);
+        });
     }
 
     /// True when the picture is there.
@@ -57,8 +62,8 @@ public:
     void move(const QPointF &point, Qt::MouseButtons held = {})
     {
         const QPointF local = onCanvas(point);
-        QMouseEvent event(QEvent::MouseMove, local, canvas().mapToGlobal(local), Qt::NoButton,
-                          held, {});
+        QMouseEvent event(QEvent::MouseMove, local, canvas().mapToGlobal(local), Qt::NoButton, held,
+                          {});
         QCoreApplication::sendEvent(&canvas(), &event);
     }
     void drag(const QPolygonF &points, Qt::MouseButton button = Qt::LeftButton,
