@@ -6,6 +6,7 @@
 #include <QLineF>
 #include <QPainter>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -19,13 +20,46 @@ double distance(const QPointF &a, const QPointF &b)
     return QLineF(a, b).length();
 }
 
+/// Encloses both; never null.
+QRectF between(const QPointF &a, const QPointF &b)
+{
+    return QRectF(a, b).normalized().adjusted(-0.5, -0.5, 0.5, 0.5);
+}
+
+/// The parts of a line that may be seen within an area: a lasso has thousands of points, of which
+/// most lie where nothing is painted.
+QList<QPolygonF> partsWithin(const QRectF &area, const QPolygonF &line)
+{
+    QList<QPolygonF> parts;
+    bool wasSeen = false;
+    for (qsizetype i = 1; i < line.size(); ++i) {
+        const QPointF from = line.at(i - 1), to = line.at(i);
+        const bool isSeen = std::max(from.x(), to.x()) >= area.left() &&
+                            std::min(from.x(), to.x()) <= area.right() &&
+                            std::max(from.y(), to.y()) >= area.top() &&
+                            std::min(from.y(), to.y()) <= area.bottom();
+        if (isSeen && !wasSeen)
+            parts.append(QPolygonF({from}));
+        if (isSeen)
+            parts.last().append(to);
+        wasSeen = isSeen;
+    }
+    return parts;
+}
+
 /// Light on dark, so that it is seen on any picture.
 void drawTwice(QPainter &painter, const QPolygonF &line, Qt::PenStyle style)
 {
+    constexpr double margin = 3.0; // lines have a width
+    const QRectF area = painter.clipBoundingRect().adjusted(-margin, -margin, margin, margin);
+    const QList<QPolygonF> parts =
+            style == Qt::SolidLine ? partsWithin(area, line) : QList<QPolygonF>{line};
     painter.setPen(QPen(QColor(0, 0, 0, 170), 3.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPolyline(line);
+    for (const QPolygonF &part : parts)
+        painter.drawPolyline(part);
     painter.setPen(QPen(Qt::white, 1.3, style, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPolyline(line);
+    for (const QPolygonF &part : parts)
+        painter.drawPolyline(part);
 }
 
 } // namespace
@@ -76,8 +110,9 @@ void LassoTool::move(const PointerEvent &event)
     if (!m_isDragging && distance(event.widgetPosition, m_pressedOnWidget) < dragDistance)
         return;
     m_isDragging = true;
+    const QPointF last = m_points.last();
     m_points.append(event.position);
-    Q_EMIT overlayChanged(m_points.boundingRect());
+    Q_EMIT overlayChanged(between(last, event.position));
 }
 
 void LassoTool::release(const PointerEvent &)
@@ -100,9 +135,11 @@ void LassoTool::doubleClick(const PointerEvent &event)
 
 void LassoTool::hover(const PointerEvent &event)
 {
-    m_pointer = event.position;
-    if (!m_points.isEmpty())
-        Q_EMIT overlayChanged({});
+    const QPointF before = std::exchange(m_pointer, event.position);
+    if (m_points.isEmpty())
+        return;
+    for (const QPointF &end : {before, event.position, m_points.first()})
+        Q_EMIT overlayChanged(between(m_points.last(), end));
 }
 
 bool LassoTool::keyPress(const QKeyEvent &event)

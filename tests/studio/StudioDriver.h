@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QMouseEvent>
 #include <QTest>
+#include <QWheelEvent>
 #include <QtMath>
 
 #include <algorithm>
@@ -24,6 +25,7 @@ public:
     }
 
     Document &document() { return window.document(); }
+    ToolSet &tools() { return window.tools(); }
     Canvas &canvas() { return window.canvas(); }
     QAction &action(const char *id)
     {
@@ -61,7 +63,10 @@ public:
     }
     void move(const QPointF &point, Qt::MouseButtons held = {})
     {
-        const QPointF local = onCanvas(point);
+        moveOnCanvas(onCanvas(point), held);
+    }
+    void moveOnCanvas(const QPointF &local, Qt::MouseButtons held)
+    {
         QMouseEvent event(QEvent::MouseMove, local, canvas().mapToGlobal(local), Qt::NoButton, held,
                           {});
         QCoreApplication::sendEvent(&canvas(), &event);
@@ -78,6 +83,13 @@ public:
     {
         press(point, button);
         release(point, button);
+    }
+    void wheel(const QPointF &point, int steps, Qt::KeyboardModifiers modifiers = {})
+    {
+        const QPointF local = canvas().view().toWidget(point);
+        QWheelEvent event(local, canvas().mapToGlobal(local), {}, {0, 120 * steps}, {}, modifiers,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&canvas(), &event);
     }
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
     {
