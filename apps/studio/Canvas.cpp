@@ -205,6 +205,8 @@ void Canvas::zoomTo(double scale, const QPointF &fixedPoint)
 
 void Canvas::setView(double scale, const QPointF &origin)
 {
+    if (m_tiles.scene().devicePixelRatio != devicePixelRatioF()) // also of another screen
+        changeScene([this](ViewScene &scene) { scene.devicePixelRatio = devicePixelRatioF(); });
     const bool hasZoomed = scale != m_view.scale;
     m_view.scale = scale;
     m_view.devicePixelRatio = devicePixelRatioF();

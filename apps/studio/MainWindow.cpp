@@ -80,6 +80,8 @@ MainWindow::MainWindow(QWidget *parent)
     showTool(m_tools.current());
     updateActions();
     updateTitle();
+    for (QWidget *const widget : std::as_const(m_workWidgets))
+        widget->hide();
     resize(1180, 780);
 }
 
@@ -167,6 +169,9 @@ bool MainWindow::mayDiscardChanges()
 void MainWindow::showPicture(const OpenedPicture &picture)
 {
     m_tools.current()->cancel();
+    if (!m_document.hasPicture())
+        for (QWidget *const widget : std::as_const(m_workWidgets))
+            widget->show();
     m_document.setPicture(picture);
     m_pages->setCurrentWidget(m_canvas);
     m_canvas->setFocus();

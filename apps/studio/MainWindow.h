@@ -53,6 +53,7 @@ private:
     void createBackgroundColors(QMenu *menu);
     void createDocks(QMenu *menu);
     void createToolBars();
+    QWidget *createViewModeButton();
     void connectDocument();
 
     void chooseFile();
@@ -76,6 +77,7 @@ private:
     StatusBar *m_statusBar;
     QActionGroup *m_toolActions;
     QActionGroup *m_viewModes;
+    QList<QWidget *> m_workWidgets;    // that make no sense on the start page
     QList<QAction *> m_pictureActions; // that need a picture
     QList<QAction *> m_cutActions;     // that need a cut
     QAction *m_cancelAction = nullptr;

@@ -19,6 +19,7 @@ namespace {
 
 constexpr QSize toolIconSize(26, 26);
 constexpr QSize barIconSize(20, 20);
+constexpr int dockWidth = 210;
 
 QIcon colorIcon(const QColor &color)
 {
@@ -195,6 +196,8 @@ void MainWindow::createDocks(QMenu *menu)
     list->setFrameShape(QFrame::NoFrame);
     dock->setWidget(list);
     addDockWidget(Qt::RightDockWidgetArea, dock);
+    resizeDocks({dock}, {dockWidth}, Qt::Horizontal);
+    m_workWidgets.append(dock);
     QAction *const toggle = dock->toggleViewAction();
     toggle->setObjectName(QStringLiteral("history"));
     toggle->setShortcut(Qt::Key_F9);
@@ -209,22 +212,45 @@ void MainWindow::createToolBars()
     tools->setIconSize(toolIconSize);
     tools->addActions(m_toolActions->actions());
     addToolBar(Qt::LeftToolBarArea, tools);
+    m_workWidgets.append(tools);
 
-    m_optionsBar = addToolBar(tr("Options"));
-    m_optionsBar->setObjectName(QStringLiteral("optionsBar"));
-    m_optionsBar->setIconSize(barIconSize);
-    const auto add = [this](const char *id) {
-        m_optionsBar->addAction(findChild<QAction *>(QString::fromLatin1(id)));
+    QToolBar *const main = addToolBar(tr("Main"));
+    main->setObjectName(QStringLiteral("mainBar"));
+    main->setIconSize(barIconSize);
+    const auto add = [this, main](const char *id) {
+        main->addAction(findChild<QAction *>(QString::fromLatin1(id)));
     };
     add("open");
-    m_optionsBar->addSeparator();
-    m_optionsBar->addAction(m_undoActions.undoAction());
-    m_optionsBar->addAction(m_undoActions.redoAction());
-    m_optionsBar->addSeparator();
+    main->addSeparator();
+    main->addActions({m_undoActions.undoAction(), m_undoActions.redoAction()});
+    main->addSeparator();
     for (const char *const id : {"zoomOut", "zoomIn", "zoomFit", "zoomOriginal"})
         add(id);
-    m_optionsBar->addSeparator();
+    main->addSeparator();
+    main->addWidget(createViewModeButton());
     add("contours");
     add("invert");
-    m_optionsBar->addSeparator();
+    m_optionsBar = addToolBar(tr("Tool Options"));
+    m_optionsBar->setObjectName(QStringLiteral("optionsBar"));
+    m_workWidgets.append({main, m_optionsBar});
+}
+
+/// Shows how the cut is shown, and offers the other ways.
+QWidget *MainWindow::createViewModeButton()
+{
+    auto *const button = new QToolButton; // the tool bar takes it
+    button->setIcon(VectorIcon::make(VectorIcon::Shape::Layers));
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    button->setPopupMode(QToolButton::InstantPopup);
+    button->setToolTip(tr("How the cut is shown"));
+    button->setAccessibleName(tr("How the cut is shown"));
+    button->addActions(m_viewModes->actions());
+    const auto show = [button](const QAction *mode) { button->setText(mode->iconText()); };
+    show(m_viewModes->checkedAction());
+    for (const QAction *const mode : m_viewModes->actions())
+        connect(mode, &QAction::toggled, button, [mode, show](bool isChecked) {
+            if (isChecked)
+                show(mode);
+        });
+    return button;
 }

@@ -5,10 +5,11 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
-constexpr int checkerSide = 10; // pixels of the screen
+constexpr int checkerSide = 9; // pixels of the widget
 constexpr double fewestPixelsToShowSquares = 3.0;
 constexpr int halfOpaque = 128;
 constexpr QRgb outlineInside = qRgb(255, 255, 255);
@@ -62,8 +63,8 @@ private:
             painter.drawImage(0, 0, tintedMask(Qt::black));
             break;
         case ViewMode::Background:
-            painter.fillRect(painter.viewport(), m_scene.backgroundColor);
-            painter.drawImage(0, 0, object());
+            drawWholePicture(painter); // seen through a translucent colour
+            painter.drawImage(0, 0, tintedMask(m_scene.backgroundColor));
             break;
         }
     }
@@ -94,14 +95,16 @@ private:
     {
         const QColor dark(190, 190, 190), light(235, 235, 235);
         painter.fillRect(painter.viewport(), light);
-        const int firstColumn = m_area.left() / checkerSide, firstRow = m_area.top() / checkerSide;
-        for (int row = firstRow; row * checkerSide <= m_area.bottom(); ++row)
-            for (int column = firstColumn; column * checkerSide <= m_area.right(); ++column)
+        const int side = checkerSide * lineWidth();
+        for (int row = m_area.top() / side; row * side <= m_area.bottom(); ++row)
+            for (int column = m_area.left() / side; column * side <= m_area.right(); ++column)
                 if ((row + column) % 2 != 0)
-                    painter.fillRect(column * checkerSide - m_area.left(),
-                                     row * checkerSide - m_area.top(), checkerSide, checkerSide,
-                                     dark);
+                    painter.fillRect(column * side - m_area.left(), row * side - m_area.top(), side,
+                                     side, dark);
     }
+
+    /// Pixels of the screen.
+    int lineWidth() const { return std::max(1, int(std::lround(m_scene.devicePixelRatio))); }
 
     QImage empty() const
     {
@@ -134,24 +137,40 @@ private:
     /// of them is seen on any picture.
     QImage outline() const
     {
-        // One pixel more on each side, as neighbours decide.
-        const Tile wider(m_scene, m_area.adjusted(-1, -1, 1, 1), m_scale);
+        const int reach = lineWidth(); // as far as neighbours decide
+        const Tile wider(m_scene, m_area.adjusted(-reach, -reach, reach, reach), m_scale);
         const QImage mask = wider.tintedMask(Qt::black);
-        QImage layer = empty();
-        const auto isObject = [&mask](int x, int y) {
-            const auto *const row = reinterpret_cast<const QRgb *>(mask.constScanLine(y));
-            return qAlpha(row[x]) < halfOpaque;
+        const QRect inside =
+                wider.pictureRect(); // beyond it there is neither object nor background
+        const auto isObject = [&](int x, int y) {
+            const int row = std::clamp(y + reach, inside.top(), inside.bottom());
+            const int column = std::clamp(x + reach, inside.left(), inside.right());
+            return qAlpha(reinterpret_cast<const QRgb *>(mask.constScanLine(row))[column]) <
+                   halfOpaque;
         };
+        QImage layer = empty();
         for (int y = 0; y < layer.height(); ++y) {
             auto *const out = reinterpret_cast<QRgb *>(layer.scanLine(y));
             for (int x = 0; x < layer.width(); ++x) {
-                const bool here = isObject(x + 1, y + 1);
-                if (isObject(x, y + 1) != here || isObject(x + 2, y + 1) != here ||
-                    isObject(x + 1, y) != here || isObject(x + 1, y + 2) != here)
+                const bool here = isObject(x, y);
+                bool isBorder = false;
+                for (int d = 1; d <= reach; ++d)
+                    isBorder = isBorder || isObject(x - d, y) != here ||
+                               isObject(x + d, y) != here || isObject(x, y - d) != here ||
+                               isObject(x, y + d) != here;
+                if (isBorder)
                     out[x] = here ? outlineInside : outlineOutside;
             }
         }
         return layer;
+    }
+
+    /// In pixels of the tile.
+    QRect pictureRect() const
+    {
+        const QSizeF size = QSizeF(m_scene.picture.size()) * m_scale;
+        return QRect(-m_area.topLeft(), size.toSize().expandedTo({1, 1})) &
+               QRect(QPoint(), m_area.size());
     }
 
     /// Lines where the label to the right or below is another one, a pixel of the screen wide.

@@ -7,6 +7,8 @@
 #include <QPalette>
 #include <QPixmap>
 
+#include <cmath>
+
 namespace {
 
 constexpr double grid = 24.0; // shapes are drawn on a grid of this size
@@ -147,6 +149,15 @@ QPainterPath contoursPath()
     return path;
 }
 
+QPainterPath layersPath()
+{
+    QPainterPath path;
+    addLine(path, {{12, 3.5}, {21, 8.5}, {12, 13.5}, {3, 8.5}, {12, 3.5}});
+    addLine(path, {{3, 12.5}, {12, 17.5}, {21, 12.5}});
+    addLine(path, {{3, 16.3}, {12, 21.3}, {21, 16.3}});
+    return path;
+}
+
 QPainterPath hidePath()
 {
     QPainterPath path(QPointF(2.5, 12));
@@ -207,6 +218,8 @@ QPainterPath pathOf(VectorIcon::Shape shape)
         return zoomOriginalPath();
     case Shape::Contours:
         return contoursPath();
+    case Shape::Layers:
+        return layersPath();
     case Shape::Hide:
         return hidePath();
     case Shape::Invert:

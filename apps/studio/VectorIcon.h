@@ -19,6 +19,7 @@ enum class Shape {
     ZoomFit,
     ZoomOriginal,
     Contours,
+    Layers,
     Hide,
     Invert,
     Cancel,

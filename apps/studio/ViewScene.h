@@ -15,6 +15,7 @@ struct ViewScene
     ViewMode mode = ViewMode::Overlay;
     QColor overlayColor{24, 100, 220, 150};
     QColor backgroundColor{Qt::white};
+    double devicePixelRatio = 1.0; ///< lines and squares are as wide on every screen
     bool showsContours = false;
     bool hidesMask = false;
 };

@@ -114,8 +114,8 @@ void tst_StudioViews::views()
     m_studio->action("viewOverlay").trigger();
     m_studio->action("contours").trigger();
     m_studio->action("brush").trigger();
-    m_studio->canvas().zoomTo(m_studio->canvas().view().scale * 2.0, {300, 300});
-    m_studio->move({400, 330});
+    m_studio->canvas().zoomTo(m_studio->canvas().view().scale * 2.0, {500, 500});
+    m_studio->move({390, 250});
     QVERIFY(m_studio->settle());
     grab(QStringLiteral("brush"));
 }
