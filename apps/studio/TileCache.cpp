@@ -5,7 +5,6 @@
 #include <QPainter>
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace {
@@ -67,10 +66,11 @@ void TileCache::setScale(double scale)
     m_pool.clear();
 }
 
+/// Of a pixel of the screen that is covered in part, its middle decides, as it does in painting.
 QRect TileCache::sceneRect() const
 {
-    const QSizeF size = m_scene->picture.size();
-    return {0, 0, int(std::ceil(size.width() * m_scale)), int(std::ceil(size.height() * m_scale))};
+    const QSizeF size = QSizeF(m_scene->picture.size()) * m_scale;
+    return {QPoint(), size.toSize().expandedTo({1, 1})};
 }
 
 QRect TileCache::rectOf(const QPoint &place) const
