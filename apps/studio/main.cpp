@@ -1,4 +1,5 @@
 #include "MainWindow.h"
+#include "PaintThreads.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -19,6 +20,7 @@ int main(int argc, char *argv[])
                                  QStringLiteral("[picture]"));
     parser.process(application);
 
+    PaintThreads::reserve();
     MainWindow window;
     window.show();
     const QStringList arguments = parser.positionalArguments();

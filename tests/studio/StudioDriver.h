@@ -2,6 +2,7 @@
 
 #include "Canvas.h"
 #include "MainWindow.h"
+#include "PaintThreads.h"
 
 #include <QAction>
 #include <QMouseEvent>
@@ -19,6 +20,7 @@ public:
 
     StudioDriver()
     {
+        PaintThreads::reserve(); // as main() does
         window.show();
         const bool isExposed = QTest::qWaitForWindowExposed(&window);
         Q_UNUSED(isExposed)
