@@ -5,9 +5,11 @@
 #include "CutResult.h"
 #include "Interruption.h"
 #include "LabelData.h"
-#include "ObjectPictures.h"
 #include "OutputNames.h"
 #include "Stopwatch.h"
+#include "cutout/MaskOutline.h"
+#include "cutout/ObjectPictures.h"
+#include "cutout/SvgOutline.h"
 
 #include <utility>
 
@@ -40,15 +42,18 @@ void CutFiles::write(CutOutput output, const CutResult &result)
 {
     OutputFile &file = m_files.at(output);
     const auto cropped = [&](const QImage &image) {
-        return m_options.crop ? image.copy(result.objectBox) : image;
+        return CutoutPicture::cropped(image, result.fullMask, m_options.cutout);
     };
     switch (output) {
     case CutOutput::Object:
-        return file.write(cropped(objectPicture(result)));
+        return file.write(
+                CutoutPicture::compose(result.picture, result.fullMask, m_options.cutout));
     case CutOutput::Mask:
-        return file.write(cropped(result.fullMask));
+        return file.write(cropped(result.fullMask.alpha));
     case CutOutput::Overlay:
-        return file.write(cropped(ObjectPictures::overlay(result.picture, result.fullMask)));
+        return file.write(cropped(ObjectPictures::overlay(result.picture, result.fullMask.alpha)));
+    case CutOutput::Outline:
+        return file.write(outline(result));
     case CutOutput::Contours:
         return file.write(result.contours);
     case CutOutput::Labels:
@@ -58,11 +63,10 @@ void CutFiles::write(CutOutput output, const CutResult &result)
     }
 }
 
-QImage CutFiles::objectPicture(const CutResult &result) const
+QByteArray CutFiles::outline(const CutResult &result) const
 {
-    if (m_options.background.isValid())
-        return ObjectPictures::onBackground(result.picture, result.fullMask, m_options.background);
-    return ObjectPictures::onTransparency(result.picture, result.fullMask);
+    const QRect view = m_options.cutout.crop ? result.objectBox : result.picture.rect();
+    return SvgOutline::filled(MaskOutline::path(result.fullMask.object), view);
 }
 
 void CutFiles::writeLabels(OutputFile &file, const QImage &labels)

@@ -28,7 +28,7 @@ public:
 private:
     void write(CutOutput output, const CutResult &result);
     void writeLabels(OutputFile &file, const QImage &labels);
-    QImage objectPicture(const CutResult &result) const;
+    QByteArray outline(const CutResult &result) const;
 
     const CutOptions m_options;
     std::map<CutOutput, OutputFile> m_files;

@@ -112,8 +112,7 @@ void CutInputs::read(CutResult &result, const CutOptions &options, const Interru
     QByteArray hash; // large files take a while, so it is made for those who ask
     if (comparesPictures || options.outputs.contains(CutOutput::Session))
         hash = sha256(*device);
-    result.picture = PictureInput::decode(*device, InputData::displayName(options.picture),
-                                          options.allowHuge);
+    result.picture = PictureInput::decode(*device, options);
     result.session.picture = {result.picture.size(), hash};
     if (comparesPictures)
         checkIsSamePicture(*file.picture, *result.session.picture, options);

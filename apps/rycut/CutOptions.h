@@ -7,7 +7,7 @@
 #include <QString>
 
 /// What a cut can be asked to write, in the order in which it is written.
-enum class CutOutput { Object, Mask, Overlay, Contours, Labels, Session };
+enum class CutOutput { Object, Mask, Overlay, Outline, Contours, Labels, Session };
 
 /// What the user asked a command that cuts for.
 struct CutOptions : PictureOptions
@@ -17,8 +17,6 @@ struct CutOptions : PictureOptions
     QString gesturesFile;             ///< or empty
     QMap<CutOutput, QString> outputs; ///< file names
 
-    bool crop = false;
     bool force = false; ///< takes gestures that were made on another picture
-    QColor background;  ///< invalid: the object stays on transparency
     QColor maskColour = Qt::white;
 };

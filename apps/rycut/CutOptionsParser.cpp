@@ -12,6 +12,7 @@ CutOptionsParser::CutOptionsParser(const QString &command, const QString &descri
     addOptions(inputOptions);
     addOutputOptions();
     addSizeOptions();
+    addEdgeOptions();
     addCutOptions();
     addOtherOptions();
 }
@@ -21,6 +22,8 @@ void CutOptionsParser::addOutputOptions()
     addOptions({{u"output"_s, u"The object on transparency, or on --background."_s, u"file"_s},
                 {u"mask"_s, u"The mask: grey, 255 where the object is."_s, u"file.png"_s},
                 {u"overlay"_s, u"The picture with the object outlined."_s, u"file.png"_s},
+                {u"outline"_s, u"The object's outline, exact to the pixel, with its holes."_s,
+                 u"file.svg"_s},
                 {u"contours"_s, u"Outlines of all regions, at cutting size."_s, u"file.png"_s},
                 {u"labels"_s,
                  u"Number of the region at every pixel, at cutting size: 16-bit grey .png, or .raw "
@@ -31,8 +34,7 @@ void CutOptionsParser::addOutputOptions()
 
 void CutOptionsParser::addCutOptions()
 {
-    addOptions({{u"crop"_s, u"Crop output, mask and overlay to the object."_s},
-                {u"background"_s, u"Colour behind the object: a name, #RRGGBB or #AARRGGBB."_s,
+    addOptions({{u"background"_s, u"Colour behind the object: a name, #RRGGBB or #AARRGGBB."_s,
                  u"colour"_s},
                 {{u"mask-colour"_s, u"mask-color"_s},
                  u"Colour of the session's own mask. Default: white."_s,
@@ -48,10 +50,9 @@ CutOptions CutOptionsParser::options() const
     if (QStringList{options.picture, options.lassoFile, options.gesturesFile}.count(u"-"_s) > 1)
         throwUsage(u"only one input can come from standard input"_s);
     readPictureOptions(options);
-    options.crop = isSet(u"crop"_s);
     options.force = isSet(u"force"_s);
     if (isSet(u"background"_s))
-        options.background = colour(u"background"_s);
+        options.cutout.background = colour(u"background"_s);
     if (isSet(u"mask-colour"_s))
         options.maskColour = colour(u"mask-colour"_s);
     readOutputs(options);

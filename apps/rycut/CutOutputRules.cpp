@@ -36,6 +36,8 @@ void checkFormat(CutOutput output, const QString &fileName, const QColor &backgr
         return; // a text, whatever the name
     if (output == CutOutput::Object)
         checkObjectFormat(fileName, background);
+    else if (output == CutOutput::Outline)
+        OutputNames::requireFormat(option, fileName, {u"svg"_s});
     else if (output == CutOutput::Labels)
         OutputNames::requireFormat(option, fileName, {u"png"_s, u"raw"_s});
     else
@@ -64,6 +66,8 @@ QString CutOutputRules::optionName(CutOutput output)
         return u"mask"_s;
     case CutOutput::Overlay:
         return u"overlay"_s;
+    case CutOutput::Outline:
+        return u"outline"_s;
     case CutOutput::Contours:
         return u"contours"_s;
     case CutOutput::Labels:
@@ -82,10 +86,10 @@ QString CutOutputRules::rawLabelsDescription(const QString &fileName)
 void CutOutputRules::check(const CutOptions &options)
 {
     for (auto it = options.outputs.cbegin(); it != options.outputs.cend(); ++it)
-        checkFormat(it.key(), it.value(), options.background);
+        checkFormat(it.key(), it.value(), options.cutout.background);
     const QStringList names = writtenFiles(options);
     if (names.isEmpty())
-        throwUsage(u"nothing to write; name a file with --output, --mask, --overlay, --contours, "
-                   "--labels, --write-session or --report"_s);
+        throwUsage(u"nothing to write; name a file with --output, --mask, --overlay, --outline, "
+                   "--contours, --labels, --write-session or --report"_s);
     OutputNames::requireDistinct(names);
 }

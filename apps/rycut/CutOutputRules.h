@@ -7,8 +7,9 @@
 /// Which files each output of a cut may go to.
 namespace CutOutputRules {
 
-inline constexpr std::array all = {CutOutput::Object,   CutOutput::Mask,   CutOutput::Overlay,
-                                   CutOutput::Contours, CutOutput::Labels, CutOutput::Session};
+inline constexpr std::array all = {CutOutput::Object,  CutOutput::Mask,     CutOutput::Overlay,
+                                   CutOutput::Outline, CutOutput::Contours, CutOutput::Labels,
+                                   CutOutput::Session};
 
 QString optionName(CutOutput output);
 /// The file that tells the size of raw labels.

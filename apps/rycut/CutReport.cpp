@@ -48,6 +48,7 @@ QJsonObject timesObject(const RySegmentationStatistics &statistics, const CutTim
             {u"regions"_s, statistics.regionsMs},
             {u"first_cut"_s, statistics.firstCutMs},
             {u"session_total"_s, times.sessionMs},
+            {u"edge_operations"_s, times.edgesMs},
             {u"writing"_s, times.writingMs}};
 }
 

@@ -6,10 +6,11 @@
 #include "CutReport.h"
 #include "CutSession.h"
 #include "InputData.h"
-#include "MaskImage.h"
 #include "PictureMemory.h"
 #include "ProgressBar.h"
 #include "Stopwatch.h"
+#include "cutout/EdgeOperations.h"
+#include "cutout/MaskImage.h"
 #include "gestures/GestureError.h"
 
 using namespace Qt::StringLiterals;
@@ -24,8 +25,9 @@ void CutRun::execute()
     readInputs();
     computeCut();
     if (m_result.foregroundPixels == 0)
-        reportEmptyResult();
-    enlarge();
+        failWithReport(u"nothing was found to cut out of %1"_s.arg(
+                InputData::displayName(m_options.picture)));
+    makeFullMask();
     writeOutputs();
 }
 
@@ -82,24 +84,29 @@ void CutRun::takeResults(const CutSession &session)
         m_result.contours = session.segmentation().drawContour();
 }
 
-void CutRun::reportEmptyResult()
+void CutRun::failWithReport(const QString &message)
 {
     m_files.writeReport(m_result);
     m_files.commitReport();
-    throw CommandError(ExitStatus::EmptyResult, u"nothing was found to cut out of %1"_s.arg(
-                                                        InputData::displayName(m_options.picture)));
+    throw CommandError(ExitStatus::EmptyResult, message);
 }
 
-void CutRun::enlarge()
+void CutRun::makeFullMask()
 {
     Stopwatch stopwatch;
-    QImage &mask = m_result.fullMask;
-    mask = m_result.scale.enlargedMask(m_result.mask);
+    QImage mask = m_result.scale.enlargedMask(m_result.mask);
     requireMemory(mask);
     mask.setDotsPerMeterX(m_result.picture.dotsPerMeterX());
     mask.setDotsPerMeterY(m_result.picture.dotsPerMeterY());
-    m_result.objectBox = MaskImage::objectBox(mask);
     m_result.times.scalingMs += stopwatch.lapMs();
+
+    m_result.fullMask = EdgeOperations::apply(mask, m_options.edges);
+    requireMemory(m_result.fullMask.alpha);
+    m_interruption.check();
+    m_result.objectBox = MaskImage::objectBox(m_result.fullMask.alpha);
+    m_result.times.edgesMs = stopwatch.lapMs();
+    if (m_result.objectBox.isEmpty())
+        failWithReport(u"--drop, --smooth or --grow leave nothing of the object"_s);
 }
 
 void CutRun::writeOutputs()

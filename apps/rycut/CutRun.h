@@ -21,8 +21,8 @@ private:
     void computeCut();
     QImage play(CutSession &session, const QImage &picture) const;
     void takeResults(const CutSession &session);
-    void reportEmptyResult();
-    void enlarge();
+    [[noreturn]] void failWithReport(const QString &message);
+    void makeFullMask();
     void writeOutputs();
     void requireMemory(const QImage &image) const;
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "cutout/CuttingScale.h"
 #include "gestures/GesturePlayer.h"
-#include "pictures/CuttingScale.h"
 #include "segmentation/RyImageSegmentation.h"
 
 #include <QObject>

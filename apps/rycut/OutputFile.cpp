@@ -3,9 +3,9 @@
 #include "CommandError.h"
 #include "Console.h"
 #include "OutputNames.h"
+#include "cutout/PictureEncoder.h"
 
 #include <QFileInfo>
-#include <QImageWriter>
 
 #include <algorithm>
 
@@ -41,20 +41,11 @@ void OutputFile::write(const QByteArray &bytes)
 
 void OutputFile::write(const QImage &picture)
 {
-    constexpr int fastCompression =
-            15; // Qt's scale of 100: a sixth of the default's time, + 20 % size
-    constexpr int jpegQuality = 95;
-    if (picture.isNull())
-        fail(u"there is too little memory"_s);
     QIODevice &device = m_file ? static_cast<QIODevice &>(*m_file) : m_standardOutput;
-    const QByteArray format = OutputNames::format(m_name).toLatin1();
-    QImageWriter writer(&device, format);
-    if (format == "png")
-        writer.setCompression(fastCompression);
-    else
-        writer.setQuality(jpegQuality);
-    if (!writer.write(picture))
-        fail(writer.errorString());
+    const QString problem =
+            PictureEncoder::encode(device, picture, OutputNames::format(m_name).toLatin1());
+    if (!problem.isEmpty())
+        fail(problem);
 }
 
 void OutputFile::commit()

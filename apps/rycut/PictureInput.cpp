@@ -1,19 +1,22 @@
 #include "PictureInput.h"
 
 #include "CommandError.h"
-#include "pictures/PictureDecoder.h"
-#include "pictures/PictureError.h"
+#include "InputData.h"
+#include "PictureOptions.h"
+#include "cutout/PictureDecoder.h"
+#include "cutout/PictureError.h"
 
 using namespace Qt::StringLiterals;
 
-QImage PictureInput::decode(QIODevice &device, const QString &name, bool allowHuge)
+QImage PictureInput::decode(QIODevice &device, const PictureOptions &options)
 {
     try {
-        return PictureDecoder::decode(device, allowHuge);
+        return PictureDecoder::decode(device, options.allowHuge);
     } catch (const PictureError &error) {
-        const bool canBeLifted = error.kind() == PictureError::Kind::TooLarge;
-        const QString advice = canBeLifted ? u"; --allow-huge lifts this limit"_s : QString();
-        throw CommandError(ExitStatus::UnreadableInput,
-                           u"%1 cannot be read: %2%3"_s.arg(name, error.reason(), advice));
+        QString message = u"%1 cannot be read: %2"_s.arg(InputData::displayName(options.picture),
+                                                         error.reason());
+        if (error.kind() == PictureError::Kind::TooLarge)
+            message += u"; --allow-huge lifts this limit"_s;
+        throw CommandError(ExitStatus::UnreadableInput, message);
     }
 }

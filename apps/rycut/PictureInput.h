@@ -1,13 +1,14 @@
 #pragma once
 
-#include <QIODevice>
 #include <QImage>
-#include <QString>
 
-/// Pictures as commands read them.
+class QIODevice;
+struct PictureOptions;
+
+/// The picture that a command works on.
 namespace PictureInput {
 
-/// The name is for messages. Throws CommandError when the picture cannot be read.
-QImage decode(QIODevice &device, const QString &name, bool allowHuge);
+/// Throws CommandError when it cannot be decoded.
+QImage decode(QIODevice &device, const PictureOptions &options);
 
 } // namespace PictureInput

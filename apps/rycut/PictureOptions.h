@@ -1,5 +1,8 @@
 #pragma once
 
+#include "cutout/CutoutPicture.h"
+#include "cutout/EdgeOptions.h"
+
 #include <QString>
 
 /// What every command on a picture can be asked for; "-" as a file name is standard input or output.
@@ -9,6 +12,9 @@ struct PictureOptions
     QString report; ///< file name, or empty
 
     int maxLength = 0; ///< longest side for cutting, in pixels; 0 cuts at full size
+    EdgeOptions edges;
+    CutoutPicture::Options cutout;
+
     bool allowHuge = false;
     bool quiet = false;
     QString kernel;

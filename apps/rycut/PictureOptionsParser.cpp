@@ -3,13 +3,47 @@
 #include "CommandError.h"
 #include "Console.h"
 #include "Kernel.h"
+#include "cutout/EdgeColours.h"
 #include "settings/RyImageCutterSettings.h"
 
+#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr int rimOfSoftEdges = 2; // pixels in which lenses and cameras mix object and background
+
+/// A number of EdgeOptions, as an option.
+struct EdgeOption
+{
+    QString name;
+    QString description;
+    QString unit;
+    int EdgeOptions::*number;
+    int least, most;
+};
+
+/// In the order in which they are applied.
+const std::array<EdgeOption, 5> &edgeOptions()
+{
+    constexpr int length = EdgeOptions::mostPixels;
+    constexpr int area = EdgeOptions::mostArea;
+    static const std::array<EdgeOption, 5> options{{
+            {u"drop"_s, u"Drop pieces of the object with fewer pixels."_s, u"pixels"_s,
+             &EdgeOptions::drop, 0, area},
+            {u"fill"_s, u"Fill holes with fewer pixels."_s, u"pixels"_s, &EdgeOptions::fill, 0,
+             area},
+            {u"smooth"_s, u"Round the edge, up to %1."_s.arg(length), u"radius"_s,
+             &EdgeOptions::smooth, 0, length},
+            {u"grow"_s, u"Move the edge outwards; below 0 inwards, to ±%1."_s.arg(length),
+             u"pixels"_s, &EdgeOptions::grow, -length, length},
+            {u"feather"_s, u"Soften the edge so far to either side, up to %1."_s.arg(length),
+             u"radius"_s, &EdgeOptions::feather, 0, length},
+    }};
+    return options;
+}
 
 /// A settings file that was written by hand may hold any number.
 int defaultMaxLength()
@@ -53,6 +87,20 @@ void PictureOptionsParser::addSizeOptions()
                          {u"allow-huge"_s, u"Read pictures of more than 200 megapixels."_s}});
 }
 
+void PictureOptionsParser::addEdgeOptions()
+{
+    for (const EdgeOption &option : edgeOptions())
+        m_parser.addOption({option.name, option.description, option.unit});
+    m_parser.addOptions(
+            {{u"clean"_s,
+              u"Take the colours of the object's rim, so wide, from further inside, so that none "
+              "of the background shows; up to %1, 0 for never. Default: %2 with --feather, else "
+              "0."_s.arg(EdgeColours::mostRimPixels)
+                      .arg(rimOfSoftEdges),
+              u"pixels"_s},
+             {u"crop"_s, u"Crop output, mask, overlay and the outline of a cut to the object."_s}});
+}
+
 void PictureOptionsParser::addOtherOptions()
 {
     m_parser.addOptions({{u"report"_s, u"What was done, as JSON."_s, u"file"_s},
@@ -92,6 +140,33 @@ void PictureOptionsParser::readPictureOptions(PictureOptions &options) const
                                                             Kernel::names().join(u", "_s)));
     if (isSet(u"cores"_s))
         options.cores = number(u"cores"_s, 1);
+    readEdges(options);
+}
+
+void PictureOptionsParser::readEdges(PictureOptions &options) const
+{
+    for (const EdgeOption &option : edgeOptions()) {
+        if (isSet(option.name))
+            options.edges.*option.number = number(option.name, option.least, option.most);
+    }
+    CutoutPicture::Options &cutout = options.cutout;
+    cutout.crop = isSet(u"crop"_s);
+    cutout.cleanPixels = options.edges.feather > 0 ? rimOfSoftEdges : 0;
+    if (isSet(u"clean"_s))
+        cutout.cleanPixels = number(u"clean"_s, 0, EdgeColours::mostRimPixels);
+}
+
+QString PictureOptionsParser::firstEdgeOption() const
+{
+    for (const EdgeOption &option : edgeOptions()) {
+        if (isSet(option.name))
+            return option.name;
+    }
+    for (const QString &name : {u"clean"_s, u"crop"_s}) {
+        if (isSet(name))
+            return name;
+    }
+    return {};
 }
 
 void PictureOptionsParser::checkArguments() const
@@ -123,12 +198,13 @@ int PictureOptionsParser::maxLength() const
     return length;
 }
 
-int PictureOptionsParser::number(const QString &name, int least) const
+int PictureOptionsParser::number(const QString &name, int least, int most) const
 {
     bool isNumber = false;
     const int result = value(name).toInt(&isNumber);
-    if (!isNumber || result < least)
-        throwUsage(
-                u"--%1: '%2' is not a whole number from %3 up"_s.arg(name, value(name)).arg(least));
+    if (!isNumber || result < least || result > most)
+        throwUsage(u"--%1: '%2' is not a whole number from %3 %4"_s.arg(name, value(name))
+                           .arg(least)
+                           .arg(most == INT_MAX ? u"up"_s : u"to %1"_s.arg(most)));
     return result;
 }

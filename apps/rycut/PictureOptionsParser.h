@@ -6,6 +6,8 @@
 #include <QCommandLineParser>
 #include <QStringList>
 
+#include <climits>
+
 /// Reads the arguments of a command on a picture. What they contradict is thrown as CommandError,
 /// with the status for usage, before any file is touched.
 class PictureOptionsParser
@@ -32,10 +34,14 @@ protected:
     void addOptions(const QList<QCommandLineOption> &options) { m_parser.addOptions(options); }
     /// Those that fill in PictureOptions.
     void addSizeOptions();
+    void addEdgeOptions();
     void addOtherOptions();
     /// All but the picture.
     void readPictureOptions(PictureOptions &options) const;
     void checkArguments() const;
+
+    /// The first of the options for edges that is set, or empty.
+    QString firstEdgeOption() const;
 
     [[noreturn]] static void throwUsage(const QString &message);
     QString argument(int index) const { return m_parser.positionalArguments().at(index); }
@@ -45,7 +51,8 @@ protected:
     QString fileName(const QString &name) const;
 
 private:
-    int number(const QString &name, int least) const;
+    void readEdges(PictureOptions &options) const;
+    int number(const QString &name, int least, int most = INT_MAX) const;
     int maxLength() const;
 
     const QString m_command;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pictures/CuttingScale.h"
+#include "cutout/CuttingScale.h"
 
 #include <QByteArray>
 #include <QJsonObject>

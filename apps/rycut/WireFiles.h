@@ -21,8 +21,12 @@ public:
     QStringList commit();
 
 private:
-    static void write(WireOutput output, OutputFile &file, const WireResult &result);
+    void write(WireOutput output, OutputFile &file, const WireResult &result) const;
 
+    /// With the object outlined as well where its edge is not the wire.
+    QImage overlay(const WireResult &result) const;
+
+    const WireOptions m_options;
     std::map<WireOutput, OutputFile> m_files;
     std::unique_ptr<OutputFile> m_report;
 };

@@ -45,6 +45,7 @@ WireOptionsParser::WireOptionsParser()
                  "cutting size, .json."_s,
                  u"file"_s}});
     addSizeOptions();
+    addEdgeOptions();
     addOtherOptions();
 }
 
@@ -59,8 +60,16 @@ WireOptions WireOptionsParser::options() const
     options.close = isSet(u"close"_s);
     options.cost = cost();
     readPictureOptions(options);
+    const QString edgeOption = firstEdgeOption();
+    if (!edgeOption.isEmpty() && !options.close)
+        throwNeedsInside(edgeOption);
     readOutputs(options);
     return options;
+}
+
+void WireOptionsParser::throwNeedsInside(const QString &option)
+{
+    throwUsage(u"--%1 needs the inside of a wire; close it with --close"_s.arg(option));
 }
 
 WireCost WireOptionsParser::cost() const
@@ -80,7 +89,7 @@ void WireOptionsParser::readOutputs(WireOptions &options) const
         const QString name = fileName(option);
         OutputNames::requireFormat(option, name, formats);
         if (needsInside && !options.close)
-            throwUsage(u"--%1 needs the inside of a wire; close it with --close"_s.arg(option));
+            throwNeedsInside(option);
         options.outputs.insert(output, name);
         names.append(name);
     }

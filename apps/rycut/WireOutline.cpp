@@ -2,6 +2,7 @@
 
 #include "ReportFields.h"
 #include "WireResult.h"
+#include "cutout/SvgOutline.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -17,11 +18,7 @@ QByteArray WireOutline::svg(const WireResult &result)
                 QByteArray::number(point.y());
     if (result.isClosed)
         path += " Z";
-    const QByteArray width = QByteArray::number(result.picture.width());
-    const QByteArray height = QByteArray::number(result.picture.height());
-    return "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + width + "\" height=\"" + height +
-           "\" viewBox=\"0 0 " + width + ' ' + height + "\">\n<path d=\"" + path +
-           "\" fill=\"none\" stroke=\"black\"/>\n</svg>\n";
+    return SvgOutline::document(path, "fill=\"none\" stroke=\"black\"", result.picture.rect());
 }
 
 QByteArray WireOutline::json(const WireResult &result)

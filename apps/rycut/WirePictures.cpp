@@ -30,9 +30,9 @@ QPainterPath path(const WireResult &result)
 
 } // namespace
 
-QImage WirePictures::overlay(const WireResult &result)
+QImage WirePictures::overlay(const WireResult &result, const QImage &picture)
 {
-    QImage image = result.picture;
+    QImage image = picture;
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     const int longestSide = std::max(image.width(), image.height());

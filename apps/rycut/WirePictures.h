@@ -8,8 +8,8 @@ struct WireResult;
 /// memory.
 namespace WirePictures {
 
-/// The picture with the wire and the points that it was led through.
-QImage overlay(const WireResult &result);
+/// The wire and the points that it was led through, drawn into a picture.
+QImage overlay(const WireResult &result, const QImage &picture);
 /// Format_Grayscale8: 255 inside the wire, soft where it passes.
 QImage mask(const WireResult &result);
 

@@ -61,6 +61,7 @@ QByteArray WireReport::json(const WireResult &result)
     report.insert(u"stretches"_s, stretchesArray(result));
     report.insert(u"milliseconds"_s, QJsonObject{{u"reading"_s, result.times.readingMs},
                                                  {u"setup"_s, result.times.setupMs},
+                                                 {u"edge_operations"_s, result.times.edgesMs},
                                                  {u"writing"_s, result.times.writingMs}});
     report.insert(u"trace_sha256"_s, traceHash(result.stretches));
     return QJsonDocument(report).toJson();

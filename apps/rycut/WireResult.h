@@ -1,6 +1,7 @@
 #pragma once
 
-#include "pictures/CuttingScale.h"
+#include "cutout/CutoutMask.h"
+#include "cutout/CuttingScale.h"
 
 #include <QImage>
 #include <QList>
@@ -13,6 +14,7 @@ struct WireTimes
     double readingMs = 0.0;
     double setupMs = 0.0; ///< from the picture to scissors that take a seed
     QList<double> stretchesMs;
+    double edgesMs = 0.0;   ///< from the outline to the mask
     double writingMs = 0.0; ///< encoding included
 };
 
@@ -26,6 +28,6 @@ struct WireResult
     QList<QList<QPoint>> stretches; ///< cutting size, as the scissors gave them
     QPolygonF outline;              ///< all of them, full size
     QPolygonF seeds;                ///< their ends, full size
-    QImage mask;                    ///< full size, Format_Grayscale8; null for an open wire
+    CutoutMask mask;                ///< full size, its edge as it was asked for; of closed wires
     WireTimes times;
 };

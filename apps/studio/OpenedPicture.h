@@ -2,7 +2,7 @@
 
 #include "ImagePyramid.h"
 #include "gestures/GestureFile.h"
-#include "pictures/CuttingScale.h"
+#include "cutout/CuttingScale.h"
 
 #include <QImage>
 #include <QString>

@@ -1,7 +1,7 @@
 #include "PictureLoader.h"
 
-#include "pictures/PictureDecoder.h"
-#include "pictures/PictureError.h"
+#include "cutout/PictureDecoder.h"
+#include "cutout/PictureError.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -14,7 +14,7 @@ namespace {
 OpenedPicture decodeFile(const QString &fileName)
 {
     const auto fail = [](const QString &reason) {
-        throw PictureError(PictureError::Kind::Unreadable, reason);
+        throw PictureError(reason);
     };
     if (QFileInfo(fileName).isDir())
         fail(PictureLoader::tr("it is a folder"));

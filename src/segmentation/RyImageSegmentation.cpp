@@ -89,11 +89,15 @@ void RyImageSegmentation::reset()
         state.neighbours.clear();
         state.pointsOfSuperpixels.clear();
         state.expandedLasso = {};
+        state.graphCut.reset();
+        state.constraints = {};
+        d->graphCutMask = QImage();
         forgotten.swap(d->pendingMemento);
         d->hoverClusters.clear();
         d->removeClicks();
         std::erase_if(d->requests, [](const Private::Request &request) {
-            return request.isStroke() || request.mode == InitialCut;
+            return request.isStroke() || request.mode == InitialCut ||
+                   request.mode == Private::Request::recut;
         });
         d->pendingLasso.reset();
         ++d->epoch;
@@ -213,6 +217,9 @@ void RyImageSegmentation::performNextRequest()
     case PaintSelection:
     case Scribble:
         paintSelecting();
+        break;
+    case Private::Request::recut:
+        recutObject();
         break;
     case PaintSelectionHover:
         paintHovering();

@@ -36,8 +36,10 @@ class RyUndoController;
  *          the picture, or within 2 % of its border, count as on the border.
  * Output   masks of the picture's size, Format_ARGB32_Premultiplied: transparent where the object
  *          is, elsewhere the opaque mask colour.
- * Source   SLIC superpixels, joined by graph-based region growing, judged by a colour histogram;
- *          docs/design.md names the papers.
+ *          With CutMethod::GraphCut a new lasso's mask comes as soon as it is cut, and once more when
+ *          the regions for corrections are there; a region is on the side that holds most of it.
+ * Source   SLIC superpixels, joined by graph-based region growing, judged by a colour histogram or
+ *          by graph cuts; docs/design.md names the papers.
  * Errors   none reported: a path or point with coordinates that are not finite is ignored; a lasso
  *          without area inside the picture gives a mask without foreground; an empty picture, or
  *          too little memory, gives a null mask. Corrections before a first lasso find no regions.
@@ -65,6 +67,13 @@ public:
         UpdateMask = 5,
         InvertMask = 6,
     };
+
+    /// How a lasso is cut for the first time.
+    enum class CutMethod : int {
+        Classic = 0,  ///< by regions whose colours are rarer outside the lasso
+        GraphCut = 1, ///< by minimum cuts with colour models of both sides; an outline of its own
+    };
+    Q_ENUM(CutMethod)
 
     RyImageSegmentation();
     /// Asks running work to stop and waits for it; after two seconds it is terminated.
@@ -111,6 +120,10 @@ public:
 
     /// Only red, green and blue count. Recolours a mask in the session's thread.
     void setMaskColor(const QColor &color);
+    /// Counts from the next lasso or recut() on. Classic at first.
+    void setCutMethod(CutMethod method);
+    CutMethod cutMethod() const;
+
     /// Inverts the mask in the session's thread; while that is busy, only the flag changes.
     void invertMask();
     /// Inverts the mask at once, in the caller's thread, when the flag changes and isValid().
@@ -157,6 +170,11 @@ public Q_SLOTS:
     void startThreadWithInitialPath(const QPainterPath &thePath);
     /// Moves the region at a point to its other side. Sends nothing; see isBusy().
     void startThreadWithClicker(const QPointF &thePosition);
+    /// Cuts the lasso anew with the method that is set, as one step that can be undone. By graph cuts
+    /// every pixel that a click, scribble or painted selection has put on a side since the lasso
+    /// stays there, and colour models learn from it; corrections of a classic cut are not kept. Does
+    /// nothing without regions.
+    void recut();
     /// For the session's own workers; signals of others are ignored.
     void setProgressFromWorker(int theCurrentStep, int theTotalStep);
     void resetProgress();
@@ -181,6 +199,7 @@ private:
     void startInitialSegmentation(const QPainterPath &path);
     void initialSegmentationIsFinished();
     void forgetWorker();
+    void showGraphCut(const QImage &mask);
 
     // Session thread.
     void performNextRequest();
@@ -189,6 +208,8 @@ private:
     void prepareForCorrections(const QImage &mask);
     bool adoptLassoInsideTheLastOne(RySegmentationState &work, quint64 epoch);
     void cutObjectInitial(RySegmentationState &work, quint64 epoch);
+    void cutObjectByGraph(RySegmentationState &work, quint64 epoch);
+    void recutObject();
     void paintSelecting();
     void paintHovering();
 

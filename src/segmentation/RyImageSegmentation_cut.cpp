@@ -1,6 +1,8 @@
 #include "segmentation/RyImageSegmentation.h"
 
+#include "graphcut/RyGraphCut.h"
 #include "image/RyGeometry.h"
+#include "segmentation/RyGraphFirstCut.h"
 #include "segmentation/RyImageSegmentation_p.h"
 #include "segmentation/RyInitialCut.h"
 #include "segmentation/RyLasso.h"
@@ -17,6 +19,7 @@ void RyImageSegmentation::doInitialCut(quint64 epoch)
 {
     RySegmentationState work;
     bool hasNewLasso = false;
+    CutMethod method = CutMethod::Classic;
     {
         const QMutexLocker lock(&d->mutex);
         if (d->epoch != epoch || d->state.pointsOfSuperpixels.isEmpty())
@@ -26,12 +29,19 @@ void RyImageSegmentation::doInitialCut(quint64 epoch)
         hasNewLasso = d->pendingLasso.has_value();
         work.lassoPath = d->pendingLasso.value_or(work.lassoPath);
         d->pendingLasso.reset();
+        method = d->cutMethod;
     }
     if (hasNewLasso && !adoptLassoInsideTheLastOne(work, epoch))
         return;
     QElapsedTimer timer;
     timer.start();
-    cutObjectInitial(work, epoch);
+    if (hasNewLasso)
+        Private::chooseGraphCut(work, method);
+    // Of a picture that was replaced by one of another size nothing can be shown.
+    if (work.graphCut && work.graphCut->picture().size() == work.picture.size())
+        cutObjectByGraph(work, epoch);
+    else
+        cutObjectInitial(work, epoch);
     work.statistics.firstCutMs = double(timer.nsecsElapsed()) / 1e6;
     // A cut that was overtaken says nothing; what overtook it has asked for a cut of its own.
     if (!isInterruptionRequested() && publishCut(work, epoch) && !isRestored()) {
@@ -82,7 +92,7 @@ bool RyImageSegmentation::adoptLassoInsideTheLastOne(RySegmentationState &work, 
     work.expandedLasso = RyExpandedLasso(path, picture, RyInitialSegmentationWorker::marginPixels);
     RySegmentationStatistics &statistics = work.statistics; // the worker's stages are not run again
     statistics.colorPlanesMs = statistics.superPixelsMs = 0.0;
-    statistics.edgesWaitMs = statistics.regionsMs = 0.0;
+    statistics.edgesWaitMs = statistics.regionsMs = statistics.graphCutMs = 0.0;
     const QMutexLocker lock(&d->mutex);
     if (d->epoch == epoch)
         d->state.expandedLasso = work.expandedLasso;
@@ -126,6 +136,34 @@ void RyImageSegmentation::cutObjectInitial(RySegmentationState &work, quint64 ep
     cut.confirmPossibleBackground(background);
 }
 
+/// The same steps, as far as the host can tell.
+void RyImageSegmentation::cutObjectByGraph(RySegmentationState &work, quint64 epoch)
+{
+    QImage mask; // that the worker has cut, and the host has seen
+    int workerSteps = 0;
+    int total = 0;
+    {
+        const QMutexLocker lock(&d->mutex);
+        if (d->epoch != epoch)
+            return;
+        mask.swap(d->graphCutMask);
+        if (d->graphCutMaskColor != work.maskColor.rgb())
+            mask = QImage(); // the colour has been changed since
+        workerSteps = d->workerTotalSteps;
+        total = totalSteps();
+    }
+    Q_EMIT segmentationProgress(workerSteps, total);
+    if (mask.isNull()) {
+        mask = RyGraphFirstCut::mask(*work.graphCut, work.constraints, work.picture.size(),
+                                     work.maskColor.rgb());
+        if (mask.isNull())
+            throw std::bad_alloc();
+    }
+    RyGraphFirstCut::adopt(work, mask);
+    for (int step = 0; step < Private::stepsOfTheFirstCut; ++step)
+        increaseAndUpdateProgressbar(epoch);
+}
+
 /// Makes a cut the session's state; false when it was overtaken. A memento that came after the lasso
 /// stays: it would have replaced the cut, and the regions alone are new.
 bool RyImageSegmentation::publishCut(const RySegmentationState &work, quint64 epoch)
@@ -140,6 +178,9 @@ bool RyImageSegmentation::publishCut(const RySegmentationState &work, quint64 ep
     d->state.foregroundClusters = work.foregroundClusters;
     d->state.backgroundClusters = work.backgroundClusters;
     d->state.maskColor = work.maskColor;
+    d->state.graphCut = work.graphCut;
+    d->state.graphCutLasso = work.graphCutLasso;
+    d->state.constraints = work.constraints;
     ++d->revision;
     return true;
 }

@@ -48,6 +48,13 @@ void RyImageSegmentation::startInitialSegmentation(const QPainterPath &path)
     d->lassoRect = RyLasso::boundingRect(path);
     d->worker = RyInitialSegmentationWorker::create(snapshot().analysis);
     d->workerHasEnded = false;
+    {
+        const QMutexLocker lock(&d->mutex);
+        if (d->cutMethod == CutMethod::GraphCut)
+            d->worker->setGraphCut(d->maskColor.rgb());
+    }
+    connect(d->worker.get(), &RyInitialSegmentationWorker::maskIsReady, this,
+            &RyImageSegmentation::showGraphCut);
     connect(d->worker.get(), &RyInitialSegmentationWorker::updateProgress, this,
             &RyImageSegmentation::setProgressFromWorker);
     connect(d->worker.get(), &RyInitialSegmentationWorker::finished, this,
@@ -95,6 +102,13 @@ void RyImageSegmentation::initialSegmentationIsFinished()
         state.neighbours = results.neighbours;
         state.pointsOfSuperpixels = results.pointsOfSuperPixels;
         state.statistics = results.statistics;
+        state.graphCut = results.graphCut;
+        state.graphCutLasso = state.lassoPath;
+        if (d->restoredLassos != d->lassos)
+            state.constraints = RyCutConstraints(state.picture.size());
+        d->graphCutMask = results.graphCutMask;
+        if (results.graphCut)
+            d->graphCutMaskColor = finished->graphCutColor();
         d->removeClicks();
         ++d->epoch;
         ++d->revision;

@@ -32,6 +32,7 @@ struct RyImageSegmentation::Private
         // Modes of requests that need no start of the session's thread.
         static constexpr auto click = SegmentationMode(7);
         static constexpr auto sendMaskAgain = SegmentationMode(8);
+        static constexpr auto recut = SegmentationMode(9);
 
         SegmentationMode mode = Idle;
         QPainterPath stroke = {};
@@ -70,7 +71,6 @@ struct RyImageSegmentation::Private
     // Their callers hold the mutex.
     void append(Request request);
     bool activateWith(Request request);
-    std::unique_ptr<RyMementoSegmentation> createMemento(bool withSuperPixelData) const;
     std::shared_ptr<RyUndoCommandSegmentation> takeUndoCommand();
     void restoreSides(RySegmentationState &restored);
     void restoreMask(RySegmentationState &restored);
@@ -83,6 +83,8 @@ struct RyImageSegmentation::Private
     void applyClick(const Click &click);
     void applyClicks();
     std::optional<QImage> recolor();
+    static void chooseGraphCut(RySegmentationState &work, CutMethod method);
+    static void cutAnew(RySegmentationState &work, CutMethod method);
     std::optional<QImage> change(const Change &change, std::optional<quint64> restoresBefore = {});
 
     mutable QMutex mutex; // guards everything down to the next comment; no signal under it
@@ -100,6 +102,10 @@ struct RyImageSegmentation::Private
     std::optional<QPainterPath> pendingLasso; // inside lassoRect; the session's thread takes it
     QColor maskColor; // asked for; the state has the one that its mask is drawn in
 
+    CutMethod cutMethod = CutMethod::Classic;
+    // Of the worker whose regions were adopted, until the first cut takes it.
+    QImage graphCutMask;
+    QRgb graphCutMaskColor = 0;
     bool maskIsInverted = false;
     bool isForeground = false; // of the newest stroke or hover: all that wait share it
     QSet<int> hoverClusters;   // the newest ones, until they are shown

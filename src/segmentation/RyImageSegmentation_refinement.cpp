@@ -184,7 +184,7 @@ RyImageSegmentation::Private::Strokes RyImageSegmentation::Private::takeStrokes(
         strokes.mode = request.mode;
         strokes.stroke.add(request.stroke);
         if (request.isTemporary && !pendingMemento)
-            pendingMemento = createMemento(false);
+            pendingMemento = state.createMemento(false);
         else if (!request.isTemporary && pendingMemento)
             strokes.commands.push_back(takeUndoCommand());
     }
@@ -196,5 +196,5 @@ RyImageSegmentation::Private::Strokes RyImageSegmentation::Private::takeStrokes(
 std::shared_ptr<RyUndoCommandSegmentation> RyImageSegmentation::Private::takeUndoCommand()
 {
     return std::make_shared<RyUndoCommandSegmentation>(std::move(pendingMemento),
-                                                       createMemento(false), self);
+                                                       state.createMemento(false), self);
 }

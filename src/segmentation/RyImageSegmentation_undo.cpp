@@ -1,7 +1,6 @@
 #include "segmentation/RyImageSegmentation.h"
 
 #include "segmentation/RyImageSegmentation_p.h"
-
 #include "segmentation/RyLasso.h"
 
 #include <QMutexLocker>
@@ -30,7 +29,7 @@ std::unique_ptr<RyMementoSegmentation>
 RyImageSegmentation::createMemento(bool withSuperPixelData) const
 {
     const QMutexLocker lock(&d->mutex);
-    return d->createMemento(withSuperPixelData);
+    return d->state.createMemento(withSuperPixelData);
 }
 
 void RyImageSegmentation::setMemento(const RyMementoSegmentation &memento)
@@ -66,6 +65,9 @@ void RyImageSegmentation::restore(const RyMementoSegmentation &memento)
             restored.updateMask();
         }
         restored.lassoPath = RyLasso::ownCopy(memento.lassoPath());
+        const auto constraints = memento.constraints();
+        restored.constraints =
+                constraints ? *constraints : RyCutConstraints(restored.picture.size());
     }
     const QImage labels = memento.labels().convertToFormat(QImage::Format_ARGB32);
     const bool hasRegions = fits && !labels.isNull() && labels.size() == restored.picture.size();
@@ -86,16 +88,6 @@ void RyImageSegmentation::restore(const RyMementoSegmentation &memento)
         Q_EMIT segmentationProgress(steps, steps);
 }
 
-std::unique_ptr<RyMementoSegmentation>
-RyImageSegmentation::Private::createMemento(bool withSuperPixelData) const
-{
-    return std::make_unique<RyMementoSegmentation>(
-            state.lassoPath, state.foregroundClusters, state.backgroundClusters,
-            state.foregroundMask, withSuperPixelData ? state.labels : QImage(),
-            withSuperPixelData ? state.pointsOfSuperpixels : QList<QList<QPoint>>(),
-            QColor(state.maskColor.rgb()));
-}
-
 /// What is replaced goes with the caller's state, after the lock.
 void RyImageSegmentation::Private::restoreSides(RySegmentationState &restored)
 {
@@ -110,6 +102,7 @@ void RyImageSegmentation::Private::restoreMask(RySegmentationState &restored)
     std::swap(state.maskColor, restored.maskColor);
     maskColor = state.maskColor;
     state.lassoPath.swap(restored.lassoPath);
+    std::swap(state.constraints, restored.constraints);
     restoredLassos = lassos;
     ++restores;
 }
@@ -151,6 +144,9 @@ std::optional<QImage> RyImageSegmentation::Private::change(const Change &change,
         state.backgroundClusters.swap(work.backgroundClusters);
         std::swap(state.lastUserStroke, work.lastUserStroke);
         std::swap(state.maskColor, work.maskColor);
+        std::swap(state.constraints, work.constraints);
+        state.graphCut.swap(work.graphCut);
+        state.graphCutLasso.swap(work.graphCutLasso);
         ++revision;
         return state.foregroundMask;
     }

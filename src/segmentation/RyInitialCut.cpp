@@ -25,6 +25,15 @@ QSet<int> setOf(const std::vector<bool> &flags)
 
 } // namespace
 
+void RyInitialCut::cut()
+{
+    clear();
+    const QRect area = RyGeometry::roundedRect(m_state.expandedLasso.boundingRect());
+    assignForegroundPixels(
+            separateForegroundAndBackgroundSuperPixels(m_state.createImageWithLassoPath(), area));
+    confirmPossibleBackground(extractBackground(m_state.analysis->image()));
+}
+
 void RyInitialCut::clear()
 {
     m_state.foregroundClusters.clear();

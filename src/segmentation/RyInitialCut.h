@@ -25,6 +25,9 @@ public:
         : m_state(state)
     {}
 
+    /// All steps, with the state's own grown lasso and colour planes.
+    void cut();
+
     /// Empties both sets and covers the whole picture with the mask colour.
     void clear();
 

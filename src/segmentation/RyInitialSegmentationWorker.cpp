@@ -1,8 +1,10 @@
 #include "segmentation/RyInitialSegmentationWorker.h"
 
+#include "graphcut/RyGraphCut.h"
 #include "image/RyLabelImage.h"
 #include "regiongrowing/RyEdgeDetectorSobelColor.h"
 #include "regiongrowing/RyRegionGrowing.h"
+#include "segmentation/RyGraphFirstCut.h"
 #include "segmentation/RyLasso.h"
 #include "superpixels/RySlic.h"
 
@@ -100,6 +102,13 @@ bool RyInitialSegmentationWorker::compute(Results &results)
     results.analysis = m_analysis;
     const RyImage &image = m_analysis->image();
     statistics.colorPlanesMs = timer.lap();
+    results.path = RyLasso::snappedToBorder(m_lasso, image.size());
+    if (m_graphCutColor) {
+        cutByGraph(results);
+        statistics.graphCutMs = timer.lap();
+        if (m_state == State::Stopped)
+            return false;
+    }
 
     // Beside SLIC; joined by its destructor at the latest, so before the planes can go away.
     RyEdgeDetectorSobelColor edgeDetector;
@@ -108,7 +117,6 @@ bool RyInitialSegmentationWorker::compute(Results &results)
         edgeDetector.setup(&image);
         edgeDetector.start(QThread::InheritPriority);
     }
-    results.path = RyLasso::snappedToBorder(m_lasso, image.size());
     results.pathExpanded = RyExpandedLasso(results.path, image.rect(), marginPixels);
     if (m_state == State::Stopped)
         return false;
@@ -144,6 +152,19 @@ bool RyInitialSegmentationWorker::compute(Results &results)
     statistics.regions = int(results.superPixels.size()) - 1;
     statistics.regionsMs = timer.lap();
     return m_state != State::Stopped;
+}
+
+void RyInitialSegmentationWorker::cutByGraph(Results &results)
+{
+    const QImage picture = m_analysis->image().imageRGB();
+    results.graphCut = RyGraphFirstCut::analyse(picture, results.path);
+    if (!results.graphCut || m_state == State::Stopped)
+        return;
+    results.graphCutMask =
+            RyGraphFirstCut::mask(*results.graphCut, {}, picture.size(), *m_graphCutColor);
+    if (results.graphCutMask.isNull())
+        throw std::bad_alloc();
+    Q_EMIT maskIsReady(results.graphCutMask);
 }
 
 void RyInitialSegmentationWorker::increaseAndUpdateProgressbar()

@@ -7,12 +7,16 @@
 
 #include <QFuture>
 #include <QHash>
+#include <QImage>
 #include <QObject>
 #include <QPainterPath>
 #include <QSet>
 
 #include <atomic>
 #include <memory>
+#include <optional>
+
+class RyGraphCut;
 
 /**
  * Turns a picture and a lasso into what a session cuts with: regions of superpixels.
@@ -20,6 +24,9 @@
  * One worker serves one lasso: the edge picture (on a thread of its own) beside SLIC, then region
  * growing. The lasso is snapped to the picture's border first; SLIC and region growing get the
  * snapped lasso, not the grown one.
+ *
+ * Where a graph cut is asked for it comes first, and its mask is told at once, since the user looks at
+ * that one while regions for corrections are still computed.
  *
  * Input    the picture's shared analysis, and a finite path in picture pixels.
  * Output   readable in the host's thread from finished() until releaseResults().
@@ -43,6 +50,8 @@ public:
         QHash<int, QSet<int>> neighbours;
         QPainterPath path; ///< the lasso, snapped to the border
         RyExpandedLasso pathExpanded;
+        std::shared_ptr<const RyGraphCut> graphCut; ///< null where none was asked for
+        QImage graphCutMask;                        ///< as maskIsReady() has told it
         RySegmentationStatistics statistics;
     };
 
@@ -51,6 +60,10 @@ public:
     /// The last owner may be a pool thread; the object is then deleted in its own thread.
     static std::shared_ptr<RyInitialSegmentationWorker>
     create(const std::shared_ptr<RyPictureAnalysis> &analysis);
+
+    /// Before the start: begin with a graph cut, and paint its mask in this colour.
+    void setGraphCut(QRgb maskColor) { m_graphCutColor = maskColor; }
+    QRgb graphCutColor() const { return *m_graphCutColor; }
 
     /// Host thread, once. Each step of the run is announced with updateProgress().
     QFuture<void> startInitialSegmentation(const QPainterPath &path);
@@ -70,6 +83,7 @@ public:
 Q_SIGNALS:
     void updateProgress(int currentStep, int totalSteps);
     void resetProgress();
+    void maskIsReady(const QImage &mask);
     void finished();
 
 private:
@@ -80,6 +94,7 @@ private:
     void run();
     bool computeInAvailableMemory(Results &results);
     bool compute(Results &results);
+    void cutByGraph(Results &results);
     void increaseAndUpdateProgressbar(); // Host thread: the stages' steps arrive queued.
 
     const int m_totalSteps;
@@ -89,5 +104,6 @@ private:
     // Written by run() before finished(); host thread only, from finished() on.
     std::shared_ptr<RyPictureAnalysis> m_analysis;
     QPainterPath m_lasso;
+    std::optional<QRgb> m_graphCutColor;
     Results m_results;
 };

@@ -19,6 +19,12 @@ RyMementoSegmentation::RyMementoSegmentation(const QPainterPath &lassoPath,
 
 RyMementoSegmentation::~RyMementoSegmentation() = default;
 
+void RyMementoSegmentation::setConstraints(
+        const std::shared_ptr<const RyCutConstraints> &constraints)
+{
+    m_constraints = constraints;
+}
+
 std::unique_ptr<RyMementoSegmentation> RyMementoSegmentation::clone() const
 {
     return std::make_unique<RyMementoSegmentation>(*this);

@@ -11,12 +11,13 @@
 
 #include <memory>
 
+class RyCutConstraints;
 class RyPackedMask;
 
 /**
  * A session's cut at one moment. Its parts share their data with the session and with each other.
  *
- * Threads  immutable after construction.
+ * Threads  immutable once it is made.
  */
 class RYIMAGECUTTER_EXPORT RyMementoSegmentation
 {
@@ -39,6 +40,11 @@ public:
     QColor maskColor() const { return m_maskColor; } ///< opaque
     QPainterPath lassoPath() const { return m_lassoPath; }
 
+    /// What corrections have fixed for the next recut(): the session's own, opaque to hosts. Null
+    /// stands for nothing.
+    std::shared_ptr<const RyCutConstraints> constraints() const { return m_constraints; }
+    void setConstraints(const std::shared_ptr<const RyCutConstraints> &constraints);
+
     std::unique_ptr<RyMementoSegmentation> clone() const;
     /// The same in less memory. Taking its mask out costs a little time then.
     std::unique_ptr<RyMementoSegmentation> compacted() const;
@@ -56,4 +62,5 @@ private:
     QImage m_labels;
     QColor m_maskColor;
     QPainterPath m_lassoPath;
+    std::shared_ptr<const RyCutConstraints> m_constraints;
 };

@@ -22,21 +22,30 @@ const QPoint *endOfRun(const QPoint *point, const QPoint *end)
     return next;
 }
 
-void paintPoints(RyMaskBuffers::Draft &mask, const QList<QPoint> &points, QRgb color)
+/// Calls visit(y, left, right) for the runs within a width; right ends are exclusive. A memento that
+/// a host has made may hold any points.
+template <typename Visit>
+void forEachRun(const QList<QPoint> &points, int width, Visit visit)
 {
     const QPoint *const end = points.constData() + points.size();
     for (const QPoint *point = points.constData(); point != end;) {
         const QPoint *const next = endOfRun(point, end);
-        const int y = point->y();
-        // Cut at the mask, since a memento that a host has made may hold any points.
         const int left = std::max(point->x(), 0);
-        const int right = std::min((next - 1)->x(), mask.width() - 1) + 1;
+        const int right = std::min((next - 1)->x(), width - 1) + 1;
+        if (left < right)
+            visit(point->y(), left, right);
         point = next;
-        if (left >= right || y < 0 || y >= mask.height())
-            continue;
+    }
+}
+
+void paintPoints(RyMaskBuffers::Draft &mask, const QList<QPoint> &points, QRgb color)
+{
+    forEachRun(points, mask.width(), [&](int y, int left, int right) {
+        if (y < 0 || y >= mask.height())
+            return;
         std::fill(mask.row(y) + left, mask.row(y) + right, color);
         mask.touched().markRun(y, left, right);
-    }
+    });
 }
 
 } // namespace
@@ -99,8 +108,15 @@ void RyRefinement::drawPathOnForegroundUserMask(const RyStroke &stroke, RyStroke
     coverage.forEachRun(stroke, m_state.foregroundMask.size(), [&](int y, int left, int right) {
         std::fill(mask.row(y) + left, mask.row(y) + right, color);
         mask.touched().markRun(y, left, right);
+        fix(y, left, right, isForeground);
     });
     m_state.foregroundMask = mask.finish();
+}
+
+void RyRefinement::fix(int y, int left, int right, bool isForeground)
+{
+    if (m_state.graphCut)
+        m_state.constraints.fix(y, left, right, isForeground);
 }
 
 void RyRefinement::moveToSide(const QSet<int> &labels, bool isForeground)
@@ -112,6 +128,10 @@ void RyRefinement::moveToSide(const QSet<int> &labels, bool isForeground)
     RyMaskBuffers::Draft mask = m_buffers.copyOf(m_state.foregroundMask);
     paint(mask, labels, isForeground);
     m_state.foregroundMask = mask.finish();
+    for (const int label : labels) {
+        forEachRun(m_state.pointsOf(label), m_state.labels.width(),
+                   [&](int y, int left, int right) { fix(y, left, right, isForeground); });
+    }
 }
 
 void RyRefinement::paint(RyMaskBuffers::Draft &mask, const QSet<int> &labels,

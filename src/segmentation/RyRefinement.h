@@ -41,6 +41,7 @@ public:
 private:
     void drawPathOnForegroundUserMask(const RyStroke &stroke, RyStrokeCoverage &coverage,
                                       bool isForeground);
+    void fix(int y, int left, int right, bool isForeground);
     void moveToSide(const QSet<int> &labels, bool isForeground);
     void paint(RyMaskBuffers::Draft &mask, const QSet<int> &labels, bool isForeground) const;
 

@@ -4,6 +4,7 @@
 #include "image/RyImageMemory.h"
 #include "image/RyLabelImage.h"
 #include "segmentation/RyLasso.h"
+#include "segmentation/RyMementoSegmentation.h"
 
 #include <QPainter>
 
@@ -72,6 +73,18 @@ QSet<int> RySegmentationState::superpixels(const QPoint &point, int diameter) co
     return found;
 }
 
+std::unique_ptr<RyMementoSegmentation>
+RySegmentationState::createMemento(bool withSuperPixelData) const
+{
+    auto memento = std::make_unique<RyMementoSegmentation>(
+            lassoPath, foregroundClusters, backgroundClusters, foregroundMask,
+            withSuperPixelData ? labels : QImage(),
+            withSuperPixelData ? pointsOfSuperpixels : QList<QList<QPoint>>(),
+            QColor(maskColor.rgb()));
+    memento->setConstraints(std::make_shared<const RyCutConstraints>(constraints));
+    return memento;
+}
+
 bool RySegmentationState::hasMaskOfRegions() const
 {
     return !foregroundMask.isNull() && foregroundMask.size() == labels.size();
@@ -109,6 +122,7 @@ void RySegmentationState::invertMaskJob()
 {
     fillWholeImage(foregroundMask, QPainter::CompositionMode_SourceOut, maskColor.rgb());
     foregroundClusters.swap(backgroundClusters);
+    constraints.invert();
 }
 
 QImage RySegmentationState::createMask(const QPainterPath &path) const

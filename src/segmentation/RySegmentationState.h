@@ -1,5 +1,6 @@
 #pragma once
 
+#include "graphcut/RyCutConstraints.h"
 #include "segmentation/RyExpandedLasso.h"
 #include "segmentation/RyPictureAnalysis.h"
 #include "segmentation/RySegmentationStatistics.h"
@@ -14,6 +15,9 @@
 #include <QSet>
 
 #include <memory>
+
+class RyGraphCut;
+class RyMementoSegmentation;
 
 /**
  * All that a session knows about its cut, as one value, and the operations on it.
@@ -43,6 +47,9 @@ public:
     RyExpandedLasso expandedLasso;
     RyStroke lastUserStroke; // of the last painted selection
     QColor maskColor;
+    std::shared_ptr<const RyGraphCut> graphCut; // null where region colours made the first cut
+    QPainterPath graphCutLasso;                 // which lasso it is of, as the user drew it
+    RyCutConstraints constraints;               // by corrections, while there is a graph cut
     RySegmentationStatistics statistics;
 
     /// The label at a point, which is moved into the picture first; 0 without labels.
@@ -52,6 +59,8 @@ public:
     QSet<int> superpixels(const QPoint &point, int diameter) const;
     /// Empty for labels that are not in the table.
     QList<QPoint> pointsOf(int label) const { return pointsOfSuperpixels.value(label); }
+    /// Without superpixel data it carries neither labels nor points of regions.
+    std::unique_ptr<RyMementoSegmentation> createMemento(bool withSuperPixelData) const;
     /// Whether there is a mask that regions can be painted into.
     bool hasMaskOfRegions() const;
     /// What one side's pixels look like in the mask.

@@ -9,6 +9,7 @@ struct RySegmentationStatistics
     int regions = 0; ///< after region growing: what labels, clicks and strokes deal with
 
     double colorPlanesMs = 0.0;
+    double graphCutMs = 0.0; ///< until its mask, 0 where the cut goes by regions
     double superPixelsMs = 0.0;
     double edgesWaitMs = 0.0; ///< beyond the superpixels; the edge picture is computed beside them
     double regionsMs = 0.0;

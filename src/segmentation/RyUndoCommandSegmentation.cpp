@@ -1,5 +1,6 @@
 #include "segmentation/RyUndoCommandSegmentation.h"
 
+#include "graphcut/RyCutConstraints.h"
 #include "segmentation/RyImageSegmentation.h"
 
 #include <QMutexLocker>
@@ -34,8 +35,12 @@ void RyUndoCommandSegmentation::compact()
 qint64 RyUndoCommandSegmentation::sizeInBytes() const
 {
     const QMutexLocker lock(&m_mutex);
-    return m_isCompact ? m_before->sizeInBytes() + m_after->sizeInBytes()
-                       : m_before->compactedSizeInBytes() + m_after->compactedSizeInBytes();
+    const qint64 masks =
+            m_isCompact ? m_before->sizeInBytes() + m_after->sizeInBytes()
+                        : m_before->compactedSizeInBytes() + m_after->compactedSizeInBytes();
+    const auto before = m_before->constraints();
+    const auto after = m_after->constraints();
+    return masks + (before && after ? after->bytesBeyond(*before) : 0);
 }
 
 void RyUndoCommandSegmentation::undoCore()

@@ -1,0 +1,21 @@
+#include "cutout/CutoutPicture.h"
+
+#include "cutout/EdgeColours.h"
+#include "cutout/MaskImage.h"
+#include "cutout/ObjectPictures.h"
+
+QImage CutoutPicture::compose(const QImage &picture, const CutoutMask &mask, const Options &options)
+{
+    const QImage colours = EdgeColours::cleaned(picture, mask, options.cleanPixels);
+    if (colours.isNull())
+        return {};
+    return cropped(options.background.isValid()
+                           ? ObjectPictures::onBackground(colours, mask.alpha, options.background)
+                           : ObjectPictures::onTransparency(colours, mask.alpha),
+                   mask, options);
+}
+
+QImage CutoutPicture::cropped(const QImage &image, const CutoutMask &mask, const Options &options)
+{
+    return options.crop ? image.copy(MaskImage::objectBox(mask.alpha)) : image;
+}

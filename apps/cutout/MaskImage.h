@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QImage>
+#include <QRect>
+
+/// Masks as files hold them: Format_Grayscale8, 255 where the object is.
+namespace MaskImage {
+
+/// What is at least so much set counts as object where a decision is needed.
+inline constexpr uchar half = 128;
+
+/// From the session's mask, which is transparent where the object is. Null without memory.
+QImage fromSession(const QImage &sessionMask);
+qint64 objectPixels(const QImage &mask);
+/// Encloses every pixel that is not 0; empty where all are.
+QRect objectBox(const QImage &mask);
+
+} // namespace MaskImage

@@ -1,0 +1,64 @@
+#include "cutout/PictureDecoder.h"
+
+#include "cutout/PictureError.h"
+
+#include <QColorSpace>
+#include <QImageReader>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 pixelsOfAMegapixel = 1'000'000;
+constexpr qint64 mostMegapixels = 200;
+constexpr qint64 bytesOfAMegabyte = 1 << 20;
+constexpr qint64 mostBytesPerPixel = 8; // four channels of 16 bits
+
+void checkSize(const QSize &size)
+{
+    const qint64 pixels = qint64(size.width()) * size.height();
+    if (pixels > mostMegapixels * pixelsOfAMegapixel)
+        throw PictureError(u"%1 x %2 pixels are more than %3 megapixels"_s.arg(size.width())
+                                   .arg(size.height())
+                                   .arg(mostMegapixels),
+                           PictureError::Kind::TooLarge);
+}
+
+/// The pixels have become RGB by now; a profile for grey or for inks no longer describes them.
+void dropForeignProfile(QImage &picture)
+{
+    constexpr int signatureOffset = 16; // of the colour space in the header of every profile
+    const QByteArray signature = picture.colorSpace().iccProfile().mid(signatureOffset, 4);
+    if (!signature.isEmpty() && signature != "RGB ")
+        picture.setColorSpace({});
+}
+
+} // namespace
+
+QImage PictureDecoder::decode(QIODevice &device, bool allowHuge)
+{
+    // Qt's own limit is below the pictures of present cameras; ours is told from the header.
+    constexpr qint64 limit = mostMegapixels * pixelsOfAMegapixel * mostBytesPerPixel;
+    QImageReader::setAllocationLimit(allowHuge ? 0 : int(limit / bytesOfAMegabyte) + 1);
+    QImageReader reader(&device);
+    reader.setAutoTransform(true);
+    if (!reader.canRead())
+        throw PictureError(reader.errorString());
+    if (!allowHuge)
+        checkSize(reader.size());
+    QImage picture = reader.read();
+    if (picture.isNull())
+        throw PictureError(reader.errorString());
+    return prepared(std::move(picture));
+}
+
+QImage PictureDecoder::prepared(QImage image)
+{
+    image.convertTo(QImage::Format_ARGB32);
+    if (image.isNull())
+        throw PictureError(u"there is too little memory"_s);
+    dropForeignProfile(image);
+    return image;
+}

@@ -1,0 +1,26 @@
+#include "SafeFile.h"
+
+#include "QualityError.h"
+
+#include <QBuffer>
+#include <QSaveFile>
+
+using namespace Qt::StringLiterals;
+
+void SafeFile::write(const QString &fileName, const QByteArray &bytes)
+{
+    QSaveFile file(fileName);
+    const bool isWritten =
+            file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+    if (!isWritten)
+        throw QualityError(u"%1 cannot be written: %2"_s.arg(fileName, file.errorString()));
+}
+
+void SafeFile::write(const QString &fileName, const QImage &picture)
+{
+    QBuffer png;
+    png.open(QIODevice::WriteOnly);
+    if (!picture.save(&png, "PNG"))
+        throw QualityError(u"%1: the picture cannot be encoded"_s.arg(fileName));
+    write(fileName, png.data());
+}

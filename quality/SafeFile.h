@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QImage>
+#include <QString>
+
+/// Files that appear complete or not at all. What cannot be written is thrown as QualityError.
+namespace SafeFile {
+
+void write(const QString &fileName, const QByteArray &bytes);
+void write(const QString &fileName, const QImage &picture); ///< as PNG
+
+} // namespace SafeFile

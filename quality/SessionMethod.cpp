@@ -1,0 +1,93 @@
+#include "SessionMethod.h"
+
+#include "Masks.h"
+#include "QualityError.h"
+#include "gestures/EventWait.h"
+#include "segmentation/RyImageSegmentation.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QList<StageTime> stages(const RySegmentationStatistics &statistics)
+{
+    return {{u"colour planes"_s, statistics.colorPlanesMs},
+            {u"graph cut"_s, statistics.graphCutMs},
+            {u"superpixels"_s, statistics.superPixelsMs},
+            {u"wait for edges"_s, statistics.edgesWaitMs},
+            {u"regions"_s, statistics.regionsMs},
+            {u"first cut"_s, statistics.firstCutMs}};
+}
+
+/// Sessions' masks are transparent where the object is.
+QImage objectOf(const QImage &sessionMask)
+{
+    QImage object = Masks::empty(sessionMask.size());
+    for (int y = 0; y < object.height(); ++y) {
+        const auto *const row = reinterpret_cast<const QRgb *>(sessionMask.constScanLine(y));
+        uchar *const out = object.scanLine(y);
+        for (int x = 0; x < object.width(); ++x)
+            out[x] = qAlpha(row[x]) == 0 ? 255 : 0;
+    }
+    return object;
+}
+
+void waitUntilIdle(const RyImageSegmentation &session)
+{
+    EventWait::until([&session] { return !session.isBusy(); });
+    QCoreApplication::processEvents(); // what the session said last
+}
+
+Cut cut(const SessionMethod::Preparation &prepare, const QImage &picture, const QPolygonF &lasso)
+{
+    Cut result;
+    QElapsedTimer timer;
+    bool hasMask = false;
+    RyImageSegmentation session;
+    session.setMaskColor(Qt::white);
+    prepare(session);
+    waitUntilIdle(session);
+    QObject::connect(&session, &RyImageSegmentation::sendNewMask, &session,
+                     [&](const QImage &mask) {
+                         if (!hasMask) // one that is sent again is the same
+                             result.ms = double(timer.nsecsElapsed()) / 1e6;
+                         hasMask = !mask.isNull();
+                     });
+
+    QPainterPath path;
+    path.addPolygon(lasso);
+    path.closeSubpath();
+    timer.start();
+    session.setup(picture, QFileInfo());
+    session.startThreadWithInitialPath(path);
+    waitUntilIdle(session);
+    if (!hasMask)
+        throw QualityError(u"the session gave no mask: there is too little memory"_s);
+    result.mask = objectOf(session.maskForeground());
+    result.stages = stages(session.statistics());
+    return result;
+}
+
+CutMethod withSession(const QString &name, const SessionMethod::Preparation &prepare)
+{
+    return {name, [prepare](const QImage &picture, const QPolygonF &lasso) {
+                return cut(prepare, picture, lasso);
+            }};
+}
+
+} // namespace
+
+CutMethod SessionMethod::classic()
+{
+    return withSession(u"classic"_s, [](RyImageSegmentation &) {});
+}
+
+CutMethod SessionMethod::graph()
+{
+    return withSession(u"graph"_s, [](RyImageSegmentation &session) {
+        session.setCutMethod(RyImageSegmentation::CutMethod::GraphCut);
+    });
+}

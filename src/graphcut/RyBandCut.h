@@ -1,0 +1,42 @@
+#pragma once
+
+#include "graphcut/RyColorModels.h"
+#include "graphcut/RyCutConstraints.h"
+#include "graphcut/RyCutSide.h"
+#include "graphcut/RyDepthPrior.h"
+#include "graphcut/RyReducedPicture.h"
+
+#include <QImage>
+
+#include <vector>
+
+/**
+ * Carries a cut of cells over to the pixels: within a band along its outline every pixel is decided
+ * again, at full size.
+ *
+ * Source   the boundary refinement of Lazy Snapping (Li, Sun, Tang and Shum, ACM Transactions on
+ *          Graphics 23(3), 2004), over the band's pixels instead of a polygon's.
+ * Threads  fans out over the global pool.
+ */
+class RyBandCut
+{
+public:
+    /// All are borrowed. The lasso is a picture of the frame's area, Format_Grayscale8: 0 outside.
+    RyBandCut(const QImage &picture, const QImage &lasso, const RyReducedPicture &reduced,
+              const RyColorModels &models, const RyDepthPrior &prior);
+
+    /// The sides of all pixels of the frame's area. Constraints are obeyed to the pixel.
+    std::vector<RyCutSide> decided(const std::vector<RyCutSide> &cells,
+                                   const RyCutConstraints &constraints) const;
+
+private:
+    std::vector<RyCutSide> withBand(const std::vector<RyCutSide> &cells) const;
+    std::vector<RyCutSide> enlarged(const std::vector<RyCutSide> &cells) const;
+    void convertRow(const std::vector<RyCutSide> &cells, int row, RyLabColor *colors) const;
+
+    const QImage &m_picture;
+    const QImage &m_lasso;
+    const RyReducedPicture &m_reduced;
+    const RyColorModels &m_models;
+    const RyDepthPrior &m_prior;
+};

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "graphcut/RyCutSide.h"
+#include "graphcut/RyLabColor.h"
+#include "graphcut/RyPixelFlow.h"
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+/**
+ * Decides the undecided pixels of a plane: each tends to the side that speaks for it, and the
+ * outline between the sides runs where colours change.
+ *
+ * Neighbours, eight of them, are held together by 8 exp(-d / (2 s m)), divided by their distance: d
+ * is the squared difference of their colours, m its mean over the undecided pixels, s the sharpness.
+ * The evidence is in the same measure, natural logarithms of odds.
+ *
+ * Source   GrabCut (Rother, Kolmogorov and Blake, ACM Transactions on Graphics 23(3), 2004), with
+ *          the contrast term of Boykov and Jolly, ICCV 2001.
+ * Threads  construction fans out over the global pool; immutable afterwards, until it is used up.
+ */
+class RyContrastCut
+{
+public:
+    /// Both planes are of width x height pixels. Colours are read of undecided pixels and their
+    /// neighbours only, and not kept.
+    RyContrastCut(std::vector<RyCutSide> sides, const RyLabColor *colors, int width, int height,
+                  double sharpness);
+
+    /// Positive evidence of a pixel, given by its index, speaks for the object.
+    using Evidence = std::function<float(int pixel)>;
+
+    /// The sides, with all pixels decided.
+    std::vector<RyCutSide> decided(const Evidence &evidence) const &;
+    /// The same, using the graph up.
+    std::vector<RyCutSide> decided(const Evidence &evidence) &&;
+
+private:
+    struct Plane;
+
+    std::vector<RyCutSide> decided(RyPixelFlow &flow, std::vector<RyCutSide> sides,
+                                   const Evidence &evidence) const;
+    void numberNodes();
+    double meanContrast(const Plane &plane) const;
+    void connectRow(const Plane &plane, const std::vector<int> &weights, double steps, int row);
+
+    const int m_width;
+    const int m_height;
+    std::vector<RyCutSide> m_sides;
+    std::vector<int> m_pixels;      // of every node, row by row
+    std::vector<int> m_rowStarts;   // the first node of every row, and the end
+    std::unique_ptr<int[]> m_nodes; // of every undecided pixel; used by the constructor only
+    std::vector<int> m_pulls;       // of decided neighbours on every node
+    RyPixelFlow m_flow;
+};

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+
+/**
+ * The part of a picture that a cut looks at: the lasso's rectangle with a ring around it, divided
+ * into square cells for the work at reduced size.
+ *
+ * Lengths of the method are in units, a 481st of the picture's longer side: people draw what they
+ * see, so a hurried hand errs by a share of the picture, however many pixels it has.
+ */
+class RyCutFrame
+{
+public:
+    static constexpr double ringUnits = 18.0; ///< of certain background round the lasso
+
+    RyCutFrame() = default;
+    /// A lasso's rectangle that does not meet the picture gives an empty frame.
+    RyCutFrame(const QSize &picture, const QRect &lasso);
+
+    bool isEmpty() const { return m_area.isEmpty(); }
+    QRect area() const { return m_area; } ///< in picture pixels
+    int width() const { return m_area.width(); }
+    int height() const { return m_area.height(); }
+
+    int cellSize() const { return m_cellSize; } ///< in pixels
+    int columns() const { return (width() + m_cellSize - 1) / m_cellSize; }
+    int rows() const { return (height() + m_cellSize - 1) / m_cellSize; }
+    int cellCount() const { return columns() * rows(); }
+    /// Of a pixel of the area, from its top left corner.
+    int cellAt(int x, int y) const { return y / m_cellSize * columns() + x / m_cellSize; }
+
+    double cellsPerUnit() const { return m_pixelsPerUnit / m_cellSize; }
+
+private:
+    QRect m_area;
+    int m_cellSize = 1;
+    double m_pixelsPerUnit = 1.0;
+};

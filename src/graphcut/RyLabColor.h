@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QImage>
+#include <QtGlobal>
+
+/**
+ * A colour of CIE L*a*b* for the white point D65, in steps of 1/32.
+ *
+ * Whole numbers, so that squared differences and their sums are exact in any order.
+ */
+struct RyLabColor
+{
+    static constexpr int stepsPerUnit = 32;
+
+    qint16 l; ///< 0 … 100 units
+    qint16 a;
+    qint16 b;
+
+    friend int squaredDifference(const RyLabColor &left, const RyLabColor &right)
+    {
+        const int l = left.l - right.l;
+        const int a = left.a - right.a;
+        const int b = left.b - right.b;
+        return l * l + a * a + b * b;
+    }
+};
+
+/**
+ * Turns sRGB (IEC 61966-2-1) into CIE L*a*b* (CIE 15:2004). Transparency is not looked at.
+ *
+ * The cube root comes from a table with linear interpolation, which is right to a step.
+ *
+ * Threads  safe from every thread once it is made.
+ */
+class RyLabConverter
+{
+public:
+    static const RyLabConverter &instance();
+
+    /// Of an 8-bit channel: 0 … 1.
+    float linear(int channel) const { return m_linear[channel]; }
+    RyLabColor fromLinear(float red, float green, float blue) const;
+    RyLabColor fromRgb(QRgb color) const
+    {
+        return fromLinear(linear(qRed(color)), linear(qGreen(color)), linear(qBlue(color)));
+    }
+
+private:
+    RyLabConverter();
+    float lightness(float ratio) const;
+
+    static constexpr int rootCount = 4096;
+
+    float m_linear[256];
+    float m_roots[rootCount + 2];
+};

@@ -1,0 +1,87 @@
+#include "graphcut/RyReducedPicture.h"
+
+#include "graphcut/RyDistanceTransform.h"
+#include "image/RyConcurrent.h"
+
+#include <algorithm>
+
+RyReducedPicture::RyReducedPicture(const QImage &picture, const RyCutFrame &frame,
+                                   const QImage &lasso)
+    : m_frame(frame)
+    , m_colors(std::size_t(frame.cellCount()))
+    , m_inside(std::size_t(frame.cellCount()))
+    , m_depths(std::size_t(frame.cellCount()))
+{
+    RyConcurrent::forEachIndex(frame.rows(),
+                               [&](qsizetype row) { reduceRow(picture, lasso, int(row)); });
+    measureDepths();
+}
+
+void RyReducedPicture::reduceRow(const QImage &picture, const QImage &lasso, int row)
+{
+    const RyLabConverter &converter = RyLabConverter::instance();
+    const QRect area = m_frame.area();
+    const int size = m_frame.cellSize();
+    const int top = row * size;
+    const int bottom = std::min(top + size, area.height());
+    for (int column = 0; column < m_frame.columns(); ++column) {
+        const int left = column * size;
+        const int right = std::min(left + size, area.width());
+        float red = 0.0F;
+        float green = 0.0F;
+        float blue = 0.0F;
+        int covered = 0;
+        for (int y = top; y < bottom; ++y) {
+            const auto *const pixels =
+                    reinterpret_cast<const QRgb *>(picture.constScanLine(area.top() + y)) +
+                    area.left();
+            const uchar *const inside = lasso.constScanLine(y);
+            for (int x = left; x < right; ++x) {
+                red += converter.linear(qRed(pixels[x]));
+                green += converter.linear(qGreen(pixels[x]));
+                blue += converter.linear(qBlue(pixels[x]));
+                covered += inside[x] != 0;
+            }
+        }
+        const int count = (right - left) * (bottom - top);
+        const float share = 1.0F / float(count);
+        const auto cell = std::size_t(row) * std::size_t(m_frame.columns()) + std::size_t(column);
+        m_colors[cell] = converter.fromLinear(red * share, green * share, blue * share);
+        m_inside[cell] = 2 * covered > count;
+    }
+}
+
+void RyReducedPicture::measureDepths()
+{
+    const std::vector<float> inwards = distancesInside();
+    const std::vector<float> outwards =
+            RyDistanceTransform::toSites(m_inside, m_frame.columns(), m_frame.rows());
+    const auto unitsPerCell = float(1.0 / m_frame.cellsPerUnit());
+    for (std::size_t cell = 0; cell < m_inside.size(); ++cell) {
+        // The outline lies half way between a cell inside and one outside.
+        const float distance = m_inside[cell] ? inwards[cell] - 0.5F : 0.5F - outwards[cell];
+        m_depths[cell] = distance * unitsPerCell;
+        if (m_inside[cell])
+            m_greatestDepth = std::max(m_greatestDepth, m_depths[cell]);
+    }
+}
+
+std::vector<float> RyReducedPicture::distancesInside() const
+{
+    const int columns = m_frame.columns();
+    const int rows = m_frame.rows();
+    std::vector<quint8> outside(m_inside.size());
+    std::transform(m_inside.begin(), m_inside.end(), outside.begin(),
+                   [](quint8 inside) { return quint8(!inside); });
+    if (std::find(outside.begin(), outside.end(), 1) == outside.end()) {
+        // A lasso round everything: what is not meant lies along the picture's border.
+        for (int row = 0; row < rows; ++row) {
+            for (int column = 0; column < columns; ++column) {
+                const bool isBorder =
+                        row == 0 || column == 0 || row == rows - 1 || column == columns - 1;
+                outside[std::size_t(row) * std::size_t(columns) + std::size_t(column)] = isBorder;
+            }
+        }
+    }
+    return RyDistanceTransform::toSites(outside, columns, rows);
+}

@@ -1,0 +1,113 @@
+#include "segmentation/RyImageSegmentation.h"
+
+#include "RyUndoController.h"
+#include "graphcut/RyGraphCut.h"
+#include "segmentation/RyGraphFirstCut.h"
+#include "segmentation/RyImageSegmentation_p.h"
+#include "segmentation/RyInitialCut.h"
+#include "segmentation/RyLasso.h"
+
+#include <QMutexLocker>
+#include <QThreadPool>
+
+void RyImageSegmentation::setCutMethod(CutMethod method)
+{
+    const QMutexLocker lock(&d->mutex);
+    d->cutMethod = method;
+}
+
+RyImageSegmentation::CutMethod RyImageSegmentation::cutMethod() const
+{
+    const QMutexLocker lock(&d->mutex);
+    return d->cutMethod;
+}
+
+void RyImageSegmentation::recut()
+{
+    bool hasToStart = false;
+    {
+        const QMutexLocker lock(&d->mutex);
+        hasToStart = d->activateWith({.mode = Private::Request::recut});
+    }
+    if (hasToStart)
+        startSessionThread();
+}
+
+/// The worker's mask, while it goes on to the regions.
+void RyImageSegmentation::showGraphCut(const QImage &mask)
+{
+    if (!d->worker || sender() != d->worker.get())
+        return;
+    {
+        const QMutexLocker lock(&d->mutex);
+        RySegmentationState &state = d->state;
+        if (mask.size() != state.picture.size() || d->restoredLassos == d->lassos)
+            return;
+        state.foregroundMask = mask;
+        state.maskColor = d->worker->graphCutColor();
+        ++d->revision;
+        if (state.maskColor.rgb() != d->maskColor.rgb())
+            return; // the whole cut comes in the new colour, soon
+    }
+    Q_EMIT sendNewMask(mask);
+}
+
+/// For a lasso whose regions are there already; what a worker has cut is in its results.
+void RyImageSegmentation::Private::chooseGraphCut(RySegmentationState &work, CutMethod method)
+{
+    work.graphCut.reset();
+    work.constraints = RyCutConstraints(work.picture.size());
+    if (method != CutMethod::GraphCut)
+        return;
+    const QImage picture = work.analysis->image().imageRGB();
+    work.graphCut = RyGraphFirstCut::analyse(
+            picture, RyLasso::snappedToBorder(work.lassoPath, picture.size()));
+    work.graphCutLasso = work.lassoPath;
+}
+
+/// The first cut of the lasso at hand, without a word to the host until it is done.
+void RyImageSegmentation::Private::cutAnew(RySegmentationState &work, CutMethod method)
+{
+    if (method == CutMethod::Classic) {
+        work.graphCut.reset();
+        work.constraints = RyCutConstraints(work.picture.size());
+        RyInitialCut(work).cut();
+        return;
+    }
+    const bool isOfThisLasso =
+            work.graphCut && work.graphCutLasso == work.lassoPath &&
+            work.graphCut->picture().cacheKey() == work.analysis->image().imageRGB().cacheKey();
+    if (!isOfThisLasso) {
+        const RyCutConstraints constraints = work.constraints; // a memento's, of that lasso
+        chooseGraphCut(work, method);
+        work.constraints = constraints;
+    }
+    if (work.graphCut)
+        RyGraphFirstCut::recut(work);
+}
+
+void RyImageSegmentation::recutObject()
+{
+    CutMethod method = CutMethod::Classic;
+    quint64 restores = 0;
+    {
+        const QMutexLocker lock(&d->mutex);
+        if (d->state.pointsOfSuperpixels.isEmpty() || d->state.foregroundMask.isNull())
+            return;
+        method = d->cutMethod;
+        restores = d->restores;
+    }
+    std::shared_ptr<RyUndoCommandSegmentation> command;
+    const auto cut = [&](RySegmentationState &work) {
+        auto before = work.createMemento(false);
+        Private::cutAnew(work, method);
+        command = std::make_shared<RyUndoCommandSegmentation>(std::move(before),
+                                                              work.createMemento(false), this);
+    };
+    const std::optional<QImage> mask = d->change(cut, restores);
+    if (!mask)
+        return;
+    d->undoController->accept(command);
+    sendMask(*mask);
+    QThreadPool::globalInstance()->start([command] { command->compact(); });
+}
