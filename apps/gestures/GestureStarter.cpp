@@ -54,6 +54,17 @@ void GestureStarter::start(const Gesture::Color &color) const
     m_session.setMaskColor(color.color);
 }
 
+void GestureStarter::start(const Gesture::Method &method) const
+{
+    using CutMethod = RyImageSegmentation::CutMethod;
+    m_session.setCutMethod(method.isGraphCut ? CutMethod::GraphCut : CutMethod::Classic);
+}
+
+void GestureStarter::start(const Gesture::Recut &) const
+{
+    m_session.recut();
+}
+
 void GestureStarter::start(const Gesture::Invert &) const
 {
     m_session.invertMask();

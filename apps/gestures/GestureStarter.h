@@ -25,6 +25,8 @@ public:
     void start(const Gesture::Paint &paint) const;
     void start(const Gesture::Hover &hover) const;
     void start(const Gesture::Color &color) const;
+    void start(const Gesture::Method &method) const;
+    void start(const Gesture::Recut &) const;
     void start(const Gesture::Invert &) const;
     void start(const Gesture::Undo &) const;
     void start(const Gesture::Redo &) const;

@@ -28,9 +28,11 @@ QList<Gesture> asRecorded(QList<Gesture> gestures)
 
 std::shared_ptr<const RyMementoSegmentation> unpacked(const RyMementoSegmentation &memento)
 {
-    return std::make_shared<const RyMementoSegmentation>(
+    auto result = std::make_shared<RyMementoSegmentation>(
             memento.lassoPath(), memento.foregroundClusters(), memento.backgroundClusters(),
             memento.mask(), memento.labels(), memento.pointsOfSuperpixels(), memento.maskColor());
+    result->setConstraints(memento.constraints());
+    return result;
 }
 
 } // namespace
@@ -46,6 +48,8 @@ CutRunner::CutRunner(QObject *parent)
                 if (isCutting())
                     Q_EMIT progress(currentStep, totalSteps);
             });
+    m_sessionSteps.setLimits(1, 1);
+    m_session.setUndoController(m_sessionSteps);
     m_session.setMaskColor(Qt::white); // only its transparency is looked at
 }
 
@@ -70,9 +74,9 @@ void CutRunner::setPicture(const QImage &picture, const QTransform &toSession)
     advance();
 }
 
-void CutRunner::apply(const QString &name, const Gesture &gesture)
+void CutRunner::apply(const QString &name, const QList<Gesture> &gestures)
 {
-    enqueue({.name = name, .gestures = {gesture}});
+    enqueue({.name = name, .gestures = gestures});
 }
 
 void CutRunner::begin(const QString &name)
@@ -110,7 +114,7 @@ void CutRunner::abandon()
 
 bool CutRunner::isCutting() const
 {
-    return !m_jobs.empty() && m_jobs.front().hasBegun && m_jobs.front().beginsCut();
+    return !m_jobs.empty() && m_jobs.front().hasBegun && m_jobs.front().isCut();
 }
 
 void CutRunner::cancel()
@@ -121,7 +125,7 @@ void CutRunner::cancel()
     Job &job = m_jobs.front();
     if (!job.hasBegun) {
         m_jobs.clear();
-    } else if (job.beginsCut()) {
+    } else if (job.isCut()) {
         const Job cancelled = std::exchange(job, {});
         m_jobs.clear();
         cancelCut(cancelled);
@@ -141,6 +145,7 @@ void CutRunner::cancelCut(const Job &job)
     } else {
         m_session.setup(m_picture, QFileInfo()); // leaves no worker behind, as cancel() may
     }
+    setMask(job.before.memento ? job.before.memento->mask() : QImage());
 }
 
 void CutRunner::whenIdle(const std::function<void()> &call)
@@ -302,10 +307,14 @@ void CutRunner::hearMask(const QImage &mask)
 {
     if (m_jobs.empty() || m_isRestoring || m_jobs.front().isAbandoned)
         return;
-    if (isCutting())
+    const QImage current = m_session.maskForeground();
+    if (isCutting()) {
         m_heardNullMask = m_heardNullMask || mask.isNull();
-    else if (m_hasCut)
-        setMask(m_session.maskForeground());
+        if (!mask.isNull() && mask.cacheKey() == current.cacheKey()) // before regions are there
+            setMask(current);
+    } else if (m_hasCut) {
+        setMask(current);
+    }
 }
 
 void CutRunner::setMask(const QImage &mask)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CutState.h"
+#include "RyUndoController.h"
 #include "gestures/Gesture.h"
 #include "segmentation/RyImageSegmentation.h"
 
@@ -12,6 +13,7 @@
 #include <QTimer>
 #include <QTransform>
 
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -20,9 +22,9 @@
  * Leads a segmentation session through steps, one after the other, without waiting: a step is one or
  * more gestures, and done when the session has answered them all.
  *
- * The session records steps of its own for strokes; here they would have no names, and doing one
- * again would lack what the last stroke added. So strokes are sent as ones that record nothing, and
- * each step tells what was there before and after it.
+ * The session records strokes and new cuts by itself; such steps have no names, and doing a stroke
+ * again would lack what its last part added. So they go where nobody undoes them, and each step here
+ * tells what was there before and after it.
  *
  * Threads  the GUI thread.
  */
@@ -45,8 +47,8 @@ public:
     /// takes there.
     void setPicture(const QImage &picture, const QTransform &toSession);
 
-    /// A step of one gesture.
-    void apply(const QString &name, const Gesture &gesture);
+    /// A step of gestures that are known already.
+    void apply(const QString &name, const QList<Gesture> &gestures);
     /// A step of several ones, shown as they come: begin(), add() any number of times, then end(), or
     /// abandon() as if it had not begun.
     void begin(const QString &name);
@@ -55,7 +57,7 @@ public:
     void abandon();
 
     bool isIdle() const { return m_jobs.empty() && !m_isRestoring; }
-    bool isCutting() const; ///< a lasso; cancel() ends it
+    bool isCutting() const; ///< a lasso, for the first time or anew; cancel() ends it
     /// Gives up what is not done. What was there before it is back when this returns.
     void cancel();
     /// The call comes when all steps so far are done.
@@ -92,7 +94,17 @@ private:
         bool isAbandoned = false;
         CutState before = {};
 
-        bool beginsCut() const { return !gestures.isEmpty() && gestures.first().beginsCut(); }
+        bool beginsCut() const { return has<Gesture::Lasso>(); }
+        bool isCut() const { return beginsCut() || has<Gesture::Recut>(); }
+
+    private:
+        template <typename T>
+        bool has() const
+        {
+            return std::any_of(gestures.begin(), gestures.end(), [](const Gesture &gesture) {
+                return std::holds_alternative<T>(gesture.step);
+            });
+        }
     };
 
     void enqueue(Job job);
@@ -121,7 +133,8 @@ private:
     quint64 m_restores = 0;
     bool m_wasCutting = false;
     bool m_heardNullMask = false;
-    QTimer m_poll;                 // the session does not say when it falls idle
-    RyImageSegmentation m_session; // it may still speak while it ends
-    QThreadPool m_pool;            // last: its tasks use all the others
+    QTimer m_poll;                   // the session does not say when it falls idle
+    RyUndoController m_sessionSteps; // what the session records by itself, which nobody undoes
+    RyImageSegmentation m_session;   // it may still speak while it ends
+    QThreadPool m_pool;              // last: its tasks use all the others
 };

@@ -64,19 +64,30 @@ void Document::cutLasso(const QPolygonF &lasso)
         return;
     if (isCutting())
         m_runner.cancel(); // nobody waits for it any more
-    m_runner.apply(tr("Lasso"), Gesture(Gesture::Lasso{lasso}));
+    m_runner.apply(tr("Lasso"), {methodGesture(), Gesture(Gesture::Lasso{lasso})});
+}
+
+void Document::recut()
+{
+    if (hasCut() && !isCutting())
+        m_runner.apply(tr("Cut Anew"), {methodGesture(), Gesture(Gesture::Recut{})});
+}
+
+Gesture Document::methodGesture() const
+{
+    return Gesture(Gesture::Method{m_cutMethod == RyImageSegmentation::CutMethod::GraphCut});
 }
 
 void Document::toggleRegion(const QPointF &point)
 {
     if (hasCut() && !isCutting())
-        m_runner.apply(tr("Toggle Region"), Gesture(Gesture::Click{point}));
+        m_runner.apply(tr("Toggle Region"), {Gesture(Gesture::Click{point})});
 }
 
 void Document::invert()
 {
     if (hasCut() && !isCutting())
-        m_runner.apply(tr("Invert"), Gesture(Gesture::Invert{}));
+        m_runner.apply(tr("Invert"), {Gesture(Gesture::Invert{})});
 }
 
 void Document::beginStroke(const Brush &brush, const QPointF &point)

@@ -63,6 +63,11 @@ public:
     void cutLasso(const QPolygonF &lasso);
     void toggleRegion(const QPointF &point);
     void invert();
+    /// How lassos are cut from now on; what is cut already stays until it is cut anew.
+    void setCutMethod(RyImageSegmentation::CutMethod method) { m_cutMethod = method; }
+    RyImageSegmentation::CutMethod cutMethod() const { return m_cutMethod; }
+    /// Cuts the last lasso anew. By graph cuts, everything that corrections have touched stays.
+    void recut();
     /// A stroke is shown while it is drawn: begin, add points any number of times, end or abandon.
     void beginStroke(const Brush &brush, const QPointF &point);
     void continueStroke(const QPolygonF &points);
@@ -90,11 +95,13 @@ Q_SIGNALS:
     void failed(const QString &sentence);
 
 private:
+    Gesture methodGesture() const;
     void record(const CutRunner::Step &step);
     void addToStroke(const QPolygonF &points);
 
     RyUndoController *const m_undoController; // the library's own, which outlives us
     OpenedPicture m_opened;
+    RyImageSegmentation::CutMethod m_cutMethod = RyImageSegmentation::CutMethod::GraphCut;
     Brush m_brush;
     QPointF m_lastStrokePoint;
     CutRunner m_runner;

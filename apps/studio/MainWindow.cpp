@@ -64,6 +64,7 @@ MainWindow::MainWindow(QWidget *parent)
     createFileMenu();
     createEditMenu();
     createToolMenu();
+    createCutMenu();
     createViewMenu();
     createToolBars();
     connectDocument();

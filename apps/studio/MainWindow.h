@@ -48,6 +48,7 @@ private:
     void createFileMenu();
     void createEditMenu();
     void createToolMenu();
+    void createCutMenu();
     void createViewMenu();
     void createViewModes(QMenu *menu);
     void createBackgroundColors(QMenu *menu);

@@ -83,7 +83,33 @@ void MainWindow::createEditMenu()
             addTo(menu, QStringLiteral("paste"), tr("&Paste Picture"), QKeySequence::Paste);
     setIcon(pasting, VectorIcon::Shape::Paste);
     connect(pasting, &QAction::triggered, this, &MainWindow::paste);
+}
+
+/// How lassos are cut, and what happens to a whole cut.
+void MainWindow::createCutMenu()
+{
+    using CutMethod = RyImageSegmentation::CutMethod;
+    QMenu *const menu = menuBar()->addMenu(tr("&Cut"));
+    menu->setObjectName(QStringLiteral("cutMenu"));
+    auto *const methods = new QActionGroup(this);
+    const auto addMethod = [&](const QString &id, const QString &text, Qt::Key key,
+                               CutMethod method) {
+        QAction *const action = addTo(menu, id, text, Qt::CTRL | Qt::SHIFT | key);
+        action->setCheckable(true);
+        action->setChecked(method == m_document.cutMethod());
+        methods->addAction(action);
+        connect(action, &QAction::triggered, &m_document,
+                [this, method] { m_document.setCutMethod(method); });
+    };
+    addMethod(QStringLiteral("methodGraphCut"), tr("By &Graph Cuts"), Qt::Key_G,
+              CutMethod::GraphCut);
+    addMethod(QStringLiteral("methodClassic"), tr("By Co&lours of Regions"), Qt::Key_L,
+              CutMethod::Classic);
     menu->addSeparator();
+    QAction *const recut = addTo(menu, QStringLiteral("recut"), tr("Cut &Anew"),
+                                 QKeySequence(Qt::CTRL | Qt::Key_R));
+    connect(recut, &QAction::triggered, &m_document, &Document::recut);
+    m_cutActions.append(recut);
     QAction *const invert = addTo(menu, QStringLiteral("invert"), tr("&Invert Cut"),
                                   QKeySequence(Qt::CTRL | Qt::Key_I));
     setIcon(invert, VectorIcon::Shape::Invert);

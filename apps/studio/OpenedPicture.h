@@ -1,8 +1,8 @@
 #pragma once
 
 #include "ImagePyramid.h"
-#include "gestures/GestureFile.h"
 #include "cutout/CuttingScale.h"
+#include "gestures/GestureFile.h"
 
 #include <QImage>
 #include <QString>

@@ -13,9 +13,7 @@ namespace {
 
 OpenedPicture decodeFile(const QString &fileName)
 {
-    const auto fail = [](const QString &reason) {
-        throw PictureError(reason);
-    };
+    const auto fail = [](const QString &reason) { throw PictureError(reason); };
     if (QFileInfo(fileName).isDir())
         fail(PictureLoader::tr("it is a folder"));
     QFile file(fileName);

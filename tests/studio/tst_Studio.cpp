@@ -28,7 +28,7 @@ namespace {
 
 const QString coffee = QStringLiteral(":/samples/coffee.png");
 /// Within the lasso, one on either side after the first cut.
-const QPointF wood(148, 103);
+const QPointF wood(472, 156);
 const QPointF cup(330, 150);
 
 } // namespace
@@ -289,6 +289,10 @@ void tst_Studio::doAllThereIs(QList<QImage> &masks)
     m_studio->action("scribble").trigger();
     m_studio->drag({{10, 10}, {60, 40}, {90, 20}});
     settled();
+    m_studio->action("recut").trigger();
+    QVERIFY(m_studio->document().isCutting());
+    settled();
+    QVERIFY(isObject(wood)); // corrections stay
     m_studio->action("invert").trigger();
     settled();
     m_studio->action("lasso").trigger();
@@ -296,6 +300,9 @@ void tst_Studio::doAllThereIs(QList<QImage> &masks)
     settled();
     m_studio->action("brush").trigger();
     m_studio->drag({{300, 60}, {310, 64}});
+    settled();
+    m_studio->action("methodClassic").trigger();
+    m_studio->action("recut").trigger();
     settled();
 }
 
