@@ -5,6 +5,8 @@
 #include <QColorSpace>
 #include <QImageReader>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -49,9 +51,14 @@ QImage PictureDecoder::decode(QIODevice &device, bool allowHuge)
     QImage picture = reader.read();
     if (picture.isNull())
         throw PictureError(reader.errorString());
-    picture.convertTo(QImage::Format_ARGB32);
-    if (picture.isNull())
+    return prepared(std::move(picture));
+}
+
+QImage PictureDecoder::prepared(QImage image)
+{
+    image.convertTo(QImage::Format_ARGB32);
+    if (image.isNull())
         throw PictureError(u"there is too little memory"_s);
-    dropForeignProfile(picture);
-    return picture;
+    dropForeignProfile(image);
+    return image;
 }

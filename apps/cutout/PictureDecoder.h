@@ -10,4 +10,7 @@ namespace PictureDecoder {
 /// Pictures above 200 megapixels need the caller's consent.
 QImage decode(QIODevice &device, bool allowHuge);
 
+/// An image from elsewhere, such as the clipboard, in the form that decode() gives.
+QImage prepared(QImage image);
+
 } // namespace PictureDecoder

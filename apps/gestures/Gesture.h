@@ -44,6 +44,10 @@ struct Gesture
     {
         QColor color;
     };
+    struct Method ///< of the cuts that follow
+    {
+        bool isGraphCut = false; ///< as sessions cut at first, they do not
+    };
     /// Begins a wire that follows edges.
     struct Seed
     {
@@ -57,6 +61,8 @@ struct Gesture
     /// What is said in one word.
     struct Plain
     {};
+    struct Recut : Plain ///< cuts the last lasso anew, under all corrections
+    {};
     struct Invert : Plain
     {};
     struct Close : Plain ///< leads the wire back to its seed, and takes it for a lasso
@@ -66,8 +72,8 @@ struct Gesture
     struct Redo : Plain
     {};
 
-    using Step = std::variant<Lasso, Click, Scribble, Paint, Hover, Color, Seed, Wire, Close,
-                              Invert, Undo, Redo>;
+    using Step = std::variant<Lasso, Click, Scribble, Paint, Hover, Color, Method, Seed, Wire,
+                              Close, Recut, Invert, Undo, Redo>;
 
     explicit Gesture(Step what);
 

@@ -1,17 +1,12 @@
 #include "gestures/GesturePlayer.h"
 
-#include "RyUndoController.h"
 #include "gestures/EventWait.h"
 #include "gestures/GestureError.h"
-#include "gestures/StrokePath.h"
 #include "scissors/RyScissorsEdgePicture.h"
 #include "segmentation/RyImageSegmentation.h"
 
 #include <QCoreApplication>
-#include <QPainterPath>
 
-#include <algorithm>
-#include <cmath>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -19,6 +14,7 @@ using namespace Qt::StringLiterals;
 GesturePlayer::GesturePlayer(RyImageSegmentation &session, const QTransform &toSession)
     : m_session(session)
     , m_toSession(toSession)
+    , m_starter(session, toSession)
 {}
 
 void GesturePlayer::setPicture(const QImage &picture)
@@ -53,47 +49,7 @@ void GesturePlayer::waitForAnswer()
 void GesturePlayer::apply(const Gesture::Lasso &lasso)
 {
     m_lasso = lasso.points;
-    startWith(m_toSession.map(lasso.points));
-}
-
-void GesturePlayer::startWith(const QPolygonF &sessionLasso)
-{
-    QPainterPath path;
-    path.addPolygon(sessionLasso);
-    path.closeSubpath();
-    m_session.startThreadWithInitialPath(path);
-}
-
-void GesturePlayer::apply(const Gesture::Click &click)
-{
-    m_session.startThreadWithClicker(m_toSession.map(click.point));
-}
-
-void GesturePlayer::apply(const Gesture::Scribble &scribble)
-{
-    m_session.startThreadWithScribble(mappedStroke(scribble), scribble.isForeground,
-                                      scribble.isTemporary);
-}
-
-void GesturePlayer::apply(const Gesture::Paint &paint)
-{
-    m_session.startThreadWithPaintSelection(mappedStroke(paint), paint.isForeground,
-                                            paint.isTemporary);
-}
-
-void GesturePlayer::apply(const Gesture::Hover &hover)
-{
-    const QPoint pixel = m_toSession.map(hover.point).toPoint(); // the one that a click would take
-    const double scale = std::sqrt(m_toSession.determinant()); // rounding may make its sides differ
-    const int diameter = std::max(1, int(std::lround(hover.diameter * scale)));
-    const QSet<int> regions = m_session.superpixels(pixel, diameter);
-    if (!regions.isEmpty())
-        m_session.startThreadWithPaintSelectionHover(regions, hover.isForeground);
-}
-
-void GesturePlayer::apply(const Gesture::Color &color)
-{
-    m_session.setMaskColor(color.color);
+    m_starter.start(lasso);
 }
 
 void GesturePlayer::apply(const Gesture::Seed &seed)
@@ -112,29 +68,10 @@ void GesturePlayer::apply(const Gesture::Wire &wire)
 void GesturePlayer::apply(const Gesture::Close &)
 {
     if (m_wire.close()) {
-        m_lasso = m_toSession.inverted().map(m_wire.outline());
-        startWith(m_wire.outline());
+        const QPolygonF outline = m_wire.outline();
+        m_lasso = m_toSession.inverted().map(outline);
+        GestureStarter(m_session, {}).start(Gesture::Lasso{outline}); // as it is, without rounding
     } else if (!m_isStopped) {
         throw GestureError(u"no wire leads back to its seed"_s);
     }
-}
-
-void GesturePlayer::apply(const Gesture::Invert &)
-{
-    m_session.invertMask();
-}
-
-void GesturePlayer::apply(const Gesture::Undo &)
-{
-    m_session.undoController()->undo();
-}
-
-void GesturePlayer::apply(const Gesture::Redo &)
-{
-    m_session.undoController()->redo();
-}
-
-QPainterPath GesturePlayer::mappedStroke(const Gesture::Stroke &stroke) const
-{
-    return m_toSession.map(StrokePath::draw(stroke.points, stroke.width));
 }

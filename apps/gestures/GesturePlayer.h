@@ -1,6 +1,7 @@
 #pragma once
 
 #include "gestures/Gesture.h"
+#include "gestures/GestureStarter.h"
 #include "gestures/WireTracer.h"
 
 #include <QImage>
@@ -38,23 +39,19 @@ public Q_SLOTS:
 
 private:
     void apply(const Gesture::Lasso &lasso);
-    void apply(const Gesture::Click &click);
-    void apply(const Gesture::Scribble &scribble);
-    void apply(const Gesture::Paint &paint);
-    void apply(const Gesture::Hover &hover);
-    void apply(const Gesture::Color &color);
     void apply(const Gesture::Seed &seed);
     void apply(const Gesture::Wire &wire);
     void apply(const Gesture::Close &);
-    void apply(const Gesture::Invert &);
-    void apply(const Gesture::Undo &);
-    void apply(const Gesture::Redo &);
-    void startWith(const QPolygonF &sessionLasso);
-    QPainterPath mappedStroke(const Gesture::Stroke &stroke) const;
+    template <typename Step>
+    void apply(const Step &step)
+    {
+        m_starter.start(step);
+    }
     void waitForAnswer();
 
     RyImageSegmentation &m_session;
     const QTransform m_toSession;
+    const GestureStarter m_starter;
     QImage m_picture; // until a wire needs its edges
     WireTracer m_wire;
     QPolygonF m_lasso;

@@ -38,6 +38,11 @@ void describeStep(GestureFields &fields, Gesture::Color &color)
     fields.color(color.color);
 }
 
+void describeStep(GestureFields &fields, Gesture::Method &method)
+{
+    fields.choice(method.isGraphCut, "graphcut", "classic");
+}
+
 void describeStep(GestureFields &fields, Gesture::Seed &seed)
 {
     fields.point(seed.point);
@@ -62,9 +67,11 @@ std::span<const GestureWords::Word> GestureWords::all()
             Word{"paint", "paint fg|bg temporary|final x1 y1 ...", Gesture(Gesture::Paint())},
             Word{"hover", "hover fg|bg x y diameter", Gesture(Gesture::Hover())},
             Word{"color", "color #rrggbb", Gesture(Gesture::Color())},
+            Word{"method", "method graphcut|classic", Gesture(Gesture::Method())},
             Word{"seed", "seed x y", Gesture(Gesture::Seed())},
             Word{"wire", "wire x y", Gesture(Gesture::Wire())},
             Word{"close", "close", Gesture(Gesture::Close())},
+            Word{"recut", "recut", Gesture(Gesture::Recut())},
             Word{"invert", "invert", Gesture(Gesture::Invert())},
             Word{"undo", "undo", Gesture(Gesture::Undo())},
             Word{"redo", "redo", Gesture(Gesture::Redo())},

@@ -136,8 +136,11 @@ public:
     /// is of another size than the picture only the sets are taken. Regions that come from a memento
     /// serve refinement; the next lasso computes its own. With too little memory nothing is changed.
     void setMemento(const RyMementoSegmentation &memento);
-    /// Where finished gestures go; never null.
+    /// Where finished gestures go; never null. The photo editor's at first.
     RyUndoController *undoController() const;
+    /// Another one, which must outlive the session. For hosts that record steps of their own, or
+    /// have a list of steps for each picture; before the first gesture.
+    void setUndoController(RyUndoController &controller);
     RySegmentationStatistics statistics() const;
 
     /// The mask with some regions' pixels on one side, as hovering shows it: the pixel in the top

@@ -138,6 +138,6 @@ struct RyImageSegmentation::Private
 
     // Never changed.
     const QPointer<RyImageSegmentation> self;
-    RyUndoController *const undoController;
+    RyUndoController *undoController; // changes only before there is a gesture
     const std::shared_ptr<RyMaskBuffers> buffers = RyMaskBuffers::create();
 };

@@ -25,6 +25,11 @@ RyUndoController *RyImageSegmentation::undoController() const
     return d->undoController;
 }
 
+void RyImageSegmentation::setUndoController(RyUndoController &controller)
+{
+    d->undoController = &controller;
+}
+
 std::unique_ptr<RyMementoSegmentation>
 RyImageSegmentation::createMemento(bool withSuperPixelData) const
 {

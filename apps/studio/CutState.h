@@ -1,0 +1,15 @@
+#pragma once
+
+#include "gestures/Gesture.h"
+#include "segmentation/RyMementoSegmentation.h"
+
+#include <QList>
+
+#include <memory>
+
+/// What is cut at one moment, and what was done to get there. Copies share everything.
+struct CutState
+{
+    std::shared_ptr<const RyMementoSegmentation> memento; ///< null before the first cut
+    QList<Gesture> gestures; ///< from the last lasso on; nothing before it has any effect
+};

@@ -1,0 +1,256 @@
+#include "LassoTool.h"
+
+#include "Document.h"
+
+#include <QKeyEvent>
+#include <QLineF>
+#include <QPainter>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr double closingRadius = 10.0; // pixels of the canvas
+constexpr double dragDistance = 4.0;   // below that a press is a click
+constexpr qsizetype fewestPoints = 3;
+
+double distance(const QPointF &a, const QPointF &b)
+{
+    return QLineF(a, b).length();
+}
+
+/// Encloses both; never null.
+QRectF between(const QPointF &a, const QPointF &b)
+{
+    return QRectF(a, b).normalized().adjusted(-0.5, -0.5, 0.5, 0.5);
+}
+
+/// The parts of a line that may be seen within an area: a lasso has thousands of points, of which
+/// most lie where nothing is painted.
+QList<QPolygonF> partsWithin(const QRectF &area, const QPolygonF &line)
+{
+    QList<QPolygonF> parts;
+    bool wasSeen = false;
+    for (qsizetype i = 1; i < line.size(); ++i) {
+        const QPointF from = line.at(i - 1), to = line.at(i);
+        const bool isSeen = std::max(from.x(), to.x()) >= area.left() &&
+                            std::min(from.x(), to.x()) <= area.right() &&
+                            std::max(from.y(), to.y()) >= area.top() &&
+                            std::min(from.y(), to.y()) <= area.bottom();
+        if (isSeen && !wasSeen)
+            parts.append(QPolygonF({from}));
+        if (isSeen)
+            parts.last().append(to);
+        wasSeen = isSeen;
+    }
+    return parts;
+}
+
+/// Light on dark, so that it is seen on any picture.
+void drawTwice(QPainter &painter, const QPolygonF &line, Qt::PenStyle style)
+{
+    constexpr double margin = 3.0; // lines have a width
+    const QRectF area = painter.clipBoundingRect().adjusted(-margin, -margin, margin, margin);
+    const QList<QPolygonF> parts =
+            style == Qt::SolidLine ? partsWithin(area, line) : QList<QPolygonF>{line};
+    painter.setPen(QPen(QColor(0, 0, 0, 170), 3.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    for (const QPolygonF &part : parts)
+        painter.drawPolyline(part);
+    painter.setPen(QPen(Qt::white, 1.3, style, Qt::RoundCap, Qt::RoundJoin));
+    for (const QPolygonF &part : parts)
+        painter.drawPolyline(part);
+}
+
+} // namespace
+
+LassoTool::LassoTool(Document &document, QObject *parent)
+    : Tool(document, parent)
+{
+    connect(&document, &Document::isCuttingChanged, this, [this](bool isCutting) {
+        if (!isCutting)
+            m_beingCut.clear();
+        Q_EMIT overlayChanged({});
+    });
+}
+
+ToolDescription LassoTool::description() const
+{
+    return {QStringLiteral("lasso"), tr("Lasso"),
+            tr("Draw a line round the object, or click from point to point; double-click or Enter "
+               "closes it, Escape takes the last point back."),
+            VectorIcon::Shape::Lasso, Qt::Key_L};
+}
+
+void LassoTool::press(const PointerEvent &event)
+{
+    if (event.button != Qt::LeftButton || !document().hasPicture())
+        return;
+    if (wouldClose(event)) {
+        close();
+        return;
+    }
+    if (m_points.isEmpty())
+        m_firstOnWidget = event.widgetPosition;
+    m_parts.append(m_points.size());
+    m_points.append(event.position);
+    m_undone.clear();
+    m_pointer = event.position;
+    m_pressedOnWidget = event.widgetPosition;
+    m_isPressed = true;
+    m_isDragging = false;
+    changed();
+}
+
+void LassoTool::move(const PointerEvent &event)
+{
+    if (!m_isPressed)
+        return;
+    m_pointer = event.position;
+    if (!m_isDragging && distance(event.widgetPosition, m_pressedOnWidget) < dragDistance)
+        return;
+    m_isDragging = true;
+    const QPointF last = m_points.last();
+    m_points.append(event.position);
+    Q_EMIT overlayChanged(between(last, event.position));
+}
+
+void LassoTool::release(const PointerEvent &)
+{
+    if (!std::exchange(m_isPressed, false))
+        return;
+    const bool isOneLine = m_isDragging && m_parts.size() == 1;
+    m_isDragging = false;
+    if (isOneLine)
+        close();
+}
+
+void LassoTool::doubleClick(const PointerEvent &event)
+{
+    if (event.button == Qt::LeftButton && m_points.size() >= fewestPoints)
+        close();
+    else
+        press(event);
+}
+
+void LassoTool::hover(const PointerEvent &event)
+{
+    const QPointF before = std::exchange(m_pointer, event.position);
+    if (m_points.isEmpty())
+        return;
+    for (const QPointF &end : {before, event.position, m_points.first()})
+        Q_EMIT overlayChanged(between(m_points.last(), end));
+}
+
+bool LassoTool::keyPress(const QKeyEvent &event)
+{
+    const bool closes = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    if (closes && m_points.size() >= fewestPoints)
+        close();
+    if (event.key() == Qt::Key_Backspace && !m_points.isEmpty())
+        undo();
+    return closes || event.key() == Qt::Key_Backspace;
+}
+
+bool LassoTool::wouldClose(const PointerEvent &event) const
+{
+    return m_points.size() >= fewestPoints &&
+           distance(event.widgetPosition, m_firstOnWidget) < closingRadius;
+}
+
+void LassoTool::close()
+{
+    const QPolygonF lasso = std::exchange(m_points, {});
+    const QRectF box = lasso.boundingRect();
+    cancel();
+    if (lasso.size() < fewestPoints || box.width() < 1.0 || box.height() < 1.0)
+        return; // a line encloses nothing
+    document().cutLasso(lasso);
+    m_beingCut = lasso;
+    changed();
+}
+
+QString LassoTool::undoText() const
+{
+    return m_parts.isEmpty() ? QString() : tr("Lasso Point");
+}
+
+QString LassoTool::redoText() const
+{
+    return m_undone.isEmpty() ? QString() : tr("Lasso Point");
+}
+
+void LassoTool::undo()
+{
+    if (m_parts.isEmpty())
+        return;
+    const qsizetype first = m_parts.takeLast();
+    m_undone.append(m_points.mid(first));
+    m_points.resize(first);
+    m_isPressed = m_isDragging = false;
+    changed();
+}
+
+void LassoTool::redo()
+{
+    if (m_undone.isEmpty())
+        return;
+    m_parts.append(m_points.size());
+    m_points += m_undone.takeLast();
+    changed();
+}
+
+bool LassoTool::escape()
+{
+    if (m_points.isEmpty())
+        return false;
+    undo();
+    if (m_points.isEmpty())
+        cancel();
+    return true;
+}
+
+void LassoTool::cancel()
+{
+    m_points.clear();
+    m_parts.clear();
+    m_undone.clear();
+    m_isPressed = m_isDragging = false;
+    changed();
+}
+
+void LassoTool::changed()
+{
+    Q_EMIT unfinishedGestureChanged();
+    Q_EMIT overlayChanged({});
+}
+
+void LassoTool::paint(QPainter &painter, const ViewTransform &view) const
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!m_points.isEmpty())
+        paintOpen(painter, view);
+    if (!m_beingCut.isEmpty()) {
+        QPolygonF line = view.pictureToWidget().map(m_beingCut);
+        line.append(line.first());
+        drawTwice(painter, line, Qt::DashLine);
+    }
+}
+
+void LassoTool::paintOpen(QPainter &painter, const ViewTransform &view) const
+{
+    const QPolygonF line = view.pictureToWidget().map(m_points);
+    const QPointF pointer = view.toWidget(m_pointer);
+    drawTwice(painter, line, Qt::SolidLine);
+    if (m_isDragging && m_parts.size() == 1)
+        return;
+    drawTwice(painter, {line.last(), pointer}, Qt::DotLine);
+    painter.setPen(QPen(QColor(0, 0, 0, 200), 1.0));
+    for (const qsizetype part : m_parts) {
+        const bool closes = part == 0 && m_points.size() >= fewestPoints &&
+                            distance(line.first(), pointer) < closingRadius;
+        painter.setBrush(closes ? QColor(81, 207, 102) : QColor(Qt::white));
+        const double radius = closes ? 5.5 : 3.5;
+        painter.drawEllipse(line.at(part), radius, radius);
+    }
+}

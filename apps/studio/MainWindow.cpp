@@ -1,0 +1,250 @@
+#include "MainWindow.h"
+
+#include "Canvas.h"
+#include "StartPage.h"
+#include "StatusBar.h"
+#include "StudioSettings.h"
+#include "settings/RyImageCutterSettings.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QImageReader>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QStackedWidget>
+#include <QStandardPaths>
+#include <QToolBar>
+
+namespace {
+
+int longestSideForCutting()
+{
+    const int length = RyImageCutterSettings::instance().maximalImageLength();
+    return length >= 1 ? length : RyImageCutterSettings::defaultMaximalImageLength;
+}
+
+/// As file dialogs take them: "Pictures (*.png *.jpg)".
+QString pictureFilter()
+{
+    QStringList patterns;
+    const QList<QByteArray> formats = QImageReader::supportedImageFormats();
+    for (const QByteArray &format : formats)
+        patterns.append(QStringLiteral("*.") + QString::fromLatin1(format));
+    return MainWindow::tr("Pictures (%1)").arg(patterns.join(u' ')) + QStringLiteral(";;") +
+           MainWindow::tr("All files (*)");
+}
+
+bool hasPicture(const QMimeData *source)
+{
+    return source && (source->hasUrls() || source->hasImage());
+}
+
+} // namespace
+
+MainWindow::MainWindow(QWidget *parent)
+    : QMainWindow(parent)
+    , m_tools(m_document)
+    , m_undoActions(m_document, m_tools)
+    , m_canvas(new Canvas(m_document))
+    , m_startPage(new StartPage)
+    , m_pages(new QStackedWidget)
+    , m_statusBar(new StatusBar)
+    , m_toolActions(new QActionGroup(this))
+    , m_viewModes(new QActionGroup(this))
+{
+    m_pages->addWidget(m_startPage);
+    m_pages->addWidget(m_canvas);
+    setCentralWidget(m_pages);
+    setStatusBar(m_statusBar);
+    setAcceptDrops(true);
+    createFileMenu();
+    createEditMenu();
+    createToolMenu();
+    createCutMenu();
+    createViewMenu();
+    createToolBars();
+    connectDocument();
+    connect(m_startPage, &StartPage::openRequested, this, &MainWindow::chooseFile);
+    connect(m_startPage, &StartPage::sampleChosen, this, &MainWindow::openFile);
+    connect(&m_tools, &ToolSet::currentChanged, this, &MainWindow::showTool);
+    connect(m_canvas, &Canvas::zoomChanged, m_statusBar, &StatusBar::setZoom);
+    connect(m_statusBar, &StatusBar::cancelRequested, this, &MainWindow::cancel);
+    for (const Tool *const tool : m_tools.tools())
+        connect(tool, &Tool::message, this, [this](const QString &sentence) {
+            constexpr int messageMs = 5000;
+            m_statusBar->showMessage(sentence, messageMs);
+        });
+    showTool(m_tools.current());
+    updateActions();
+    updateTitle();
+    for (QWidget *const widget : std::as_const(m_workWidgets))
+        widget->hide();
+    resize(1180, 780);
+}
+
+MainWindow::~MainWindow()
+{
+    m_canvas->setTool(nullptr); // the tools and the document go before the canvas does
+    m_document.disconnect();
+}
+
+void MainWindow::connectDocument()
+{
+    connect(&m_loader, &PictureLoader::loaded, this, &MainWindow::showPicture);
+    connect(&m_loader, &PictureLoader::failed, this, &MainWindow::complain);
+    connect(&m_loader, &PictureLoader::isLoadingChanged, this, [this](bool isLoading) {
+        isLoading ? m_statusBar->beginProgress(tr("Opening…")) : m_statusBar->endProgress();
+        updateActions();
+    });
+    connect(&m_document, &Document::failed, this, &MainWindow::complain);
+    connect(&m_document, &Document::maskChanged, this, &MainWindow::updateActions);
+    connect(&m_document, &Document::progress, m_statusBar, &StatusBar::setProgress);
+    connect(&m_document, &Document::isCuttingChanged, this, [this](bool isCutting) {
+        isCutting ? m_statusBar->beginProgress(tr("Cutting %p %")) : m_statusBar->endProgress();
+        updateActions();
+    });
+    connect(&m_document, &Document::isModifiedChanged, this, &MainWindow::updateTitle);
+}
+
+void MainWindow::openFile(const QString &fileName)
+{
+    if (!mayDiscardChanges())
+        return;
+    m_loader.setLongestSide(longestSideForCutting());
+    m_loader.load(fileName);
+}
+
+void MainWindow::chooseFile()
+{
+    const QString last = m_document.opened().fileName;
+    const QString folder =
+            last.isEmpty() || last.startsWith(u':')
+                    ? QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)
+                    : last;
+    const QString fileName =
+            QFileDialog::getOpenFileName(this, tr("Open a Picture"), folder, pictureFilter());
+    if (!fileName.isEmpty())
+        openFile(fileName);
+}
+
+void MainWindow::paste()
+{
+    if (!openMimeData(QGuiApplication::clipboard()->mimeData()))
+        m_statusBar->showMessage(tr("There is no picture to paste."), 5000);
+}
+
+bool MainWindow::openMimeData(const QMimeData *source)
+{
+    if (!hasPicture(source))
+        return false;
+    const QList<QUrl> urls = source->urls();
+    if (!urls.isEmpty() && urls.first().isLocalFile()) {
+        openFile(urls.first().toLocalFile());
+        return true;
+    }
+    const QImage image = qvariant_cast<QImage>(source->imageData());
+    if (image.isNull())
+        return false;
+    if (mayDiscardChanges()) {
+        m_loader.setLongestSide(longestSideForCutting());
+        m_loader.load(image, tr("Pasted picture"));
+    }
+    return true;
+}
+
+bool MainWindow::mayDiscardChanges()
+{
+    if (!m_document.isModified())
+        return true;
+    const auto answer = QMessageBox::warning(
+            this, tr("Unsaved Changes"),
+            tr("The cut of “%1” has changed. Discard the changes?").arg(m_document.opened().title),
+            QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Cancel);
+    return answer == QMessageBox::Discard;
+}
+
+void MainWindow::showPicture(const OpenedPicture &picture)
+{
+    m_tools.current()->cancel();
+    if (!m_document.hasPicture())
+        for (QWidget *const widget : std::as_const(m_workWidgets))
+            widget->show();
+    m_document.setPicture(picture);
+    m_pages->setCurrentWidget(m_canvas);
+    m_canvas->setFocus();
+    m_statusBar->setPictureSize(picture.picture.size(), picture.cuttingPicture.size());
+    if (!picture.fileName.isEmpty() && !picture.fileName.startsWith(u':'))
+        StudioSettings::instance().addRecentFile(picture.fileName);
+    m_tools.setCurrent(m_tools.tools().first()); // every cut begins with a lasso
+    updateActions();
+    updateTitle();
+}
+
+void MainWindow::showTool(Tool *tool)
+{
+    m_canvas->setTool(tool);
+    m_statusBar->setHint(m_document.hasPicture() ? tool->description().hint : QString());
+    m_toolActions->actions().at(m_tools.tools().indexOf(tool))->setChecked(true);
+    if (m_toolOptions) {
+        m_optionsBar->removeAction(m_toolOptions);
+        m_toolOptions->deleteLater();
+        m_toolOptions = nullptr;
+    }
+    if (QWidget *const options = tool->createOptions(m_optionsBar))
+        m_toolOptions = m_optionsBar->addWidget(options);
+}
+
+void MainWindow::cancel()
+{
+    if (m_tools.current()->escape())
+        return;
+    m_loader.cancel();
+    m_document.cancel();
+}
+
+void MainWindow::complain(const QString &sentence)
+{
+    auto *const box = new QMessageBox(QMessageBox::Warning, tr("RyCut Studio"), sentence,
+                                      QMessageBox::Ok, this); // deletes itself
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+}
+
+void MainWindow::updateActions()
+{
+    for (QAction *const action : m_pictureActions)
+        action->setEnabled(m_document.hasPicture());
+    for (QAction *const action : m_cutActions)
+        action->setEnabled(m_document.hasCut() && !m_document.isCutting());
+    if (m_document.hasPicture())
+        m_statusBar->setHint(m_tools.current()->description().hint);
+}
+
+void MainWindow::updateTitle()
+{
+    setWindowModified(m_document.isModified());
+    setWindowTitle(m_document.hasPicture()
+                           ? tr("%1[*] — RyCut Studio").arg(m_document.opened().title)
+                           : tr("RyCut Studio"));
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    event->setAccepted(mayDiscardChanges());
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (hasPicture(event->mimeData()))
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    if (openMimeData(event->mimeData()))
+        event->acceptProposedAction();
+}

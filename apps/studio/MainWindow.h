@@ -1,0 +1,87 @@
+#pragma once
+
+#include "Document.h"
+#include "PictureLoader.h"
+#include "ToolSet.h"
+#include "UndoActions.h"
+#include "VectorIcon.h"
+#include "ViewMode.h"
+
+#include <QMainWindow>
+
+class Canvas;
+class QAction;
+class QActionGroup;
+class QMimeData;
+class QStackedWidget;
+class StartPage;
+class StatusBar;
+
+/**
+ * The window: menus, tool bars, the canvas and what surrounds it.
+ *
+ * Threads  the GUI thread.
+ */
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    Document &document() { return m_document; }
+    ToolSet &tools() { return m_tools; }
+    Canvas &canvas() { return *m_canvas; }
+    /// Loading answers with a picture or a sentence, later.
+    void openFile(const QString &fileName);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    QAction *addTo(QWidget *menu, const QString &id, const QString &text,
+                   const QKeySequence &shortcut);
+    void setIcon(QAction *action, VectorIcon::Shape shape);
+    void createFileMenu();
+    void createEditMenu();
+    void createToolMenu();
+    void createCutMenu();
+    void createViewMenu();
+    void createViewModes(QMenu *menu);
+    void createBackgroundColors(QMenu *menu);
+    void createDocks(QMenu *menu);
+    void createToolBars();
+    QWidget *createViewModeButton();
+    void connectDocument();
+
+    void chooseFile();
+    void paste();
+    bool openMimeData(const QMimeData *source);
+    bool mayDiscardChanges();
+    void showPicture(const OpenedPicture &picture);
+    void showTool(Tool *tool);
+    void cancel();
+    void complain(const QString &sentence);
+    void updateActions();
+    void updateTitle();
+
+    Document m_document;
+    PictureLoader m_loader;
+    ToolSet m_tools;
+    UndoActions m_undoActions;
+    Canvas *m_canvas; // the widgets are children
+    StartPage *m_startPage;
+    QStackedWidget *m_pages;
+    StatusBar *m_statusBar;
+    QActionGroup *m_toolActions;
+    QActionGroup *m_viewModes;
+    QList<QWidget *> m_workWidgets;    // that make no sense on the start page
+    QList<QAction *> m_pictureActions; // that need a picture
+    QList<QAction *> m_cutActions;     // that need a cut
+    QAction *m_cancelAction = nullptr;
+    QAction *m_toolOptions = nullptr; // of the current tool, in the tool bar
+    QToolBar *m_optionsBar = nullptr;
+};

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "OpenedPicture.h"
+
+#include <QImage>
+#include <QObject>
+#include <QString>
+#include <QThreadPool>
+
+#include <functional>
+
+/**
+ * Opens pictures beside the event loop. Only the newest request is answered.
+ *
+ * Threads  the GUI thread.
+ */
+class PictureLoader : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit PictureLoader(QObject *parent = nullptr);
+    ~PictureLoader() override;
+
+    /// A longest side of 0 cuts pictures at their full size.
+    void setLongestSide(int pixels) { m_longestSide = pixels; }
+
+    void load(const QString &fileName);
+    /// A picture without a file.
+    void load(const QImage &image, const QString &title);
+    bool isLoading() const { return m_isLoading; }
+    void cancel(); ///< nothing comes any more
+
+Q_SIGNALS:
+    void isLoadingChanged(bool isLoading);
+    void loaded(const OpenedPicture &picture);
+    void failed(const QString &sentence);
+
+private:
+    using Decode = std::function<OpenedPicture()>;
+
+    void start(const QString &title, const Decode &decode);
+    void finish(quint64 request, const std::function<void()> &tell);
+    void setLoading(bool isLoading);
+
+    int m_longestSide = 0;
+    quint64 m_request = 0;
+    bool m_isLoading = false;
+    QThreadPool m_pool; // last: its tasks end before anything else goes
+};

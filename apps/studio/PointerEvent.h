@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QPointF>
+#include <Qt>
+
+/// What a mouse or a pen does over a picture.
+struct PointerEvent
+{
+    QPointF position;       ///< in pixels of the picture, pixel (0, 0) reaching from 0 to 1
+    QPointF widgetPosition; ///< in pixels of the canvas
+    Qt::MouseButton button = Qt::NoButton;
+    Qt::KeyboardModifiers modifiers = Qt::NoModifier;
+    bool isEraser = false; ///< a pen turned round
+};

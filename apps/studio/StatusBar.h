@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QStatusBar>
+
+class QLabel;
+class QProgressBar;
+class QToolButton;
+
+/// What the current tool does, how far a computation is, the picture's size and the scale.
+class StatusBar : public QStatusBar
+{
+    Q_OBJECT
+
+public:
+    explicit StatusBar(QWidget *parent = nullptr);
+
+    void setHint(const QString &hint);
+    void setPictureSize(const QSize &size, const QSize &cuttingSize);
+    void setZoom(double scale);
+
+    /// A computation begins, whose steps are not known yet.
+    void beginProgress(const QString &what);
+    void setProgress(int currentStep, int totalSteps);
+    void endProgress();
+
+Q_SIGNALS:
+    void cancelRequested();
+
+private:
+    QLabel *const m_hint;
+    QLabel *const m_size;
+    QLabel *const m_zoom;
+    QProgressBar *const m_progress;
+    QToolButton *const m_cancel;
+};

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QIcon>
+
+/// Icons that are drawn, in the colours of the palette and crisp at every size.
+namespace VectorIcon {
+
+enum class Shape {
+    Open,
+    Paste,
+    Undo,
+    Redo,
+    Lasso,
+    Brush,
+    Click,
+    Scribble,
+    ZoomIn,
+    ZoomOut,
+    ZoomFit,
+    ZoomOriginal,
+    Contours,
+    Layers,
+    Hide,
+    Invert,
+    Cancel,
+};
+
+QIcon make(Shape shape);
+
+} // namespace VectorIcon

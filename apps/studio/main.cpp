@@ -1,0 +1,30 @@
+#include "MainWindow.h"
+#include "PaintThreads.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+
+int main(int argc, char *argv[])
+{
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("rycut-studio"));
+    QApplication::setApplicationDisplayName(QStringLiteral("RyCut Studio"));
+    QApplication::setApplicationVersion(QStringLiteral(RY_VERSION));
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+            QApplication::translate("main", "Cuts objects out of photographs."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(QStringLiteral("picture"),
+                                 QApplication::translate("main", "The picture to open."),
+                                 QStringLiteral("[picture]"));
+    parser.process(application);
+
+    PaintThreads::reserve();
+    MainWindow window;
+    window.show();
+    const QStringList arguments = parser.positionalArguments();
+    if (!arguments.isEmpty())
+        window.openFile(arguments.first());
+    return QApplication::exec();
+}

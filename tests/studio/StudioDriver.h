@@ -1,0 +1,115 @@
+#pragma once
+
+#include "Canvas.h"
+#include "MainWindow.h"
+#include "PaintThreads.h"
+
+#include <QAction>
+#include <QMouseEvent>
+#include <QTest>
+#include <QWheelEvent>
+#include <QtMath>
+
+#include <algorithm>
+
+/// A real window, and a hand on its mouse, in pixels of the picture.
+class StudioDriver
+{
+public:
+    static constexpr int patienceMs = 60000;
+
+    StudioDriver()
+    {
+        PaintThreads::reserve(); // as main() does
+        window.show();
+        const bool isExposed = QTest::qWaitForWindowExposed(&window);
+        Q_UNUSED(isExposed)
+    }
+
+    Document &document() { return window.document(); }
+    ToolSet &tools() { return window.tools(); }
+    Canvas &canvas() { return window.canvas(); }
+    QAction &action(const char *id)
+    {
+        const QList<QAction *> actions = window.actions();
+        return **std::find_if(actions.begin(), actions.end(), [id](const QAction *action) {
+            return action->objectName() == QLatin1StringView(id);
+        });
+    }
+
+    /// True when the picture is there.
+    bool open(const QString &fileName)
+    {
+        window.openFile(fileName);
+        return QTest::qWaitFor(
+                [&] { return document().hasPicture() && document().opened().fileName == fileName; },
+                patienceMs);
+    }
+
+    /// True when everything is done and drawn.
+    bool settle()
+    {
+        return QTest::qWaitFor([&] { return !document().isBusy() && canvas().isUpToDate(); },
+                               patienceMs);
+    }
+
+    QPoint onCanvas(const QPointF &point) { return canvas().view().toWidget(point).toPoint(); }
+    void press(const QPointF &point, Qt::MouseButton button = Qt::LeftButton,
+               Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::mousePress(&canvas(), button, modifiers, onCanvas(point));
+    }
+    void release(const QPointF &point, Qt::MouseButton button = Qt::LeftButton)
+    {
+        QTest::mouseRelease(&canvas(), button, {}, onCanvas(point));
+    }
+    void move(const QPointF &point, Qt::MouseButtons held = {})
+    {
+        moveOnCanvas(onCanvas(point), held);
+    }
+    void moveOnCanvas(const QPointF &local, Qt::MouseButtons held)
+    {
+        QMouseEvent event(QEvent::MouseMove, local, canvas().mapToGlobal(local), Qt::NoButton, held,
+                          {});
+        QCoreApplication::sendEvent(&canvas(), &event);
+    }
+    void drag(const QPolygonF &points, Qt::MouseButton button = Qt::LeftButton,
+              Qt::KeyboardModifiers modifiers = {})
+    {
+        press(points.first(), button, modifiers);
+        for (const QPointF &point : points)
+            move(point, button);
+        release(points.last(), button);
+    }
+    void click(const QPointF &point, Qt::MouseButton button = Qt::LeftButton)
+    {
+        press(point, button);
+        release(point, button);
+    }
+    void wheel(const QPointF &point, int steps, Qt::KeyboardModifiers modifiers = {})
+    {
+        const QPointF local = canvas().view().toWidget(point);
+        QWheelEvent event(local, canvas().mapToGlobal(local), {}, {0, 120 * steps}, {}, modifiers,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&canvas(), &event);
+    }
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(&canvas(), key, modifiers);
+    }
+
+    /// The share of the picture that is object.
+    double objectShare()
+    {
+        const QImage mask = document().mask();
+        qint64 count = 0;
+        for (int y = 0; y < mask.height(); ++y) {
+            const auto *const row = reinterpret_cast<const QRgb *>(mask.constScanLine(y));
+            count += std::count_if(row, row + mask.width(),
+                                   [](QRgb pixel) { return qAlpha(pixel) == 0; });
+        }
+        return mask.isNull() ? 0.0 : double(count) / (double(mask.width()) * mask.height());
+    }
+
+    MainWindow window;
+};
