@@ -40,7 +40,7 @@ void describeStep(GestureFields &fields, Gesture::Color &color)
 
 void describeStep(GestureFields &fields, Gesture::Method &method)
 {
-    fields.choice(method.isGraphCut, "graphcut", "classic");
+    fields.choice(method.isGraphCut, "graph", "classic");
 }
 
 void describeStep(GestureFields &fields, Gesture::Seed &seed)
@@ -67,7 +67,7 @@ std::span<const GestureWords::Word> GestureWords::all()
             Word{"paint", "paint fg|bg temporary|final x1 y1 ...", Gesture(Gesture::Paint())},
             Word{"hover", "hover fg|bg x y diameter", Gesture(Gesture::Hover())},
             Word{"color", "color #rrggbb", Gesture(Gesture::Color())},
-            Word{"method", "method graphcut|classic", Gesture(Gesture::Method())},
+            Word{"method", "method graph|classic", Gesture(Gesture::Method())},
             Word{"seed", "seed x y", Gesture(Gesture::Seed())},
             Word{"wire", "wire x y", Gesture(Gesture::Wire())},
             Word{"close", "close", Gesture(Gesture::Close())},

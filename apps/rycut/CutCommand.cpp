@@ -17,6 +17,10 @@ public:
                     u"File with one vertex a line, 'x y' or 'x,y', in picture pixels."_s,
                     u"file"_s},
                    {u"polygon"_s, u"The lasso itself: \"x,y x,y x,y ...\"."_s, u"vertices"_s},
+                   {u"method"_s,
+                    u"How the lasso is cut: graph, by minimum cuts, or classic, by regions whose "
+                    "colours are rarer outside. Default: graph."_s,
+                    u"graph|classic"_s},
                    {u"gestures"_s, u"Session file with gestures that follow the lasso."_s,
                     u"file"_s}})
     {}
@@ -29,7 +33,17 @@ protected:
         options.polygon = value(u"polygon"_s);
         if (isSet(u"lasso"_s) == isSet(u"polygon"_s))
             throwUsage(u"give the lasso with either --lasso or --polygon"_s);
+        options.isGraphCut = isGraphCut();
         options.gesturesFile = fileName(u"gestures"_s);
+    }
+
+private:
+    bool isGraphCut() const
+    {
+        const QString method = isSet(u"method"_s) ? value(u"method"_s) : u"graph"_s;
+        if (method != u"graph"_s && method != u"classic"_s)
+            throwUsage(u"--method: '%1' is neither graph nor classic"_s.arg(method));
+        return method == u"graph"_s;
     }
 };
 

@@ -52,13 +52,15 @@ void checkCanBeWritten(const QPolygonF &lasso)
                                                                                           'f', 0));
 }
 
-/// The mask's colour, the lasso and the file's gestures, in the order in which they are played.
+/// The mask's colour, the method, the lasso and the file's gestures, in the order in which they are played.
 QList<Gesture> gesturesToPlay(const GestureFile &file, const CutOptions &options,
                               const Interruption &interruption)
 {
     QList<Gesture> gestures;
     if (options.maskColour.rgb() != QColor(Qt::white).rgb())
         gestures.append(Gesture(Gesture::Color{options.maskColour}));
+    if (options.isGraphCut)
+        gestures.append(Gesture(Gesture::Method{true}));
     if (!options.lassoFile.isEmpty() || !options.polygon.isEmpty()) {
         const QPolygonF lasso = readLasso(options, interruption);
         if (options.outputs.contains(CutOutput::Session))

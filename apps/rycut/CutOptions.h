@@ -17,6 +17,7 @@ struct CutOptions : PictureOptions
     QString gesturesFile;             ///< or empty
     QMap<CutOutput, QString> outputs; ///< file names
 
+    bool isGraphCut = false; ///< how the lasso is cut, unless the gestures tell otherwise
     bool force = false; ///< takes gestures that were made on another picture
     QColor maskColour = Qt::white;
 };

@@ -51,9 +51,12 @@ public:
     }
 
     double cellsPerUnit() const { return m_pixelsPerUnit / m_cellSize; }
+    /// Of a cell from the border of the whole picture, in units.
+    double unitsToBorder(int column, int row) const;
 
 private:
     QRect m_area;
+    QSize m_picture;
     int m_cellSize = 1;
     double m_pixelsPerUnit = 1.0;
 };

@@ -8,6 +8,9 @@ namespace {
 constexpr float oddsPerUnit = 0.4F;
 constexpr float greatestOdds = 3.0F;
 constexpr float sharePerUnit = 0.35F; // the steepness of the shares, which blur the margin
+// A lasso that runs along the picture's border may hold what the border cuts off, or a strip beside
+// the object that was too narrow to draw in: as if it were drawn so far beyond the border.
+constexpr double unitsBeyondBorder = 14.0;
 constexpr float outermostUnits = 3.0F;
 constexpr float outermostShareOfDepth = 0.25F; // so that small lassos keep something undecided
 constexpr float deepestOutline = 40.0F;        // holes deep inside say nothing about the margin
@@ -43,6 +46,14 @@ void spread(std::vector<float> &values, int columns, int rows, int radius)
                   rows, line);
         }
     }
+}
+
+/// How deep a cell can be taken to lie in view of the picture's border.
+float depthByBorder(const RyReducedPicture &picture, int cell)
+{
+    const RyCutFrame &frame = picture.frame();
+    const double border = frame.unitsToBorder(cell % frame.columns(), cell / frame.columns());
+    return float(border + unitsBeyondBorder);
 }
 
 bool isOutlineOfObject(const std::vector<RyCutSide> &sides, int columns, int rows, int column,
@@ -99,7 +110,8 @@ void RyDepthPrior::setMargins(const RyReducedPicture &picture, std::vector<float
     m_shares.resize(m_margins.size());
     for (int cell = 0; cell < picture.cellCount(); ++cell) {
         const auto at = std::size_t(cell);
-        const float beyond = picture.depth(cell) - m_margins[at];
+        const float beyond =
+                std::min(picture.depth(cell), depthByBorder(picture, cell)) - m_margins[at];
         m_logOdds[at] = std::clamp(oddsPerUnit * beyond, -greatestOdds, greatestOdds);
         m_shares[at] = isOutermost(picture, cell)
                                ? 0.0F

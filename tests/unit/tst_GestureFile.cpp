@@ -43,7 +43,7 @@ void tst_GestureFile::writesWhatItRead_data()
     row("width 3\nscribble fg final 1 2 3 4\nwidth 12\npaint bg temporary 1 2\n");
     row("hover bg 1 2 30\n");
     row("color #ff8000\n");
-    row("method graphcut\nmethod classic\n");
+    row("method graph\nmethod classic\n");
     row("recut\ninvert\nundo\nredo\n");
     row("seed 1 2\nwire 3 4\nclick 9 9\nclose\nseed 5 6\nclose\n");
     row("click +1e1 2.50\n", "click 10 2.5\n");
