@@ -147,7 +147,7 @@ void tst_quality::refusesWhatItCannotMeasure_data()
     QTest::addColumn<QString>("complaint");
     const QString none;
     QTest::newRow("option") << none << QByteArray() << QStringList{u"--methods"_s, u"magic"_s}
-                            << u"'magic' is none of classic"_s;
+                            << u"'magic' is none of graph, classic"_s;
     QTest::newRow("case") << none << QByteArray() << QStringList{u"--cases"_s, u"square"_s}
                           << u"'square' is none of round"_s;
     QTest::newRow("scale") << none << QByteArray() << QStringList{u"--scale"_s, u"0"_s}

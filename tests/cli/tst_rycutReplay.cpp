@@ -84,17 +84,19 @@ void tst_rycutReplay::repeatsASessionOnAnyNumberOfCores()
 void tst_rycutReplay::writesWhatItDid_data()
 {
     QTest::addColumn<QStringList>("options");
-    QTest::addColumn<QByteArray>("colour"); // as the session tells it
-    QTest::newRow("full size") << QStringList() << QByteArray();
-    QTest::newRow("reduced") << QStringList{u"--max-length"_s, u"217"_s} << QByteArray();
+    QTest::addColumn<QByteArray>("settings"); // as the session tells them
+    QTest::newRow("full size") << QStringList() << QByteArray("method graph\n");
+    QTest::newRow("reduced") << QStringList{u"--max-length"_s, u"217"_s}
+                             << QByteArray("method graph\n");
     QTest::newRow("coloured") << QStringList{u"--mask-colour"_s, u"#800000ff"_s}
-                              << QByteArray("color #0000ff\n");
+                              << QByteArray("color #0000ff\nmethod graph\n");
+    QTest::newRow("classic") << QStringList{u"--method"_s, u"classic"_s} << QByteArray();
 }
 
 void tst_rycutReplay::writesWhatItDid()
 {
     QFETCH(QStringList, options);
-    QFETCH(QByteArray, colour);
+    QFETCH(QByteArray, settings);
     const QByteArray gestures =
             "click 300.25 230.1\nwidth 7.3\nscribble bg final 200 200.7 300 250\n"
             "lasso 100 40 500 40 500 360 100 360\nhover fg 200 200 30\n"
@@ -107,8 +109,9 @@ void tst_rycutReplay::writesWhatItDid()
     QCOMPARE(run.status, 0);
     QCOMPARE(run.report()[u"gestures"].toInt(), 5);
     QCOMPARE(run.report()[u"lasso"][u"vertices"].toInt(), 4);
-    QCOMPARE(contents(done), version + pictureLine(coffee, "600x400") + colour + lasso + gestures);
-    const QStringList size = colour.isEmpty() ? options : QStringList();
+    QCOMPARE(contents(done),
+             version + pictureLine(coffee, "600x400") + settings + lasso + gestures);
+    const QStringList size = options.contains(u"--max-length"_s) ? options : QStringList();
     const QString again = hashes(QStringList{u"replay"_s, done, u"-"_s} + size, contents(coffee));
     QCOMPARE(again,
              run.report()[u"mask_sha256"].toString() + run.report()[u"labels_sha256"].toString());

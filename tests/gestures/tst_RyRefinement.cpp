@@ -269,6 +269,7 @@ void tst_RyRefinement::isCalledByName()
                                   "startThreadWithPaintSelectionHover",
                                   "startThreadWithInitialPath",
                                   "startThreadWithClicker",
+                                  "recut",
                                   "setProgressFromWorker",
                                   "resetProgress"};
     QCOMPARE(names, expected);
