@@ -85,8 +85,8 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
-    m_canvas->setTool(nullptr); // the tools and the document go before the canvas does
     m_document.disconnect();
+    delete takeCentralWidget(); // the canvas works on the document, which goes before other widgets
 }
 
 void MainWindow::connectDocument()
