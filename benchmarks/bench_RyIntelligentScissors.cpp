@@ -1,3 +1,4 @@
+#include "ScissorsBenchmark.h"
 #include "scissors/BlockPool.h"
 #include "scissors/RyIntelligentScissors.h"
 #include "scissors/RyIntelligentScissorsWireCalculator.h"
@@ -10,10 +11,6 @@
 
 #include <benchmark/benchmark.h>
 
-#ifdef RY_HAS_OPENCV
-#include <opencv2/imgproc/segmentation.hpp>
-#endif
-
 #include <cmath>
 
 namespace {
@@ -25,12 +22,7 @@ constexpr quint32 everywhere = 1U << 30;
 
 QImage edges(const benchmark::State &state)
 {
-    const QImage photograph(QStringLiteral(RY_SAMPLES_DIR "/coffee.png"));
-    if (photograph.isNull())
-        qFatal("The sample photograph cannot be read from %s", RY_SAMPLES_DIR);
-    return RyScissorsEdgePicture::edgePicture(
-            photograph.scaled(int(state.range(0)), int(state.range(1)), Qt::IgnoreAspectRatio,
-                              Qt::SmoothTransformation));
+    return RyScissorsEdgePicture::edgePicture(ScissorsBenchmark::photograph(state));
 }
 
 /// A grid with a point for each pixel, its weights at hand, and the seed that searches begin from.
@@ -54,14 +46,6 @@ struct Grid
     Weights weights;
     QPoint seed;
 };
-
-void countPoints(benchmark::State &state)
-{
-    const double points = double(state.range(0)) * double(state.range(1)) / 1e6;
-    state.counters["ms_for_a_million_points"] =
-            benchmark::Counter(points * 1e-3, benchmark::Counter::kIsIterationInvariantRate |
-                                                      benchmark::Counter::kInvert);
-}
 
 void waitForWire(const RyIntelligentScissors &scissors, const QPointF &point)
 {
@@ -131,7 +115,7 @@ static void wholeSearch(benchmark::State &state)
         wire.startThread(grid.seed.x(), grid.seed.y(), everywhere);
         wire.wait();
     }
-    countPoints(state);
+    ScissorsBenchmark::countPoints(state);
 }
 BENCHMARK(wholeSearch)
         ->Args({768, 768})
@@ -139,6 +123,28 @@ BENCHMARK(wholeSearch)
         ->Args({6000, 4500})
         ->Unit(benchmark::kMillisecond)
         ->MeasureProcessCPUTime()
+        ->UseRealTime();
+
+/// From a photograph, or from a later seed on it, to a wire to the corner that is farthest away.
+static void farthestCorner(benchmark::State &state)
+{
+    const QImage photograph = ScissorsBenchmark::photograph(state);
+    const QPointF seed(photograph.width() / 3, photograph.height() / 3);
+    const QPointF corner(photograph.width() - 1, photograph.height() - 1);
+    RyIntelligentScissors scissors;
+    scissors.setup(RyScissorsEdgePicture::edgePicture(photograph));
+    for (auto _ : state) {
+        if (state.range(2) == 0)
+            scissors.setup(RyScissorsEdgePicture::edgePicture(photograph));
+        scissors.initializeSeed(seed);
+        waitForWire(scissors, corner);
+    }
+    state.SetLabel(state.range(2) == 0 ? "first seed" : "later seed");
+}
+BENCHMARK(farthestCorner)
+        ->ArgsProduct({{1200}, {800}, {0, 1}})
+        ->ArgsProduct({{4000}, {3000}, {0, 1}})
+        ->Unit(benchmark::kMillisecond)
         ->UseRealTime();
 
 /// The same with a heap of pointers that are exchanged, asked at every step.
@@ -150,7 +156,7 @@ static void wholeSearchWrittenOut(benchmark::State &state)
         benchmark::DoNotOptimize(
                 ReferenceScissors::Search(grid.grey.width(), grid.grey.height(), grid.seed, weight)
                         .order.size());
-    countPoints(state);
+    ScissorsBenchmark::countPoints(state);
 }
 BENCHMARK(wholeSearchWrittenOut)
         ->Args({768, 768})
@@ -200,25 +206,3 @@ static void reducedRow(benchmark::State &state)
     state.SetItemsProcessed(state.iterations() * 2 * width);
 }
 BENCHMARK(reducedRow)->Arg(0)->Arg(1);
-
-#ifdef RY_HAS_OPENCV
-/// Another live wire on the same picture: all paths from one seed, by its own costs.
-static void wholeSearchOpenCv(benchmark::State &state)
-{
-    const QImage picture = edges(state).convertToFormat(QImage::Format_RGB888);
-    const cv::Mat pixels(picture.height(), picture.width(), CV_8UC3,
-                         const_cast<uchar *>(picture.constBits()),
-                         std::size_t(picture.bytesPerLine()));
-    cv::segmentation::IntelligentScissorsMB tool;
-    tool.applyImage(pixels);
-    for (auto _ : state)
-        tool.buildMap({picture.width() / 3, picture.height() / 3});
-    countPoints(state);
-}
-BENCHMARK(wholeSearchOpenCv)
-        ->Args({768, 768})
-        ->Args({1800, 1200})
-        ->Unit(benchmark::kMillisecond)
-        ->MeasureProcessCPUTime()
-        ->UseRealTime();
-#endif

@@ -1,59 +1,105 @@
 #include "graphcut/RyBandCut.h"
 
 #include "graphcut/RyContrastCut.h"
-#include "graphcut/RyDistanceTransform.h"
 #include "graphcut/RyMaskParts.h"
 #include "image/RyConcurrent.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <memory>
 
 namespace {
 
-constexpr double bandUnits = 5.0; // on both sides of the outline
+constexpr double bandUnits = 4.0; // on both sides of the first outline
+constexpr int leastBandCells = 1; // of the level before
 constexpr double sharpness = 1.0;
 
-std::vector<quint8> cellsOf(const std::vector<RyCutSide> &cells, RyCutSide side)
+int sizeOfNextLevel(int cellSize)
 {
-    std::vector<quint8> flags(cells.size());
-    std::transform(cells.begin(), cells.end(), flags.begin(),
-                   [side](RyCutSide cell) { return quint8(cell == side); });
-    return flags;
+    return std::max(1, (cellSize + 1) / 3);
 }
 
-/// What colours say, for the few thousand of them that a band has, five bits a channel.
+/// What colours say, for the few thousand of them that a band has.
 class RatioTable
 {
 public:
     explicit RatioTable(const RyColorModels &models)
         : m_models(models)
-        , m_ratios(std::size_t(1) << (3 * bits), std::numeric_limits<float>::quiet_NaN())
+        , m_ratios(std::size_t(lightnesses) * chromas * chromas,
+                   std::numeric_limits<float>::quiet_NaN())
     {}
 
-    float at(QRgb color)
+    float at(const RyLabColor &color)
     {
-        constexpr int shift = 8 - bits;
-        const int index = ((qRed(color) >> shift) << (2 * bits)) |
-                          ((qGreen(color) >> shift) << bits) | (qBlue(color) >> shift);
-        float &ratio = m_ratios[std::size_t(index)];
-        if (ratio != ratio) {
-            constexpr int keep = 0xFF & ~((1 << shift) - 1);
-            constexpr int middle = 1 << (shift - 1);
-            const QRgb center = qRgb((qRed(color) & keep) + middle, (qGreen(color) & keep) + middle,
-                                     (qBlue(color) & keep) + middle);
-            const RyLabColor lab = RyLabConverter::instance().fromRgb(center);
-            ratio = m_models.logRatio(RyColorBins::inUnits(lab));
+        const int l = std::clamp(color.l / stepsOfLightness, 0, lightnesses - 1);
+        const int a = std::clamp((color.a + offset) / stepsOfChroma, 0, chromas - 1);
+        const int b = std::clamp((color.b + offset) / stepsOfChroma, 0, chromas - 1);
+        float &ratio = m_ratios[std::size_t((l * chromas + a) * chromas + b)];
+        if (std::isnan(ratio)) {
+            const auto middle = [](int place, int steps) {
+                return (float(place) + 0.5F) * float(steps) / float(RyLabColor::stepsPerUnit);
+            };
+            constexpr float center = float(offset) / float(RyLabColor::stepsPerUnit);
+            ratio = m_models.logRatio({middle(l, stepsOfLightness),
+                                       middle(a, stepsOfChroma) - center,
+                                       middle(b, stepsOfChroma) - center});
         }
         return ratio;
     }
 
 private:
-    static constexpr int bits = 5;
+    static constexpr int stepsOfLightness = 2 * RyLabColor::stepsPerUnit;
+    static constexpr int stepsOfChroma = 3 * RyLabColor::stepsPerUnit;
+    static constexpr int offset = 129 * RyLabColor::stepsPerUnit;
+    static constexpr int lightnesses = 51;
+    static constexpr int chromas = 86;
 
     const RyColorModels &m_models;
     std::vector<float> m_ratios;
 };
+
+/// Makes everything undecided that is within some cells, also across corners, of the outline.
+std::vector<RyCutSide> withBand(const std::vector<RyCutSide> &sides, int columns, int rows,
+                                int radius)
+{
+    std::vector<RyCutSide> result = sides;
+    const auto open = [&](int column, int row) {
+        const int left = std::max(column - radius, 0);
+        const int right = std::min(column + radius + 1, columns);
+        for (int y = std::max(row - radius, 0); y < std::min(row + radius + 1, rows); ++y) {
+            const auto line = result.begin() + qsizetype(y) * columns;
+            std::fill(line + left, line + right, RyCutSide::Undecided);
+        }
+    };
+    for (int row = 0; row < rows; ++row) {
+        const RyCutSide *const line = sides.data() + std::size_t(row) * std::size_t(columns);
+        for (int column = 0; column < columns; ++column) {
+            const bool differsRight = column + 1 < columns && line[column] != line[column + 1];
+            const bool differsBelow = row + 1 < rows && line[column] != line[column + columns];
+            if (differsRight || differsBelow)
+                open(column, row);
+        }
+    }
+    return result;
+}
+
+/// The middle pixels of all columns of cells.
+std::vector<int> middlesOf(const RyCutFrame &level)
+{
+    std::vector<int> middles;
+    for (int column = 0; column < level.columns(); ++column)
+        middles.push_back(std::min(level.middleOf(column), level.width() - 1));
+    return middles;
+}
+
+void override(std::vector<RyCutSide> &sides, const std::vector<RyCutSide> &fixed)
+{
+    std::transform(sides.begin(), sides.end(), fixed.begin(), sides.begin(),
+                   [](RyCutSide side, RyCutSide fixedSide) {
+                       return fixedSide == RyCutSide::Undecided ? side : fixedSide;
+                   });
+}
 
 } // namespace
 
@@ -69,124 +115,97 @@ RyBandCut::RyBandCut(const QImage &picture, const QImage &lasso, const RyReduced
 std::vector<RyCutSide> RyBandCut::decided(const std::vector<RyCutSide> &cells,
                                           const RyCutConstraints &constraints) const
 {
-    const RyCutFrame &frame = m_reduced.frame();
-    const QRect area = frame.area();
-    const int width = frame.width();
-    const std::vector<RyCutSide> banded = withBand(cells);
-    std::vector<RyCutSide> sides = enlarged(banded);
-    const auto colors = std::make_unique_for_overwrite<RyLabColor[]>(sides.size());
-    RyConcurrent::forEachIndex(frame.rows(),
-                               [&](qsizetype row) { convertRow(banded, int(row), colors.get()); });
-    const auto readRow = [&](int row, int left, int right, std::vector<RyCutSide> &out) {
-        out.resize(std::size_t(right - left));
-        constraints.read(area.top() + row, area.left() + left, area.left() + right, out.data());
-    };
-    if (!constraints.isEmpty()) {
-        std::vector<RyCutSide> fixed;
-        for (int row = 0; row < frame.height(); ++row) {
-            readRow(row, 0, width, fixed);
-            RyCutSide *const out = sides.data() + std::size_t(row) * std::size_t(width);
-            for (int x = 0; x < width; ++x) {
-                if (fixed[std::size_t(x)] != RyCutSide::Undecided)
-                    out[x] = fixed[std::size_t(x)];
-            }
+    RatioTable table(m_models);
+    const auto ratios = [&table](const RyLabColor &color) { return table.at(color); };
+    RyCutFrame frame = m_reduced.frame();
+    Sides sides = cells;
+    Sides fixed;
+    int radius = std::max(leastBandCells, int(std::lround(bandUnits * frame.cellsPerUnit())));
+    do {
+        const RyCutFrame level = frame.withCells(sizeOfNextLevel(frame.cellSize()));
+        sides = divided(frame, withBand(sides, frame.columns(), frame.rows(), radius), level);
+        if (!constraints.isEmpty()) {
+            fixed = constraints.ofCells(level);
+            override(sides, fixed);
         }
-    }
-    RatioTable ratios(m_models);
-    const auto evidence = [&](int pixel) {
-        const int x = pixel % width;
-        const int y = pixel / width;
-        const auto *const line =
-                reinterpret_cast<const QRgb *>(m_picture.constScanLine(area.top() + y));
-        return ratios.at(line[area.left() + x]) + m_prior.logOdds(frame.cellAt(x, y));
-    };
-    sides = RyContrastCut(std::move(sides), colors.get(), width, frame.height(), sharpness)
-                    .decided(evidence);
+        sides = cutAgain(level, std::move(sides), ratios);
+        frame = level;
+        radius = leastBandCells;
+    } while (frame.cellSize() > 1);
+
     RyMaskParts::IsFixed isFixed;
     if (!constraints.isEmpty()) {
-        isFixed = [&](int row, int left, int right) {
-            std::vector<RyCutSide> fixed;
-            readRow(row, left, right, fixed);
-            return std::any_of(fixed.begin(), fixed.end(),
+        isFixed = [&fixed, width = frame.width()](int row, int left, int right) {
+            const auto line = fixed.begin() + qsizetype(row) * width;
+            return std::any_of(line + left, line + right,
                                [](RyCutSide side) { return side != RyCutSide::Undecided; });
         };
     }
-    RyMaskParts::clean(sides, width, frame.height(), isFixed);
+    RyMaskParts::clean(sides, frame.width(), frame.height(), isFixed);
     return sides;
 }
 
-/// The cells, of which those near the outline are undecided again.
-std::vector<RyCutSide> RyBandCut::withBand(const std::vector<RyCutSide> &cells) const
+/// The sides of a finer level's cells. Outside the lasso nothing is undecided.
+std::vector<RyCutSide> RyBandCut::divided(const RyCutFrame &cells, const Sides &sides,
+                                          const RyCutFrame &level) const
 {
-    const RyCutFrame &frame = m_reduced.frame();
-    const auto reach = float(bandUnits * frame.cellsPerUnit() + 0.5);
-    std::vector<RyCutSide> result = cells;
-    for (const RyCutSide side : {RyCutSide::Object, RyCutSide::Background}) {
-        const std::vector<float> distances =
-                RyDistanceTransform::toSites(cellsOf(cells, side), frame.columns(), frame.rows());
-        for (std::size_t cell = 0; cell < cells.size(); ++cell) {
-            if (cells[cell] != side && distances[cell] < reach)
-                result[cell] = RyCutSide::Undecided;
+    const int columns = level.columns();
+    const std::vector<int> middles = middlesOf(level);
+    Sides result(std::size_t(level.cellCount()));
+    RyConcurrent::forEachIndex(level.rows(), [&](qsizetype row) {
+        const int y = std::min(level.middleOf(int(row)), level.height() - 1);
+        const uchar *const inside = m_lasso.constScanLine(y);
+        const RyCutSide *const line = sides.data() + cells.cellAt(0, y);
+        RyCutSide *const out = result.data() + std::size_t(row) * std::size_t(columns);
+        for (int column = 0; column < columns; ++column) {
+            const int x = middles[std::size_t(column)];
+            const RyCutSide side = line[x / cells.cellSize()];
+            const bool isOutside = side == RyCutSide::Undecided && inside[x] == 0;
+            out[column] = isOutside ? RyCutSide::Background : side;
         }
-    }
+    });
     return result;
 }
 
-/// A pixel for each of the cells' pixels. Outside the lasso nothing is undecided.
-std::vector<RyCutSide> RyBandCut::enlarged(const std::vector<RyCutSide> &cells) const
+std::vector<RyCutSide> RyBandCut::cutAgain(const RyCutFrame &level, Sides sides,
+                                           const Ratios &ratios) const
 {
+    const auto colors = std::make_unique_for_overwrite<RyLabColor[]>(sides.size());
+    RyConcurrent::forEachIndex(
+            level.rows(), [&](qsizetype row) { convertRow(level, sides, int(row), colors.get()); });
     const RyCutFrame &frame = m_reduced.frame();
-    std::vector<RyCutSide> sides(std::size_t(frame.width()) * std::size_t(frame.height()));
-    RyConcurrent::forEachIndex(frame.height(), [&](qsizetype row) {
-        const int y = int(row);
-        const uchar *const inside = m_lasso.constScanLine(y);
-        RyCutSide *const out = sides.data() + std::size_t(row) * std::size_t(frame.width());
-        for (int left = 0; left < frame.width(); left += frame.cellSize()) {
-            const int right = std::min(left + frame.cellSize(), frame.width());
-            const RyCutSide side = cells[std::size_t(frame.cellAt(left, y))];
-            std::fill(out + left, out + right, side);
-            for (int x = left; x < right && side == RyCutSide::Undecided; ++x) {
-                if (inside[x] == 0)
-                    out[x] = RyCutSide::Background;
-            }
-        }
-    });
-    return sides;
+    const auto evidence = [&, columns = level.columns()](int cell) {
+        const int x = std::min(level.middleOf(cell % columns), level.width() - 1);
+        const int y = std::min(level.middleOf(cell / columns), level.height() - 1);
+        return ratios(colors[std::size_t(cell)]) + m_prior.logOdds(frame.cellAt(x, y));
+    };
+    return RyContrastCut(std::move(sides), colors.get(), level.columns(), level.rows(), sharpness)
+            .decided(evidence);
 }
 
-/// The colours of a row of cells, where the band needs them: in undecided cells and next to them.
-void RyBandCut::convertRow(const std::vector<RyCutSide> &cells, int row, RyLabColor *colors) const
+/// The colours of a row of cells, where the band needs them: of undecided ones and of those next to
+/// them.
+void RyBandCut::convertRow(const RyCutFrame &level, const Sides &sides, int row,
+                           RyLabColor *colors) const
 {
-    const RyCutFrame &frame = m_reduced.frame();
-    const RyLabConverter &converter = RyLabConverter::instance();
-    const QRect area = frame.area();
-    const auto isUndecided = [&](int column, int line) {
-        return column >= 0 && line >= 0 && column < frame.columns() && line < frame.rows() &&
-               cells[std::size_t(line * frame.columns() + column)] == RyCutSide::Undecided;
-    };
-    const auto isNeeded = [&](int column) {
-        for (int line = row - 1; line <= row + 1; ++line) {
-            for (int x = column - 1; x <= column + 1; ++x) {
-                if (isUndecided(x, line))
-                    return true;
-            }
+    const int columns = level.columns();
+    std::vector<bool> isNeeded(std::size_t(columns), false);
+    for (int y = std::max(row - 1, 0); y <= std::min(row + 1, level.rows() - 1); ++y) {
+        const auto begin = sides.begin() + qsizetype(y) * columns;
+        const auto end = begin + columns;
+        for (auto at = std::find(begin, end, RyCutSide::Undecided); at != end;
+             at = std::find(at + 1, end, RyCutSide::Undecided)) {
+            const int column = int(at - begin);
+            for (int x = std::max(column - 1, 0); x <= std::min(column + 1, columns - 1); ++x)
+                isNeeded[std::size_t(x)] = true;
         }
-        return false;
-    };
-    const int top = row * frame.cellSize();
-    const int bottom = std::min(top + frame.cellSize(), frame.height());
-    for (int column = 0; column < frame.columns(); ++column) {
-        if (!isNeeded(column))
-            continue;
-        const int left = column * frame.cellSize();
-        const int right = std::min(left + frame.cellSize(), frame.width());
-        for (int y = top; y < bottom; ++y) {
-            const auto *const pixels =
-                    reinterpret_cast<const QRgb *>(m_picture.constScanLine(area.top() + y)) +
-                    area.left();
-            RyLabColor *const out = colors + std::size_t(y) * std::size_t(frame.width());
-            for (int x = left; x < right; ++x)
-                out[x] = converter.fromRgb(pixels[x]);
+    }
+    const RyLabConverter &converter = RyLabConverter::instance();
+    RyLabColor *const out = colors + std::size_t(row) * std::size_t(columns);
+    for (int column = 0; column < columns; ++column) {
+        if (isNeeded[std::size_t(column)]) {
+            out[column] = converter.mean(
+                    m_picture, level.pixelsOf(column, row).translated(level.area().topLeft()));
         }
     }
 }

@@ -8,14 +8,16 @@
 
 #include <QImage>
 
+#include <functional>
 #include <vector>
 
 /**
- * Carries a cut of cells over to the pixels: within a band along its outline every pixel is decided
- * again, at full size.
+ * Carries a cut of cells over to the pixels: within a band along its outline all is decided again,
+ * in cells of a third of the size, until cells are pixels.
  *
  * Source   the boundary refinement of Lazy Snapping (Li, Sun, Tang and Shum, ACM Transactions on
- *          Graphics 23(3), 2004), over the band's pixels instead of a polygon's.
+ *          Graphics 23(3), 2004), over a band's pixels instead of a polygon's, from level to level
+ *          as in banded graph cuts (Lombaert, Sun, Grady and Xu, ICCV 2005).
  * Threads  fans out over the global pool.
  */
 class RyBandCut
@@ -30,9 +32,12 @@ public:
                                    const RyCutConstraints &constraints) const;
 
 private:
-    std::vector<RyCutSide> withBand(const std::vector<RyCutSide> &cells) const;
-    std::vector<RyCutSide> enlarged(const std::vector<RyCutSide> &cells) const;
-    void convertRow(const std::vector<RyCutSide> &cells, int row, RyLabColor *colors) const;
+    using Sides = std::vector<RyCutSide>;
+    using Ratios = std::function<float(const RyLabColor &color)>;
+
+    Sides divided(const RyCutFrame &cells, const Sides &sides, const RyCutFrame &level) const;
+    Sides cutAgain(const RyCutFrame &level, Sides sides, const Ratios &ratios) const;
+    void convertRow(const RyCutFrame &level, const Sides &sides, int row, RyLabColor *colors) const;
 
     const QImage &m_picture;
     const QImage &m_lasso;

@@ -146,28 +146,17 @@ void RyContrastCut::connectRow(const Plane &plane, const std::vector<int> &weigh
     }
 }
 
-std::vector<RyCutSide> RyContrastCut::decided(const Evidence &evidence) const &
+std::vector<RyCutSide> RyContrastCut::decided(const Evidence &evidence)
 {
-    RyPixelFlow flow = m_flow;
-    return decided(flow, m_sides, evidence);
-}
-
-std::vector<RyCutSide> RyContrastCut::decided(const Evidence &evidence) &&
-{
-    return decided(m_flow, std::move(m_sides), evidence);
-}
-
-std::vector<RyCutSide> RyContrastCut::decided(RyPixelFlow &flow, std::vector<RyCutSide> sides,
-                                              const Evidence &evidence) const
-{
-    for (int node = 0; node < flow.nodeCount(); ++node) {
+    for (int node = 0; node < m_flow.nodeCount(); ++node) {
         const double own = unit * double(evidence(m_pixels[std::size_t(node)]));
-        flow.setTerminal(node, int(std::lround(own)) + m_pulls[std::size_t(node)]);
+        m_flow.setTerminal(node, int(std::lround(own)) + m_pulls[std::size_t(node)]);
     }
-    flow.run();
-    for (int node = 0; node < flow.nodeCount(); ++node) {
+    m_flow.run();
+    std::vector<RyCutSide> sides = m_sides;
+    for (int node = 0; node < m_flow.nodeCount(); ++node) {
         sides[std::size_t(m_pixels[std::size_t(node)])] =
-                flow.isObject(node) ? RyCutSide::Object : RyCutSide::Background;
+                m_flow.isObject(node) ? RyCutSide::Object : RyCutSide::Background;
     }
     return sides;
 }

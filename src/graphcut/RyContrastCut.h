@@ -18,7 +18,7 @@
  *
  * Source   GrabCut (Rother, Kolmogorov and Blake, ACM Transactions on Graphics 23(3), 2004), with
  *          the contrast term of Boykov and Jolly, ICCV 2001.
- * Threads  construction fans out over the global pool; immutable afterwards, until it is used up.
+ * Threads  both calls fan out over the global pool; one object for one thread at a time.
  */
 class RyContrastCut
 {
@@ -31,16 +31,13 @@ public:
     /// Positive evidence of a pixel, given by its index, speaks for the object.
     using Evidence = std::function<float(int pixel)>;
 
-    /// The sides, with all pixels decided.
-    std::vector<RyCutSide> decided(const Evidence &evidence) const &;
-    /// The same, using the graph up.
-    std::vector<RyCutSide> decided(const Evidence &evidence) &&;
+    /// The sides, with all pixels decided. May be called again for other evidence, which takes less
+    /// time than the first call.
+    std::vector<RyCutSide> decided(const Evidence &evidence);
 
 private:
     struct Plane;
 
-    std::vector<RyCutSide> decided(RyPixelFlow &flow, std::vector<RyCutSide> sides,
-                                   const Evidence &evidence) const;
     void numberNodes();
     double meanContrast(const Plane &plane) const;
     void connectRow(const Plane &plane, const std::vector<int> &weights, double steps, int row);

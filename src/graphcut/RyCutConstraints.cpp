@@ -64,3 +64,28 @@ void RyCutConstraints::read(int row, int left, int right, RyCutSide *out) const
             std::memcpy(out + (x - left), tile.constData() + place, std::size_t(count));
     });
 }
+
+std::vector<RyCutSide> RyCutConstraints::ofCells(const RyCutFrame &frame) const
+{
+    const QRect area = frame.area();
+    std::vector<RyCutSide> sides(std::size_t(frame.cellCount()), RyCutSide::Undecided);
+    std::vector<RyCutSide> line(std::size_t(area.width()));
+    for (int row = 0; row < frame.rows(); ++row) {
+        std::vector<int> balance(std::size_t(frame.columns()), 0);
+        const QRect pixels = frame.pixelsOf(0, row);
+        for (int y = pixels.top(); y <= pixels.bottom(); ++y) {
+            read(area.top() + y, area.left(), area.left() + area.width(), line.data());
+            for (int x = 0; x < area.width(); ++x) {
+                const auto column = std::size_t(x / frame.cellSize());
+                balance[column] += line[std::size_t(x)] == RyCutSide::Object;
+                balance[column] -= line[std::size_t(x)] == RyCutSide::Background;
+            }
+        }
+        RyCutSide *const out = sides.data() + std::size_t(row) * balance.size();
+        for (std::size_t column = 0; column < balance.size(); ++column) {
+            if (balance[column] != 0)
+                out[column] = balance[column] > 0 ? RyCutSide::Object : RyCutSide::Background;
+        }
+    }
+    return sides;
+}

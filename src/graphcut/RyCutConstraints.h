@@ -1,10 +1,13 @@
 #pragma once
 
+#include "graphcut/RyCutFrame.h"
 #include "graphcut/RyCutSide.h"
 
 #include <QByteArray>
 #include <QList>
 #include <QSize>
+
+#include <vector>
 
 /**
  * Which pixels of a picture a user has put on a side, for good.
@@ -34,6 +37,10 @@ public:
     void fix(int row, int left, int right, bool isForeground);
     /// Fills out[0 … right - left); undecided where nothing is fixed.
     void read(int row, int left, int right, RyCutSide *out) const;
+
+    /// The sides of a frame's cells: a cell is on the side that most of what is fixed in it is on, and
+    /// undecided where nothing is, or as much on both.
+    std::vector<RyCutSide> ofCells(const RyCutFrame &frame) const;
 
     friend bool operator==(const RyCutConstraints &, const RyCutConstraints &) = default;
 

@@ -32,6 +32,24 @@ public:
     /// Of a pixel of the area, from its top left corner.
     int cellAt(int x, int y) const { return y / m_cellSize * columns() + x / m_cellSize; }
 
+    /// Of a cell, from the area's top left corner.
+    QRect pixelsOf(int column, int row) const
+    {
+        return QRect(column * m_cellSize, row * m_cellSize, m_cellSize, m_cellSize) &
+               QRect(0, 0, width(), height());
+    }
+
+    /// Where the middle of a cell lies, along a row or a column of cells.
+    int middleOf(int place) const { return place * m_cellSize + m_cellSize / 2; }
+
+    /// The same area, divided otherwise.
+    RyCutFrame withCells(int cellSize) const
+    {
+        RyCutFrame frame = *this;
+        frame.m_cellSize = cellSize;
+        return frame;
+    }
+
     double cellsPerUnit() const { return m_pixelsPerUnit / m_cellSize; }
 
 private:

@@ -16,7 +16,7 @@ constexpr float weightOfColors = 0.7F;
 constexpr double sharpness = 0.6;
 
 /// Decides all undecided cells by colour, depth and contrast.
-std::vector<RyCutSide> decide(const RyContrastCut &graph, const RyColorBins &bins,
+std::vector<RyCutSide> decide(RyContrastCut &graph, const RyColorBins &bins,
                               const RyColorModels &models, const RyDepthPrior &prior)
 {
     std::vector<float> ratios;
@@ -37,8 +37,8 @@ RyGraphCut::RyGraphCut(const QImage &picture, const RyCutFrame &frame, const QIm
     , m_prior(m_reduced, RyLassoMargin(m_reduced, m_bins).units())
     , m_models(firstModels())
 {
-    const RyContrastCut graph(undecided(), m_reduced.colors().data(), frame.columns(), frame.rows(),
-                              sharpness);
+    RyContrastCut graph(undecided(), m_reduced.colors().data(), frame.columns(), frame.rows(),
+                        sharpness);
     m_cells = decide(graph, m_bins, m_models, m_prior);
     for (int refit = 0; refit < refits; ++refit) {
         m_prior.follow(m_reduced, m_cells);
@@ -98,15 +98,15 @@ std::vector<RyCutSide> RyGraphCut::cut(const RyCutConstraints &constraints) cons
         const RyBandCut band(m_picture, m_lasso, m_reduced, m_models, m_prior);
         return band.decided(cleaned(m_cells, nullptr), constraints);
     }
-    const Sides fixed = fixedCells(constraints);
+    const Sides fixed = constraints.ofCells(frame());
     Sides start = undecided();
     Sides cells = m_cells;
     for (std::size_t cell = 0; cell < fixed.size(); ++cell) {
         if (fixed[cell] != RyCutSide::Undecided)
             start[cell] = cells[cell] = fixed[cell];
     }
-    const RyContrastCut graph(std::move(start), m_reduced.colors().data(), frame().columns(),
-                              frame().rows(), sharpness);
+    RyContrastCut graph(std::move(start), m_reduced.colors().data(), frame().columns(),
+                        frame().rows(), sharpness);
     RyColorModels models;
     for (int refit = 0; refit <= refitsToConstraints; ++refit) {
         models = modelsOf(cells);
@@ -114,27 +114,6 @@ std::vector<RyCutSide> RyGraphCut::cut(const RyCutConstraints &constraints) cons
     }
     const RyBandCut band(m_picture, m_lasso, m_reduced, models, m_prior);
     return band.decided(cleaned(std::move(cells), &fixed), constraints);
-}
-
-/// Cells with constraints are on the side that most of these are on.
-RyGraphCut::Sides RyGraphCut::fixedCells(const RyCutConstraints &constraints) const
-{
-    const QRect area = frame().area();
-    Sides fixed(std::size_t(m_reduced.cellCount()), RyCutSide::Undecided);
-    std::vector<int> balance(fixed.size(), 0);
-    Sides row(std::size_t(area.width()));
-    for (int y = 0; y < area.height(); ++y) {
-        constraints.read(area.top() + y, area.left(), area.left() + area.width(), row.data());
-        for (int x = 0; x < area.width(); ++x) {
-            const RyCutSide side = row[std::size_t(x)];
-            if (side == RyCutSide::Undecided)
-                continue;
-            const auto cell = std::size_t(frame().cellAt(x, y));
-            balance[cell] += side == RyCutSide::Object ? 1 : -1;
-            fixed[cell] = balance[cell] > 0 ? RyCutSide::Object : RyCutSide::Background;
-        }
-    }
-    return fixed;
 }
 
 /// Without crumbs and pinholes; where nothing would be left, the lasso shrunk by its margin.
@@ -162,17 +141,14 @@ RyGraphCut::Sides RyGraphCut::cleaned(Sides cells, const Sides *fixed) const
 /// Of a lasso too thin for a cell: all that it covers.
 RyGraphCut::Sides RyGraphCut::sidesOfLasso(const RyCutConstraints &constraints) const
 {
-    const QRect area = frame().area();
-    Sides sides(std::size_t(area.width()) * std::size_t(area.height()));
-    Sides fixed(std::size_t(area.width()));
-    for (int y = 0; y < area.height(); ++y) {
-        constraints.read(area.top() + y, area.left(), area.left() + area.width(), fixed.data());
+    const RyCutFrame pixels = frame().withCells(1);
+    Sides sides = constraints.ofCells(pixels);
+    for (int y = 0; y < pixels.height(); ++y) {
         const uchar *const inside = m_lasso.constScanLine(y);
-        for (int x = 0; x < area.width(); ++x) {
-            RyCutSide &side = sides[std::size_t(y) * std::size_t(area.width()) + std::size_t(x)];
-            side = inside[x] != 0 ? RyCutSide::Object : RyCutSide::Background;
-            if (fixed[std::size_t(x)] != RyCutSide::Undecided)
-                side = fixed[std::size_t(x)];
+        RyCutSide *const row = sides.data() + std::size_t(y) * std::size_t(pixels.width());
+        for (int x = 0; x < pixels.width(); ++x) {
+            if (row[x] == RyCutSide::Undecided)
+                row[x] = inside[x] != 0 ? RyCutSide::Object : RyCutSide::Background;
         }
     }
     return sides;

@@ -49,7 +49,6 @@ private:
     RyColorModels firstModels() const;
     RyColorModels modelsOf(const Sides &cells) const;
     Sides undecided() const;
-    Sides fixedCells(const RyCutConstraints &constraints) const;
     Sides cleaned(Sides cells, const Sides *fixed) const;
     Sides sidesOfLasso(const RyCutConstraints &constraints) const;
 

@@ -63,3 +63,21 @@ RyLabColor RyLabConverter::fromLinear(float red, float green, float blue) const
     const float z = lightness(dot(zOfRgb, red, green, blue));
     return {inSteps(116.0F * y - 16.0F), inSteps(500.0F * (x - y)), inSteps(200.0F * (y - z))};
 }
+
+RyLabColor RyLabConverter::mean(const QImage &picture, const QRect &pixels) const
+{
+    float red = 0.0F;
+    float green = 0.0F;
+    float blue = 0.0F;
+    for (int y = pixels.top(); y <= pixels.bottom(); ++y) {
+        const auto *const row =
+                reinterpret_cast<const QRgb *>(picture.constScanLine(y)) + pixels.left();
+        for (int x = 0; x < pixels.width(); ++x) {
+            red += m_linear[qRed(row[x])];
+            green += m_linear[qGreen(row[x])];
+            blue += m_linear[qBlue(row[x])];
+        }
+    }
+    const float share = 1.0F / (float(pixels.width()) * float(pixels.height()));
+    return fromLinear(red * share, green * share, blue * share);
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QRect>
 #include <QtGlobal>
 
 /**
@@ -37,16 +38,17 @@ class RyLabConverter
 public:
     static const RyLabConverter &instance();
 
-    /// Of an 8-bit channel: 0 … 1.
-    float linear(int channel) const { return m_linear[channel]; }
-    RyLabColor fromLinear(float red, float green, float blue) const;
     RyLabColor fromRgb(QRgb color) const
     {
-        return fromLinear(linear(qRed(color)), linear(qGreen(color)), linear(qBlue(color)));
+        return fromLinear(m_linear[qRed(color)], m_linear[qGreen(color)], m_linear[qBlue(color)]);
     }
+    /// The mean of some pixels, taken in linear light. The rectangle has pixels and lies in the
+    /// picture, which has 32 bits a pixel.
+    RyLabColor mean(const QImage &picture, const QRect &pixels) const;
 
 private:
     RyLabConverter();
+    RyLabColor fromLinear(float red, float green, float blue) const;
     float lightness(float ratio) const;
 
     static constexpr int rootCount = 4096;

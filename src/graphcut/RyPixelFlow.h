@@ -12,12 +12,14 @@
  * Directions count clockwise from the right: 0 right, 2 below, 4 left, 6 above, odd ones between.
  * An edge is told to both of its nodes. Sums of a node's capacities have to stay below 2^31.
  *
- * Output   of the minimum cuts the one with the fewest object nodes.
+ * Output   of the minimum cuts the one with the fewest object nodes. There is only one such cut, so
+ *          it is the same whatever order paths are found in.
  * Source   the augmenting paths with two search trees of Boykov and Kolmogorov, IEEE TPAMI 26(9),
- *          2004, with time stamps and distances to the terminals for shorter paths.
+ *          2004, with time stamps and distances to the terminals for shorter paths. Large graphs are
+ *          searched in parts first, side by side, and then as a whole (Liu and Sun, CVPR 2010).
  * Errors   std::bad_alloc.
  * Threads  connect() and setTerminal() of different nodes may run at the same time, otherwise one
- *          object for one thread.
+ *          object for one thread; run() fans out over the global pool.
  */
 class RyPixelFlow
 {
@@ -35,9 +37,16 @@ public:
         m_capacities[std::size_t(node)][std::size_t(direction)] = capacity;
     }
     /// Positive weights pull towards the object, negative ones towards the background.
-    void setTerminal(int node, int weight) { m_nodes[std::size_t(node)].terminal = weight; }
+    void setTerminal(int node, int weight)
+    {
+        Node &it = m_nodes[std::size_t(node)];
+        it.terminal += weight - it.weight;
+        it.weight = weight;
+    }
 
-    /// Uses up capacities and terminals: a copy of the graph, made before, can be cut again.
+    /// May be called again after other weights were set: it takes up what has flown already, which
+    /// is most of the work (Kohli and Torr, IEEE TPAMI 29(12), 2007). Nodes that are near each other
+    /// should have numbers that are.
     void run();
 
     /// After run().
@@ -46,10 +55,12 @@ public:
         const Node &it = m_nodes[std::size_t(node)];
         return it.parent != noParent && !it.inBackgroundTree;
     }
-    /// What the cut severs, the weights of terminals included; for tests.
+    /// What the first run's cut severs, the weights of terminals included; for tests.
     std::int64_t flow() const { return m_flow; }
 
 private:
+    class Search;
+
     using Ints = std::array<std::int32_t, directionCount>;
 
     // A node's parent: a direction, or one of these.
@@ -58,11 +69,11 @@ private:
     static constexpr std::uint8_t noParent = 10;
 
     static constexpr std::int32_t notQueued = -1;
-    static constexpr std::int32_t unreachable = std::numeric_limits<std::int32_t>::max();
 
     struct Node
     {
-        std::int32_t terminal = 0;     // what is left of the edge to the terminal
+        std::int32_t weight = 0;       // of the edge to the terminal
+        std::int32_t terminal = 0;     // what is left of it
         std::int32_t stamp = 0;        // when the distance was right
         std::int32_t distance = 0;     // to the terminal, in nodes
         std::int32_t next = notQueued; // in the queue of active nodes; the last one names itself
@@ -70,40 +81,9 @@ private:
         bool inBackgroundTree = false;
     };
 
-    struct Queue
-    {
-        std::int32_t first = notQueued;
-        std::int32_t last = notQueued;
-    };
-
-    struct Meeting // of the two trees
-    {
-        std::int32_t node = -1; // in the object's tree
-        int direction = 0;      // of its neighbour in the background's
-    };
-
-    void plantTrees();
-    void activate(std::int32_t node);
-    std::int32_t takeActive();
-    Meeting grow(std::int32_t node);
-    std::int32_t residualTowards(std::int32_t node, int direction, bool inBackgroundTree) const;
-    std::int32_t bottleneck(const Meeting &meeting) const;
-    void augment(const Meeting &meeting);
-    void makeOrphan(std::int32_t node);
-    void adopt(std::int32_t node);
-    std::int32_t distanceToTerminal(std::int32_t node) const;
-    void stampPath(std::int32_t node, std::int32_t distance);
-    void abandon(std::int32_t node);
-    std::int32_t parentOf(std::int32_t node) const;
-
     const int m_nodeCount;
-    // One row more than nodes: the neighbour that is none, which nothing can flow to.
-    std::vector<Ints> m_neighbours;
+    std::vector<Ints> m_neighbours; // the number of nodes stands for none
     std::vector<Ints> m_capacities; // what is left of them
     std::vector<Node> m_nodes;
-    Queue m_current; // of active nodes
-    Queue m_coming;
-    std::vector<std::int32_t> m_orphans;
-    std::int32_t m_time = 0;
     std::int64_t m_flow = 0;
 };

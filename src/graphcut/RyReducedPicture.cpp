@@ -20,34 +20,17 @@ RyReducedPicture::RyReducedPicture(const QImage &picture, const RyCutFrame &fram
 void RyReducedPicture::reduceRow(const QImage &picture, const QImage &lasso, int row)
 {
     const RyLabConverter &converter = RyLabConverter::instance();
-    const QRect area = m_frame.area();
-    const int size = m_frame.cellSize();
-    const int top = row * size;
-    const int bottom = std::min(top + size, area.height());
     for (int column = 0; column < m_frame.columns(); ++column) {
-        const int left = column * size;
-        const int right = std::min(left + size, area.width());
-        float red = 0.0F;
-        float green = 0.0F;
-        float blue = 0.0F;
+        const QRect pixels = m_frame.pixelsOf(column, row);
         int covered = 0;
-        for (int y = top; y < bottom; ++y) {
-            const auto *const pixels =
-                    reinterpret_cast<const QRgb *>(picture.constScanLine(area.top() + y)) +
-                    area.left();
+        for (int y = pixels.top(); y <= pixels.bottom(); ++y) {
             const uchar *const inside = lasso.constScanLine(y);
-            for (int x = left; x < right; ++x) {
-                red += converter.linear(qRed(pixels[x]));
-                green += converter.linear(qGreen(pixels[x]));
-                blue += converter.linear(qBlue(pixels[x]));
+            for (int x = pixels.left(); x <= pixels.right(); ++x)
                 covered += inside[x] != 0;
-            }
         }
-        const int count = (right - left) * (bottom - top);
-        const float share = 1.0F / float(count);
         const auto cell = std::size_t(row) * std::size_t(m_frame.columns()) + std::size_t(column);
-        m_colors[cell] = converter.fromLinear(red * share, green * share, blue * share);
-        m_inside[cell] = 2 * covered > count;
+        m_colors[cell] = converter.mean(picture, pixels.translated(m_frame.area().topLeft()));
+        m_inside[cell] = 2 * covered > pixels.width() * pixels.height();
     }
 }
 

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <new>
 #include <vector>
 
@@ -38,6 +39,19 @@ Source::Format format(const uchar *data, Calculator::DataFormat dataFormat)
 int asProgress(quint64 units)
 {
     return int(std::min<quint64>(units, std::numeric_limits<int>::max()));
+}
+
+/// Without memory when that is short.
+Blocks::Content makeContent(quint32 width, quint32 height)
+{
+    constexpr std::size_t tile = RyScissorsTiles::side * RyScissorsTiles::side;
+    const std::size_t bytes = RyScissorsTiles::count(width, height);
+    std::size_t space = bytes + tile - 1;
+    void *const memory = BlockPool::get(space);
+    void *aligned = memory;
+    if (memory)
+        std::align(tile, bytes, aligned, space);
+    return {memory, static_cast<uchar *>(aligned), width, height};
 }
 
 void copyToTiles(const uchar *weights, const Blocks::Content &content, quint32 row)
@@ -235,14 +249,10 @@ void RyIntelligentScissorsWeightCalculator::calculateBlock(quint32 index)
     const quint32 bottom = std::min(top + Blocks::side, m_source->blankFromRow());
     if (right <= left || bottom <= top || m_source->format == Source::Format::None)
         return m_blocks->publish(index, {});
-    const quint32 width = right - left;
-    const quint32 height = bottom - top;
-    const Blocks::Content content{
-            static_cast<uchar *>(BlockPool::get(RyScissorsTiles::count(width, height))), width,
-            height};
-    if (content.weights && fill(content, left, top))
+    const Blocks::Content content = makeContent(right - left, bottom - top);
+    if (content.memory && fill(content, left, top))
         return m_blocks->publish(index, content);
-    BlockPool::returnBlock(content.weights);
+    BlockPool::returnBlock(content.memory);
     m_blocks->giveUp(index);
 }
 

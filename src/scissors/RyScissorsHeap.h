@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-#include <array>
+#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -10,16 +10,19 @@
  * The open points of a search, the cheapest first: RyPointPriorityQueue's order to the last point,
  * for a search that asks for nothing else.
  *
- * Input    points with 32-bit costs. insert() names a slot, by which the point is found again.
+ * Input    points with 32-bit costs. A point is found again by the slot that insert() gives it.
  * Output   of several equal costs the one that a plain binary heap would give.
  * Source   binary heap, as Dijkstra's method wants it (Numer. Math. 1, 1959).
  * Errors   std::bad_alloc.
  * Threads  its owner's.
  *
- * Entries are 8 bytes, and move into a hole instead of being exchanged, which ends in the same
- * layout. Where a point lies in the heap is kept by slot, not by point: the some thousand slots of
- * a front stay in the cache, points lie all over the grid. The entries beyond the end of the heap
- * keep the free slots.
+ * Entries move into a hole instead of being exchanged, which ends in the same layout. Costs have an
+ * array of their own: they alone decide where to go next, and those of a front fit the first cache.
+ * Where a point lies in the heap is kept by slot, not by point: the some thousand slots of a front
+ * stay in the cache, points lie all over the grid.
+ *
+ * Indices begin with 1, so that the children of i are 2i and 2i + 1, and its four grandchildren
+ * never lie across two lines of the cache.
  */
 class RyScissorsHeap
 {
@@ -32,84 +35,66 @@ public:
 
     bool isEmpty() const { return m_count == 0; }
 
-    /// What takeCheapest() would give now, if the heap is not empty; else any point of before.
-    Point cheapest() const { return m_points[m_heap[0].slot]; }
+    /// The heap must not be empty; else some point of before, if there ever was one.
+    Point cheapest() const { return m_points[m_slots[root]]; }
+    quint32 lowestCost() const { return m_costs[root]; }
+
+    /// Whether decrease() would lower the cost of the slot's point. Every slot that was ever given
+    /// may be asked for, and slot 0 once any was; for one that is free the answer means nothing.
+    bool isAbove(quint32 slot, quint32 cost) const { return m_costs[m_positions[slot]] > cost; }
 
     quint32 insert(Point point, quint32 cost)
     {
         if (m_count == m_points.size())
             grow();
-        const quint32 slot = m_heap[m_count].slot;
+        const quint32 slot = m_slots[++m_count];
         m_points[slot] = point;
-        rise(m_count++, {cost, slot});
+        rise(m_count, cost, slot);
         return slot;
     }
 
-    /// Lowers the cost of the slot's point; false when it is not higher.
-    bool decrease(quint32 slot, quint32 cost)
-    {
-        const quint32 index = m_positions[slot];
-        if (m_heap[index].cost <= cost)
-            return false;
-        rise(index, {cost, slot});
-        return true;
-    }
+    /// isAbove(slot, cost) must be true.
+    void decrease(quint32 slot, quint32 cost) { rise(m_positions[slot], cost, slot); }
 
     /// The heap must not be empty.
-    std::pair<Point, quint32> takeCheapest()
+    void removeCheapest()
     {
-        const Entry root = m_heap[0];
-        const Point point = m_points[root.slot];
-        const Entry last = m_heap[--m_count];
-        m_heap[m_count].slot = root.slot; // free from now on
-        if (m_count > 0)
-            sink(last);
-        return {point, root.cost};
+        const quint32 cost = m_costs[m_count];
+        const quint32 slot = std::exchange(m_slots[m_count], m_slots[root]); // free from now on
+        if (--m_count > 0)
+            sink(cost, slot);
     }
 
     void clear() { m_count = 0; }
 
 private:
-    struct Entry
-    {
-        quint32 cost;
-        quint32 slot;
-    };
-    /// A line of the cache. The root lies second in the first one: then the eight entries three
-    /// levels below any entry share a line.
-    struct alignas(64) Line
-    {
-        std::array<Entry, 8> entries;
-    };
+    static constexpr quint32 root = 1;
 
-    void grow()
+    [[gnu::noinline, gnu::cold]] void grow()
     {
-        const std::size_t capacity = m_points.empty() ? 4095 : 2 * m_points.size() + 1;
+        const std::size_t used = m_points.size();
+        const std::size_t capacity = used == 0 ? 4095 : 2 * used + 1;
+        m_costs.resize(capacity + 1);
         m_positions.resize(capacity);
-        m_lines.resize((capacity + 1) / 8);
-        m_heap = m_lines.front().entries.data() + 1;
-        for (std::size_t slot = m_points.size(); slot < capacity; ++slot)
-            m_heap[slot].slot = quint32(slot);
-        m_points.resize(capacity);
+        m_slots.resize(capacity + 1);
+        std::iota(m_slots.begin() + std::ptrdiff_t(used) + 1, m_slots.end(), quint32(used));
+        m_points.resize(capacity); // last: its size tells how far all of them have grown
     }
 
-    void put(quint32 index, Entry entry)
+    void put(quint32 index, quint32 cost, quint32 slot)
     {
-        m_heap[index] = entry;
-        m_positions[entry.slot] = index;
+        m_costs[index] = cost;
+        m_slots[index] = slot;
+        m_positions[slot] = index;
     }
+    void move(quint32 from, quint32 to) { put(to, m_costs[from], m_slots[from]); }
 
     /// An entry never rises past an equal one.
-    void rise(quint32 index, Entry entry)
+    void rise(quint32 index, quint32 cost, quint32 slot)
     {
-        while (index > 0) {
-            const quint32 parent = (index - 1) / 2;
-            if (m_heap[parent].cost <= entry.cost)
-                break;
-            put(index, m_heap[parent]);
-            index = parent;
-        }
-        put(index, entry);
+        for (; index > root && m_costs[index / 2] > cost; index /= 2)
+            move(index / 2, index);
+        put(index, cost, slot);
     }
 
     /// From the root, whose place is free, past the cheaper of two children, the left when they are
@@ -118,52 +103,49 @@ private:
     /// Two levels at a time: which child is cheaper cannot be foretold, so the processor has to wait
     /// for it before it knows where to look next, and it waits half as often when it has looked at
     /// all four grandchildren by then.
-    void sink(Entry entry)
+    void sink(quint32 cost, quint32 slot)
     {
-        quint32 hole = 0;
-        while (4 * hole + 6 < m_count) {
-            const Entry *const children = m_heap + 2 * hole + 1;
-            const Entry *const grandchildren = m_heap + 4 * hole + 3;
+        quint32 hole = root;
+        while (4 * quint64(hole) + 3 <= m_count) {
+            const quint32 *const grandchildren = &m_costs[4 * hole];
             const quint32 underLeft = isSecondCheaper(grandchildren);
-            const quint32 underRight = 2 + isSecondCheaper(grandchildren + 2);
-            const quint32 isRight = isSecondCheaper(children);
-            const quint32 child = 2 * hole + 1 + isRight;
+            const quint32 underRight = isSecondCheaper(grandchildren + 2);
+            const quint32 isRight = isSecondCheaper(&m_costs[2 * hole]);
             // Chosen without a branch, whatever the compiler makes of a conditional expression.
             const quint32 under = underLeft ^ ((underLeft ^ underRight) & (0U - isRight));
-            const quint32 grandchild = 4 * hole + 3 + under;
-            if (m_heap[child].cost >= entry.cost)
-                return put(hole, entry);
-            put(hole, m_heap[child]);
-            if (m_heap[grandchild].cost >= entry.cost)
-                return put(child, entry);
-            put(child, m_heap[grandchild]);
+            const quint32 child = 2 * hole + isRight;
+            const quint32 grandchild = 2 * child + under;
+            if (m_costs[child] >= cost)
+                return put(hole, cost, slot);
+            move(child, hole);
+            if (m_costs[grandchild] >= cost)
+                return put(child, cost, slot);
+            move(grandchild, child);
             hole = grandchild;
         }
-        sinkNearLeaves(hole, entry);
+        sinkNearLeaves(hole, cost, slot);
     }
 
-    void sinkNearLeaves(quint32 hole, Entry entry)
+    void sinkNearLeaves(quint32 hole, quint32 cost, quint32 slot)
     {
-        for (quint32 child = 2 * hole + 1; child < m_count; child = 2 * hole + 1) {
-            if (child + 1 < m_count)
-                child += isSecondCheaper(m_heap + child);
-            if (m_heap[child].cost >= entry.cost)
+        for (quint32 child = 2 * hole; child <= m_count; child = 2 * hole) {
+            if (child < m_count)
+                child += isSecondCheaper(&m_costs[child]);
+            if (m_costs[child] >= cost)
                 break;
-            put(hole, m_heap[child]);
+            move(child, hole);
             hole = child;
         }
-        put(hole, entry);
+        put(hole, cost, slot);
     }
 
-    static quint32 isSecondCheaper(const Entry *pair)
-    {
-        return pair[1].cost < pair[0].cost ? 1 : 0;
-    }
+    static quint32 isSecondCheaper(const quint32 *pair) { return pair[1] < pair[0] ? 1 : 0; }
 
-    std::vector<Line> m_lines;
-    Entry *m_heap =
-            nullptr; // in m_lines: a permutation of all slots, the first m_count in the heap
-    std::vector<quint32> m_positions; // by slot
-    std::vector<Point> m_points;      // by slot
+    // By index; index 0 is not used.
+    std::vector<quint32> m_costs;
+    std::vector<quint32> m_slots; // a permutation: those beyond m_count are free
+    // By slot.
+    std::vector<quint32> m_positions;
+    std::vector<Point> m_points;
     quint32 m_count = 0;
 };

@@ -4,6 +4,7 @@
 #include "scissors/RyIntelligentScissorsWorker.h"
 
 #include <bit>
+#include <optional>
 #include <vector>
 
 namespace {
@@ -18,6 +19,18 @@ constexpr std::array<quint16, 256> diagonalCosts = [] {
         costs[weight] = quint16(double(weight) * 1.4142135623730951);
     return costs;
 }();
+
+/// The eight neighbours of a point, row by row.
+std::array<std::size_t, 8> neighboursOf(std::size_t middle, std::ptrdiff_t left,
+                                        std::ptrdiff_t right, std::ptrdiff_t above,
+                                        std::ptrdiff_t below)
+{
+    const auto at = [middle](std::ptrdiff_t offset) {
+        return std::size_t(std::ptrdiff_t(middle) + offset);
+    };
+    return {at(above + left), at(above),        at(above + right), at(left),
+            at(right),        at(below + left), at(below),         at(below + right)};
+}
 
 } // namespace
 
@@ -42,28 +55,39 @@ private:
     struct View
     {
         const Blocks::Content *content = nullptr; ///< null: not looked for, or not there
+        std::size_t rowLength = 0;                ///< of the content's tiles
         quint32 innerWidth = 0;                   ///< points 1 … innerWidth of each row, and
         quint32 innerHeight = 0; ///< rows 1 … innerHeight have all neighbours in the content
     };
 
-    /// Where the eight neighbours of a point are found, row by row. For those outside the grid, which
-    /// have no weight, it is some cell of the grid.
+    /// Where the eight neighbours of a point are found, row by row.
     using Cells = std::array<std::size_t, 8>;
 
-    /// The weights round a point; those without one, and the point's own, are -1.
+    /// The weights of the eight neighbours, and a bit for each that has one.
     struct Gathered
     {
-        std::array<int, 9> weights;
-        int operator()(int dx, int dy) const { return weights[std::size_t(4 + 3 * dy + dx)]; }
+        std::array<uchar, 8> weights{};
+        quint32 enterable = 0;
+    };
+    static constexpr quint32 allNeighbours = 0xFF;
+
+    /// What the steps from a point to its neighbours would cost, and a bit for each that is not
+    /// queued yet, or is queued at a higher cost.
+    struct Steps
+    {
+        Cells cells;
+        std::array<quint32, 8> costs;
+        quint32 first = 0;
+        quint32 better = 0;
     };
 
-    void expand(Point point, quint32 cost);
-    template <typename WeightAt>
-    void relaxAll(Point point, quint32 cost, const WeightAt &weightAt);
-    quint32 worthAsking(const Cells &cells) const;
-    void relax(Point neighbour, std::size_t cell, uchar direction, quint32 newCost);
-    Cells cellsRound(Point point) const;
-    void prefetchNext();
+    Steps stepsFrom(Point point, std::size_t cell, quint32 cost);
+    template <typename WeightOf>
+    Steps stepsInto(const Cells &cells, quint32 enterable, quint32 cost,
+                    const WeightOf &weightOf) const;
+    void take(const Steps &steps, Point from);
+    Cells cellsAtLimits(Point point, std::size_t cell) const;
+    void prefetchNext() const;
 
     bool isFarFromLimits(Point point) const
     {
@@ -71,13 +95,13 @@ private:
                (point.y & blockMask) - 1 < blockMask - 1 && point.x + 1 < m_search.m_width &&
                point.y + 1 < m_search.m_height;
     }
-    const View &viewOf(Point point)
+    const View &viewOf(Point point) const
     {
         return m_views[(point.y >> Blocks::sideBits) * m_blockColumns +
                        (point.x >> Blocks::sideBits)];
     }
     Gathered gather(Point point);
-    int weight(qint64 x, qint64 y);
+    std::optional<uchar> weight(qint64 x, qint64 y);
     const Blocks::Content *findBlock(quint32 index);
 
     RyScissorsSearch &m_search;
@@ -89,136 +113,160 @@ private:
     RyIntelligentScissorsWorker &m_worker;
 };
 
+/// What a point's neighbours would cost is found before the point leaves the heap: neither needs the
+/// other, so the processor does both at once.
 void RyScissorsSearch::Run::searchAll()
 {
-    while (m_worker.isExecuting() && !m_search.m_heap.isEmpty()) {
-        const auto [point, cost] = m_search.m_heap.takeCheapest();
+    RyScissorsHeap &heap = m_search.m_heap;
+    while (m_worker.isExecuting() && !heap.isEmpty()) {
+        const Point point = heap.cheapest();
         const std::size_t cell = m_search.cell(point.x, point.y);
         std::atomic_ref(m_arrivals[cell])
                 .store(m_arrivals[cell] | RyScissorsArrival::isFinal, std::memory_order_release);
-        prefetchNext();
-        if (m_weights.isOpen()) // else there are no weights any more, and nothing left to relax
-            expand(point, cost);
+        if (m_weights.isOpen()) {
+            const Steps steps = stepsFrom(point, cell, heap.lowestCost());
+            heap.removeCheapest();
+            prefetchNext();
+            take(steps, point);
+        } else { // there are no weights any more, and what is queued can only become final
+            heap.removeCheapest();
+        }
         m_worker.incrementProgress();
     }
 }
 
 /// Chooses the cheapest way to the weights: out of the middle of a block, the constant of the ground
 /// beyond the picture, or point by point where blocks or the grid end.
-void RyScissorsSearch::Run::expand(Point point, quint32 cost)
+[[gnu::always_inline]] inline RyScissorsSearch::Run::Steps
+RyScissorsSearch::Run::stepsFrom(Point point, std::size_t cell, quint32 cost)
 {
+    const auto cellsRound = [point](std::size_t middle, std::size_t rowLength) {
+        return neighboursOf(middle, RyScissorsTiles::toLeft(point.x),
+                            RyScissorsTiles::toRight(point.x),
+                            RyScissorsTiles::upwards(point.y, rowLength),
+                            RyScissorsTiles::downwards(point.y, rowLength));
+    };
     const View &view = viewOf(point);
     const quint32 column = point.x & blockMask;
     const quint32 row = point.y & blockMask;
     if (column - 1 < view.innerWidth && row - 1 < view.innerHeight) {
-        return relaxAll(point, cost, [=, content = *view.content](int dx, int dy) {
-            return int(content.at(column + quint32(dx), row + quint32(dy)));
-        });
+        // Blocks begin where tiles begin, so the same steps lead through both.
+        const Cells inBlock = cellsRound(RyScissorsTiles::columnOf(column) +
+                                                 RyScissorsTiles::rowOf(row, view.rowLength),
+                                         view.rowLength);
+        return stepsInto(cellsRound(cell, m_search.m_tileRowLength), allNeighbours, cost,
+                         [&inBlock, weights = view.content->weights](quint32 i) {
+                             return weights[inBlock[i]];
+                         });
     }
     const bool isBlank =
             view.content && (column > view.content->width || row > view.content->height);
     if (isBlank && isFarFromLimits(point)) {
-        const int blank = m_weights.blankWeight();
-        return relaxAll(point, cost, [=](int, int) { return blank; });
+        const uchar blank = m_weights.blankWeight();
+        return stepsInto(cellsRound(cell, m_search.m_tileRowLength), allNeighbours, cost,
+                         [blank](quint32) { return blank; });
     }
-    relaxAll(point, cost, gather(point));
+    const Gathered gathered = gather(point);
+    return stepsInto(cellsAtLimits(point, cell), gathered.enterable, cost,
+                     [&gathered](quint32 i) { return gathered.weights[i]; });
 }
 
-RyScissorsSearch::Run::Cells RyScissorsSearch::Run::cellsRound(Point point) const
+/// Neighbours outside the grid, which cannot be entered, are given some cell of the grid.
+RyScissorsSearch::Run::Cells RyScissorsSearch::Run::cellsAtLimits(Point point,
+                                                                  std::size_t cell) const
 {
-    const auto rowOf = [this](quint32 y) {
-        return RyScissorsTiles::rowOf(y, m_search.m_tileRowLength);
-    };
-    const bool hasLeft = point.x > 0, hasRight = point.x + 1 < m_search.m_width;
-    const bool hasAbove = point.y > 0, hasBelow = point.y + 1 < m_search.m_height;
-    const std::size_t left = RyScissorsTiles::columnOf(point.x - (hasLeft ? 1 : 0));
-    const std::size_t middle = RyScissorsTiles::columnOf(point.x);
-    const std::size_t right = RyScissorsTiles::columnOf(point.x + (hasRight ? 1 : 0));
-    const std::size_t above = rowOf(point.y - (hasAbove ? 1 : 0));
-    const std::size_t row = rowOf(point.y);
-    const std::size_t below = rowOf(point.y + (hasBelow ? 1 : 0));
-    return {left + above, middle + above, right + above,  left + row,
-            right + row,  left + below,   middle + below, right + below};
+    const std::size_t rowLength = m_search.m_tileRowLength;
+    const bool hasRight = point.x + 1 < m_search.m_width;
+    const bool hasBelow = point.y + 1 < m_search.m_height;
+    return neighboursOf(cell, point.x > 0 ? RyScissorsTiles::toLeft(point.x) : 0,
+                        hasRight ? RyScissorsTiles::toRight(point.x) : 0,
+                        point.y > 0 ? RyScissorsTiles::upwards(point.y, rowLength) : 0,
+                        hasBelow ? RyScissorsTiles::downwards(point.y, rowLength) : 0);
 }
 
-/// A bit for each neighbour that the point may reach, or reach at a better cost.
-///
 /// Points become final in the order of their costs, and the step into a neighbour depends on nothing
 /// but its weight and whether it is diagonal. So a later point offers a queued neighbour a better
 /// cost only by a straight step where the earlier one was diagonal, and else the queue need not be
 /// asked. (Costs reach 32 bits on paths of more than eleven million points only.)
-quint32 RyScissorsSearch::Run::worthAsking(const Cells &cells) const
+///
+/// There is no branch in the loop: nobody could foretell it. So the queue is asked about straight
+/// neighbours that are not queued, too; their slots are 0 or have been somebody's.
+template <typename WeightOf>
+RyScissorsSearch::Run::Steps RyScissorsSearch::Run::stepsInto(const Cells &cells, quint32 enterable,
+                                                              quint32 cost,
+                                                              const WeightOf &weightOf) const
 {
     using namespace RyScissorsArrival;
-    quint32 neighbours = 0;
-    for (quint32 i = 0; i < cells.size(); ++i) { // no branch: nobody could foretell it
+    Steps steps{cells, {}};
+    quint32 first = 0, better = 0;
+#pragma GCC unroll 8 // all of it: then directions are constants
+    for (quint32 i = 0; i < 8; ++i) {
+        const std::size_t cell = cells[i];
+        const quint32 weight = weightOf(i);
         const bool isStraight = ofNeighbours[i] >= firstStraight;
-        const uchar limit = isStraight ? firstStraight : 1;
-        neighbours |= quint32(m_arrivals[cells[i]] < limit) << i;
+        const quint32 newCost = cost + (isStraight ? weight : diagonalCosts[weight]);
+        const uchar arrival = m_arrivals[cell];
+        first |= quint32(arrival == 0) << i;
+        if (isStraight)
+            better |= (quint32(arrival < firstStraight) &
+                       quint32(m_search.m_heap.isAbove(m_slots[cell], newCost)))
+                      << i;
+        steps.costs[i] = newCost;
     }
-    return neighbours;
+    steps.first = first & enterable;
+    steps.better = better & enterable & ~first;
+    return steps;
 }
 
 /// Row by row, as ties depend on it.
-template <typename WeightAt>
-void RyScissorsSearch::Run::relaxAll(Point point, quint32 cost, const WeightAt &weightAt)
+[[gnu::always_inline]] inline void RyScissorsSearch::Run::take(const Steps &steps, Point from)
 {
     using namespace RyScissorsArrival;
-    const Cells cells = cellsRound(point);
-    for (quint32 left = worthAsking(cells); left != 0; left &= left - 1) {
+    for (quint32 left = steps.first | steps.better; left != 0; left &= left - 1) {
         const auto i = std::size_t(std::countr_zero(left));
-        const uchar direction = ofNeighbours[i];
-        const Offset back = towardsPredecessor[direction];
-        const int weight = weightAt(-back.x, -back.y);
-        if (weight < 0)
-            continue;
-        const quint32 step =
-                direction < firstStraight ? diagonalCosts[std::size_t(weight)] : quint32(weight);
-        relax({point.x - quint32(back.x), point.y - quint32(back.y)}, cells[i], direction,
-              cost + step);
+        const std::size_t cell = steps.cells[i];
+        const Offset back = towardsPredecessor[ofNeighbours[i]];
+        if ((steps.first >> i & 1) != 0) {
+            const Point neighbour{from.x - quint32(back.x), from.y - quint32(back.y)};
+            m_slots[cell] = m_search.m_heap.insert(neighbour, steps.costs[i]);
+        } else {
+            m_search.m_heap.decrease(m_slots[cell], steps.costs[i]);
+        }
+        std::atomic_ref(m_arrivals[cell]).store(ofNeighbours[i], std::memory_order_relaxed);
     }
 }
 
-void RyScissorsSearch::Run::relax(Point neighbour, std::size_t cell, uchar direction,
-                                  quint32 newCost)
-{
-    if (m_arrivals[cell] == 0)
-        m_slots[cell] = m_search.m_heap.insert(neighbour, newCost);
-    else if (!m_search.m_heap.decrease(m_slots[cell], newCost))
-        return;
-    std::atomic_ref(m_arrivals[cell]).store(direction, std::memory_order_relaxed);
-}
-
 /// What comes next is known already, most of the time.
-void RyScissorsSearch::Run::prefetchNext()
+[[gnu::always_inline]] inline void RyScissorsSearch::Run::prefetchNext() const
 {
     const Point next = m_search.m_heap.cheapest();
-    __builtin_prefetch(m_arrivals + m_search.cell(next.x, next.y));
-    const Blocks::Content *const content = viewOf(next).content;
-    const quint32 column = next.x & blockMask, row = next.y & blockMask;
-    if (content && content->contains(column, row))
-        __builtin_prefetch(content->weights + content->cell(column, row));
+    const std::size_t cell = m_search.cell(next.x, next.y);
+    __builtin_prefetch(m_arrivals + cell);
+    __builtin_prefetch(m_slots + cell);
 }
 
 RyScissorsSearch::Run::Gathered RyScissorsSearch::Run::gather(Point point)
 {
     Gathered gathered;
-    std::size_t i = 0;
-    for (qint64 y = qint64(point.y) - 1; y <= qint64(point.y) + 1; ++y)
-        for (qint64 x = qint64(point.x) - 1; x <= qint64(point.x) + 1; ++x)
-            gathered.weights[i++] = weight(x, y);
+    for (quint32 i = 0; i < RyScissorsArrival::ofNeighbours.size(); ++i) {
+        const auto back = RyScissorsArrival::towardsPredecessor[RyScissorsArrival::ofNeighbours[i]];
+        const auto found = weight(qint64(point.x) - back.x, qint64(point.y) - back.y);
+        gathered.weights[i] = found.value_or(0);
+        gathered.enterable |= quint32(found.has_value()) << i;
+    }
     return gathered;
 }
 
-int RyScissorsSearch::Run::weight(qint64 x, qint64 y)
+/// None outside the grid, and in blocks that are not there.
+std::optional<uchar> RyScissorsSearch::Run::weight(qint64 x, qint64 y)
 {
     if (!m_search.contains(x, y))
-        return -1;
+        return std::nullopt;
     const quint32 index =
             quint32(y >> Blocks::sideBits) * m_blockColumns + quint32(x >> Blocks::sideBits);
     const Blocks::Content *const content = findBlock(index);
     if (!content)
-        return -1;
+        return std::nullopt;
     const quint32 column = quint32(x) & blockMask;
     const quint32 row = quint32(y) & blockMask;
     return content->contains(column, row) ? content->at(column, row) : m_weights.blankWeight();
@@ -233,6 +281,7 @@ const RyScissorsWeightBlocks::Content *RyScissorsSearch::Run::findBlock(quint32 
         return view.content;
     view.content = m_weights.block(index, &m_worker);
     if (view.content) {
+        view.rowLength = RyScissorsTiles::rowLength(view.content->width);
         view.innerWidth = view.content->width > 2 ? view.content->width - 2 : 0;
         view.innerHeight = view.content->height > 2 ? view.content->height - 2 : 0;
     }

@@ -34,4 +34,25 @@ inline std::size_t count(quint32 width, quint32 height)
     return (std::size_t(height) + 7) / 8 * rowLength(width);
 }
 
+/// From the index of a point to those of its neighbours; there have to be some.
+inline std::ptrdiff_t toLeft(quint32 x)
+{
+    return x % side == 0 ? -57 : -1;
+}
+
+inline std::ptrdiff_t toRight(quint32 x)
+{
+    return x % side == side - 1 ? 57 : 1;
+}
+
+inline std::ptrdiff_t upwards(quint32 y, std::size_t rowLength)
+{
+    return y % side == 0 ? 56 - std::ptrdiff_t(rowLength) : -8;
+}
+
+inline std::ptrdiff_t downwards(quint32 y, std::size_t rowLength)
+{
+    return y % side == side - 1 ? std::ptrdiff_t(rowLength) - 56 : 8;
+}
+
 } // namespace RyScissorsTiles

@@ -17,6 +17,10 @@ quint32 blocksFor(quint32 points)
                    RyScissorsWeightBlocks::sideBits);
 }
 
+/// Of any blocks that were closed. Whoever waits for the readers of some looks at these again at each
+/// change. It is nobody's own, so that the last reader can tell when it may touch nothing else.
+constinit std::atomic<quint32> lastReadersLeft = 0;
+
 /// Blocks within radius of a coordinate, [first, end).
 std::pair<quint32, quint32> blocksWithin(quint32 centre, quint32 radius, quint32 points,
                                          quint32 blocks)
@@ -31,31 +35,44 @@ std::pair<quint32, quint32> blocksWithin(quint32 centre, quint32 radius, quint32
 
 } // namespace
 
-// The counting and the flag are sequentially consistent: either a reader sees that the blocks were
-// closed, or the closing thread sees the reader.
 RyScissorsWeightBlocks::Reader::Reader(RyScissorsWeightBlocks &blocks)
     : m_blocks(blocks)
-{
-    ++m_blocks.m_readers;
-    m_isOpen = m_blocks.m_isOpen;
-}
+    , m_hasEntered(blocks.enter())
+    , m_isOpen(m_hasEntered)
+{}
 
 RyScissorsWeightBlocks::Reader::~Reader()
 {
-    m_blocks.leave();
+    if (m_hasEntered)
+        m_blocks.leave();
 }
 
+bool RyScissorsWeightBlocks::enter()
+{
+    quint32 access = m_access.load(std::memory_order_relaxed);
+    while ((access & openBit) != 0)
+        if (m_access.compare_exchange_weak(access, access + 1, std::memory_order_acquire))
+            return true;
+    return false;
+}
+
+/// The last reader of closed blocks must not touch them once it is counted out: they may be gone.
 void RyScissorsWeightBlocks::leave()
 {
-    if (--m_readers > 0 || m_isOpen)
+    if (m_access.fetch_sub(1, std::memory_order_acq_rel) > 1)
         return;
-    std::unique_lock lock(m_mutex);
-    m_noReaders.notify_all();
+    lastReadersLeft.fetch_add(1, std::memory_order_release);
+    lastReadersLeft.notify_all();
 }
 
-bool RyScissorsWeightBlocks::Reader::isOpen()
+void RyScissorsWeightBlocks::waitForReaders() const
 {
-    return m_isOpen = m_isOpen && m_blocks.m_isOpen.load(std::memory_order_acquire);
+    for (;;) {
+        const quint32 left = lastReadersLeft.load(std::memory_order_acquire);
+        if ((m_access.load(std::memory_order_acquire) & ~openBit) == 0)
+            return;
+        lastReadersLeft.wait(left, std::memory_order_acquire);
+    }
 }
 
 const RyScissorsWeightBlocks::Content *
@@ -96,13 +113,13 @@ RyScissorsWeightBlocks::~RyScissorsWeightBlocks()
 void RyScissorsWeightBlocks::open(uchar blankWeight)
 {
     m_blankWeight = blankWeight;
-    m_isOpen = true;
+    m_access.fetch_or(openBit, std::memory_order_release);
 }
 
 void RyScissorsWeightBlocks::close()
 {
     std::unique_lock lock(m_mutex);
-    m_isOpen = false;
+    m_access.fetch_and(~openBit, std::memory_order_acq_rel);
     m_queue.clear();
     for (quint32 index = 0; index < count(); ++index)
         m_states[index].store(State::NotRequested, std::memory_order_release);
@@ -111,11 +128,10 @@ void RyScissorsWeightBlocks::close()
 
 void RyScissorsWeightBlocks::free()
 {
+    waitForReaders();
     std::unique_lock lock(m_mutex);
-    while (m_readers > 0)
-        m_noReaders.wait(lock);
     for (quint32 index = 0; index < count(); ++index)
-        BlockPool::returnBlock(std::exchange(m_contents[index], {}).weights);
+        BlockPool::returnBlock(std::exchange(m_contents[index], {}).memory);
 }
 
 void RyScissorsWeightBlocks::begin()
@@ -141,7 +157,7 @@ void RyScissorsWeightBlocks::wakeReaders()
 void RyScissorsWeightBlocks::request(quint32 x, quint32 y, quint32 radius)
 {
     std::unique_lock lock(m_mutex);
-    if (!m_isServed || !m_isOpen)
+    if (!m_isServed || !isOpen())
         return;
     std::pair<double, double> point(double(x) / side, double(y) / side);
     m_queue.updateAllScores(calculateScoreCB, &point);
@@ -179,7 +195,7 @@ void RyScissorsWeightBlocks::publish(quint32 index, const Content &content)
 {
     std::unique_lock lock(m_mutex);
     if (state(index) != State::InWork) { // closed while it was calculated
-        BlockPool::returnBlock(content.weights);
+        BlockPool::returnBlock(content.memory);
         return;
     }
     m_contents[index] = content;

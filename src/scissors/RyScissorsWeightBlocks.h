@@ -41,14 +41,15 @@ public:
         Q_DISABLE_COPY_MOVE(Reader)
 
         /// Never true again once it was false.
-        bool isOpen();
+        bool isOpen() { return m_isOpen = m_isOpen && m_blocks.isOpen(); }
         /// Null when nobody requested the block, or will finish it, or when waiting, which may be
         /// null, was told to stop while it waits here.
         const Content *block(quint32 index, const RyIntelligentScissorsWorker *waiting);
         uchar blankWeight() const { return m_blocks.m_blankWeight; }
 
     private:
-        RyScissorsWeightBlocks &m_blocks;
+        RyScissorsWeightBlocks &m_blocks; // there until this reader has left, if it ever entered
+        const bool m_hasEntered;
         bool m_isOpen;
     };
 
@@ -77,15 +78,20 @@ public:
     void giveUp(quint32 index); ///< the block counts as not requested again
 
 private:
+    bool isOpen() const { return (m_access.load(std::memory_order_acquire) & openBit) != 0; }
+    bool enter();
     void leave();
+    void waitForReaders() const;
 
     const quint32 m_gridWidth, m_gridHeight; // fixed at construction: any thread, no lock
     const quint32 m_columns, m_rows;
     // Written under the lock. A block's content is written before its state turns Calculated.
     std::unique_ptr<std::atomic<State>[]> m_states;
     std::unique_ptr<Content[]> m_contents;
-    std::atomic<bool> m_isOpen = false;
-    std::atomic<int> m_readers = 0;
+    // Whether the blocks are open, and the number of readers, in one word: nobody enters any more
+    // once they are closed, so those who wait for the last reader do not wait for late ones.
+    static constexpr quint32 openBit = 1U << 31;
+    std::atomic<quint32> m_access = 0;
     uchar m_blankWeight = 0; // written while nobody reads
 
     // The standard library's, into whose waiting sanitizers see, other than into Qt's.
@@ -93,7 +99,6 @@ private:
     std::condition_variable m_requested; // predicate: the queue is not empty, or interrupted
     // Predicate: the block is neither queued nor in work, or nobody will finish it.
     std::condition_variable m_calculated;
-    std::condition_variable m_noReaders; // predicate: m_readers == 0
     RyPointPriorityQueue m_queue;
     bool m_isServed = false;
 };

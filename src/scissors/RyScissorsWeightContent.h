@@ -5,11 +5,12 @@
 /**
  * The part of a block of weights that holds more than the blank weight.
  *
- * Threads  a plain value; its memory belongs to whoever has taken it from BlockPool.
+ * Threads  a plain value; its memory belongs to whoever has taken it.
  */
 struct RyScissorsWeightContent
 {
-    uchar *weights = nullptr; ///< in tiles
+    void *memory = nullptr;   ///< taken from BlockPool, which does not align it
+    uchar *weights = nullptr; ///< in tiles, each of them a line of the cache
     quint32 width = 0;
     quint32 height = 0;
 

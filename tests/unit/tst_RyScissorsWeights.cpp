@@ -1,13 +1,16 @@
 #include "scissors/RyIntelligentScissorsWeightCalculator.h"
+#include "scissors/RyScissorsWeightBlocks.h"
 #include "scissors/RyScissorsWeightKernels_p.h"
 #include "support/TestPictures.h"
 
 #include <QTest>
 
 #include <cmath>
+#include <optional>
 #include <thread>
 
 using Weights = RyIntelligentScissorsWeightCalculator;
+using Blocks = RyScissorsWeightBlocks;
 
 namespace {
 
@@ -118,6 +121,8 @@ private Q_SLOTS:
     void settingsChange();
     void emptyAndUnknownData();
     void stopsAtAnyMoment();
+    void lateReadersAreNotWaitedFor();
+    void goesWhileReadersWait();
 };
 
 void tst_RyScissorsWeights::kernelsAgree()
@@ -296,6 +301,47 @@ void tst_RyScissorsWeights::stopsAtAnyMoment()
     first.join();
     second.join();
     QCOMPARE(faults, 0);
+}
+
+void tst_RyScissorsWeights::lateReadersAreNotWaitedFor()
+{
+    Blocks blocks(9, 9);
+    blocks.open(7);
+    std::optional<Blocks::Reader> early(std::in_place, blocks);
+    QVERIFY(early->isOpen());
+    blocks.close();
+    QVERIFY(!early->isOpen());
+    Blocks::Reader late(blocks);
+    early.reset();
+    blocks.free(); // returns, though one is still there
+    blocks.open(8);
+    QVERIFY(!late.isOpen());
+    QVERIFY(!late.block(0, nullptr));
+    QVERIFY(Blocks::Reader(blocks).isOpen());
+}
+
+/// The memory of the blocks is gone as soon as the last reader has left; sanitizers watch.
+void tst_RyScissorsWeights::goesWhileReadersWait()
+{
+    for (int round = 0; round < 2000; ++round) {
+        auto blocks = std::make_unique<Blocks>(9, 9);
+        blocks->open(7);
+        blocks->begin();
+        blocks->request(0, 0, 1);
+        std::atomic<int> entered = 0;
+        const auto read = [&entered, &blocks = *blocks] {
+            Blocks::Reader reader(blocks);
+            ++entered;
+            entered.notify_one();
+            return reader.block(0, nullptr); // which nobody will ever calculate
+        };
+        std::thread first(read), second(read);
+        for (int count = entered; count < 2; count = entered)
+            entered.wait(count);
+        blocks.reset();
+        first.join();
+        second.join();
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_RyScissorsWeights)
