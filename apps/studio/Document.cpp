@@ -155,6 +155,11 @@ void Document::redo()
 
 void Document::record(const CutRunner::Step &step)
 {
+    const bool cutsAnew =
+            step.before.memento == nullptr ||
+            step.before.memento->labels().cacheKey() != step.after.memento->labels().cacheKey();
+    if (cutsAnew && step.after.memento->foregroundClusters().isEmpty())
+        Q_EMIT remarked(tr("Nothing was found inside the lasso. A line a little wider may help."));
     const auto restore = [document = QPointer(this)](const CutState &state) {
         if (document)
             document->m_runner.restore(state);

@@ -93,6 +93,7 @@ Q_SIGNALS:
     void isCuttingChanged(bool isCutting);
     void isModifiedChanged(bool isModified);
     void failed(const QString &sentence);
+    void remarked(const QString &sentence); ///< nothing has failed, but people may wonder
 
 private:
     Gesture methodGesture() const;

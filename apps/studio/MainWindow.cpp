@@ -74,10 +74,7 @@ MainWindow::MainWindow(QWidget *parent)
     connect(m_canvas, &Canvas::zoomChanged, m_statusBar, &StatusBar::setZoom);
     connect(m_statusBar, &StatusBar::cancelRequested, this, &MainWindow::cancel);
     for (const Tool *const tool : m_tools.tools())
-        connect(tool, &Tool::message, this, [this](const QString &sentence) {
-            constexpr int messageMs = 5000;
-            m_statusBar->showMessage(sentence, messageMs);
-        });
+        connect(tool, &Tool::message, m_statusBar, &StatusBar::remark);
     showTool(m_tools.current());
     updateActions();
     updateTitle();
@@ -88,8 +85,8 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
-    m_canvas->setTool(nullptr); // the tools and the document go before the canvas does
     m_document.disconnect();
+    delete takeCentralWidget(); // the canvas works on the document, which goes before other widgets
 }
 
 void MainWindow::connectDocument()
@@ -101,6 +98,7 @@ void MainWindow::connectDocument()
         updateActions();
     });
     connect(&m_document, &Document::failed, this, &MainWindow::complain);
+    connect(&m_document, &Document::remarked, m_statusBar, &StatusBar::remark);
     connect(&m_document, &Document::maskChanged, this, &MainWindow::updateActions);
     connect(&m_document, &Document::progress, m_statusBar, &StatusBar::setProgress);
     connect(&m_document, &Document::isCuttingChanged, this, [this](bool isCutting) {
@@ -134,7 +132,7 @@ void MainWindow::chooseFile()
 void MainWindow::paste()
 {
     if (!openMimeData(QGuiApplication::clipboard()->mimeData()))
-        m_statusBar->showMessage(tr("There is no picture to paste."), 5000);
+        m_statusBar->remark(tr("There is no picture to paste."));
 }
 
 bool MainWindow::openMimeData(const QMimeData *source)

@@ -44,6 +44,12 @@ void StatusBar::setHint(const QString &hint)
     m_hint->setToolTip(hint);
 }
 
+void StatusBar::remark(const QString &sentence)
+{
+    constexpr int remarkMs = 5000;
+    showMessage(sentence, remarkMs);
+}
+
 void StatusBar::setPictureSize(const QSize &size, const QSize &cuttingSize)
 {
     if (size.isEmpty()) {

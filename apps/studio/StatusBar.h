@@ -15,6 +15,7 @@ public:
     explicit StatusBar(QWidget *parent = nullptr);
 
     void setHint(const QString &hint);
+    void remark(const QString &sentence); ///< for a few seconds
     void setPictureSize(const QSize &size, const QSize &cuttingSize);
     void setZoom(double scale);
 

@@ -463,7 +463,8 @@ void tst_Studio::penDraws()
     // Positions between the pixels of the screen arrive.
     m_studio->action("undo").trigger();
     QVERIFY(m_studio->settle());
-    const auto &stroke = std::get<Gesture::Scribble>(m_studio->document().gestures().last().step);
+    const QList<Gesture> gestures = m_studio->document().gestures();
+    const auto &stroke = std::get<Gesture::Scribble>(gestures.last().step);
     QVERIFY(std::abs(stroke.points.last().x() - 80.75) < 1e-6);
 }
 
