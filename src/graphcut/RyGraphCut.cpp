@@ -14,6 +14,7 @@ constexpr int refitsToConstraints = 1;
 constexpr float shareOfPrior = 0.1F; // in what models are fitted to; the rest is the cut's
 constexpr float weightOfColors = 0.7F;
 constexpr double sharpness = 0.6;
+constexpr double leastObject = 0.02; // of what was to be expected; less is as good as nothing
 
 /// Decides all undecided cells by colour, depth and contrast.
 std::vector<RyCutSide> decide(RyContrastCut &graph, const RyColorBins &bins,
@@ -25,6 +26,11 @@ std::vector<RyCutSide> decide(RyContrastCut &graph, const RyColorBins &bins,
         ratios.push_back(weightOfColors * models.logRatio(color));
     return graph.decided(
             [&](int cell) { return ratios[std::size_t(bins.binOf(cell))] + prior.logOdds(cell); });
+}
+
+double objectCount(const std::vector<RyCutSide> &sides)
+{
+    return double(std::count(sides.begin(), sides.end(), RyCutSide::Object));
 }
 
 } // namespace
@@ -92,12 +98,10 @@ RyGraphCut::Sides RyGraphCut::undecided() const
 
 std::vector<RyCutSide> RyGraphCut::cut(const RyCutConstraints &constraints) const
 {
-    if (!(m_reduced.greatestDepth() > 0.0F))
-        return sidesOfLasso(constraints);
-    if (constraints.isEmpty()) {
-        const RyBandCut band(m_picture, m_lasso, m_reduced, m_models, m_prior);
-        return band.decided(cleaned(m_cells, nullptr), constraints);
-    }
+    if (!(m_reduced.greatestDepth() > 0.0F)) // too thin for a cell: all that it covers
+        return sidesOfCells(Sides(m_cells.size(), RyCutSide::Object), constraints);
+    if (constraints.isEmpty())
+        return refined(cleaned(m_cells, nullptr), m_models, constraints);
     const Sides fixed = constraints.ofCells(frame());
     Sides start = undecided();
     Sides cells = m_cells;
@@ -112,11 +116,22 @@ std::vector<RyCutSide> RyGraphCut::cut(const RyCutConstraints &constraints) cons
         models = modelsOf(cells);
         cells = decide(graph, m_bins, models, m_prior);
     }
-    const RyBandCut band(m_picture, m_lasso, m_reduced, models, m_prior);
-    return band.decided(cleaned(std::move(cells), &fixed), constraints);
+    return refined(cleaned(std::move(cells), &fixed), models, constraints);
 }
 
-/// Without crumbs and pinholes; where nothing would be left, the lasso shrunk by its margin.
+/// At full size. Of a small object the band is all there is, and where colours say little a cut
+/// round nothing is the cheapest one: its cells are the answer then.
+RyGraphCut::Sides RyGraphCut::refined(const Sides &cells, const RyColorModels &models,
+                                      const RyCutConstraints &constraints) const
+{
+    const RyBandCut band(m_picture, m_lasso, m_reduced, models, m_prior);
+    Sides sides = band.decided(cells, constraints);
+    const double expected = objectCount(cells) * frame().cellSize() * frame().cellSize();
+    const bool isFound = objectCount(sides) > leastObject * expected;
+    return isFound ? sides : sidesOfCells(cells, constraints);
+}
+
+/// Without crumbs and pinholes.
 RyGraphCut::Sides RyGraphCut::cleaned(Sides cells, const Sides *fixed) const
 {
     const int columns = frame().columns();
@@ -129,17 +144,31 @@ RyGraphCut::Sides RyGraphCut::cleaned(Sides cells, const Sides *fixed) const
         };
     }
     RyMaskParts::clean(cells, columns, frame().rows(), isFixed);
-    if (fixed || std::find(cells.begin(), cells.end(), RyCutSide::Object) != cells.end())
-        return cells;
-    for (int cell = 0; cell < m_reduced.cellCount(); ++cell) {
-        cells[std::size_t(cell)] =
-                m_prior.isBeyondMargin(m_reduced, cell) ? RyCutSide::Object : RyCutSide::Background;
-    }
-    return cells;
+    return orShrunkLasso(std::move(cells), fixed);
 }
 
-/// Of a lasso too thin for a cell: all that it covers.
-RyGraphCut::Sides RyGraphCut::sidesOfLasso(const RyCutConstraints &constraints) const
+/// Where next to nothing would be left, the lasso shrunk by its margin.
+RyGraphCut::Sides RyGraphCut::orShrunkLasso(Sides cells, const Sides *fixed) const
+{
+    Sides shrunk = cells;
+    int deep = 0;
+    int added = 0;
+    for (int cell = 0; cell < m_reduced.cellCount(); ++cell) {
+        if (!m_prior.isBeyondMargin(m_reduced, cell))
+            continue;
+        ++deep;
+        if (!fixed || (*fixed)[std::size_t(cell)] == RyCutSide::Undecided) {
+            shrunk[std::size_t(cell)] = RyCutSide::Object;
+            ++added;
+        }
+    }
+    const bool isUsersWill = 2 * added < deep; // most of it was put on a side by hand
+    return isUsersWill || objectCount(cells) > leastObject * deep ? cells : shrunk;
+}
+
+/// Within the lasso, and where nothing is fixed, a pixel is on its cell's side.
+RyGraphCut::Sides RyGraphCut::sidesOfCells(const Sides &cells,
+                                           const RyCutConstraints &constraints) const
 {
     const RyCutFrame pixels = frame().withCells(1);
     Sides sides = constraints.ofCells(pixels);
@@ -148,7 +177,8 @@ RyGraphCut::Sides RyGraphCut::sidesOfLasso(const RyCutConstraints &constraints) 
         RyCutSide *const row = sides.data() + std::size_t(y) * std::size_t(pixels.width());
         for (int x = 0; x < pixels.width(); ++x) {
             if (row[x] == RyCutSide::Undecided)
-                row[x] = inside[x] != 0 ? RyCutSide::Object : RyCutSide::Background;
+                row[x] = inside[x] != 0 ? cells[std::size_t(frame().cellAt(x, y))]
+                                        : RyCutSide::Background;
         }
     }
     return sides;

@@ -50,7 +50,10 @@ private:
     RyColorModels modelsOf(const Sides &cells) const;
     Sides undecided() const;
     Sides cleaned(Sides cells, const Sides *fixed) const;
-    Sides sidesOfLasso(const RyCutConstraints &constraints) const;
+    Sides orShrunkLasso(Sides cells, const Sides *fixed) const;
+    Sides refined(const Sides &cells, const RyColorModels &models,
+                  const RyCutConstraints &constraints) const;
+    Sides sidesOfCells(const Sides &cells, const RyCutConstraints &constraints) const;
 
     const QImage m_picture;
     const QImage m_lasso;
