@@ -35,6 +35,19 @@ bool coversAnything(const QImage &filled)
     return false;
 }
 
+/// Also far outside the lasso, where nothing was cut.
+void paintConstraints(const RyCutConstraints &constraints, QRgb maskColor, int row, int width,
+                      QRgb *pixels)
+{
+    std::vector<RyCutSide> fixed(std::size_t(width), RyCutSide::Undecided);
+    constraints.read(row, 0, width, fixed.data());
+    for (int x = 0; x < width; ++x) {
+        const RyCutSide side = fixed[std::size_t(x)];
+        if (side != RyCutSide::Undecided)
+            pixels[x] = (side == RyCutSide::Object) != constraints.isInverted() ? 0U : maskColor;
+    }
+}
+
 } // namespace
 
 std::shared_ptr<const RyGraphCut> RyGraphFirstCut::analyse(const QImage &picture,
@@ -64,6 +77,8 @@ QImage RyGraphFirstCut::mask(const RyGraphCut &graphCut, const RyCutConstraints 
     RyConcurrent::forEachIndex(picture.height(), [&](qsizetype row) {
         auto *const pixels = reinterpret_cast<QRgb *>(bits + row * bytesPerLine);
         std::fill_n(pixels, picture.width(), outside);
+        if (!constraints.isEmpty())
+            paintConstraints(constraints, maskColor, int(row), picture.width(), pixels);
         if (row < area.top() || row > area.bottom())
             return;
         const RyCutSide *const side =
