@@ -27,6 +27,8 @@ void RyImageSegmentation::doInitialCut(quint64 epoch)
         work = d->state;
         work.maskColor = d->maskColor;
         hasNewLasso = d->pendingLasso.has_value();
+        if (hasNewLasso)
+            d->graphCutMask = QImage(); // of a lasso before, which was not cut any more
         work.lassoPath = d->pendingLasso.value_or(work.lassoPath);
         d->pendingLasso.reset();
         method = d->cutMethod;
