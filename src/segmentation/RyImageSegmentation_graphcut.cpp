@@ -69,9 +69,12 @@ void RyImageSegmentation::Private::chooseGraphCut(RySegmentationState &work, Cut
 void RyImageSegmentation::Private::cutAnew(RySegmentationState &work, CutMethod method)
 {
     if (method == CutMethod::Classic) {
+        const bool isInverted = work.constraints.isInverted();
         work.graphCut.reset();
         work.constraints = RyCutConstraints(work.picture.size());
         RyInitialCut(work).cut();
+        if (isInverted)
+            work.invertMaskJob();
         return;
     }
     const bool isOfThisLasso =
