@@ -176,7 +176,7 @@ public Q_SLOTS:
     /// Cuts the lasso anew with the method that is set, as one step that can be undone. By graph cuts
     /// every pixel that a click, scribble or painted selection has put on a side since the lasso
     /// stays there, and colour models learn from it; corrections of a classic cut are not kept. Does
-    /// nothing without regions.
+    /// nothing without regions of the lasso, or of a picture of this size.
     void recut();
     /// For the session's own workers; signals of others are ignored.
     void setProgressFromWorker(int theCurrentStep, int theTotalStep);

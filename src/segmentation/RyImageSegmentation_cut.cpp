@@ -78,11 +78,12 @@ bool RyImageSegmentation::adoptLassoInsideTheLastOne(RySegmentationState &work, 
         const auto startOver = [this, lasso = work.lassoPath, epoch] {
             const auto isCurrent = [this, epoch] {
                 const QMutexLocker lock(&d->mutex);
-                --d->restartsToCome;
                 return d->epoch == epoch;
             };
             if (isCurrent())
                 startInitialSegmentation(lasso);
+            const QMutexLocker lock(&d->mutex);
+            --d->restartsToCome;
         };
         {
             const QMutexLocker lock(&d->mutex);

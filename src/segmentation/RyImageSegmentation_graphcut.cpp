@@ -95,8 +95,10 @@ void RyImageSegmentation::recutObject()
     quint64 restores = 0;
     {
         const QMutexLocker lock(&d->mutex);
-        if (d->state.pointsOfSuperpixels.isEmpty() || d->state.foregroundMask.isNull())
-            return;
+        const RySegmentationState &state = d->state;
+        if (state.pointsOfSuperpixels.isEmpty() || state.foregroundMask.isNull() ||
+            state.labels.size() != state.picture.size() || d->restartsToCome > 0)
+            return; // nothing to cut, or not before a lasso's worker has come to its end
         method = d->cutMethod;
         restores = d->restores;
     }
