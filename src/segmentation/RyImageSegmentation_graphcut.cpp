@@ -60,9 +60,8 @@ void RyImageSegmentation::Private::chooseGraphCut(RySegmentationState &work, Cut
     if (method != CutMethod::GraphCut)
         return;
     const QImage picture = work.analysis->image().imageRGB();
-    work.graphCut = RyGraphFirstCut::analyse(
-            picture, RyLasso::snappedToBorder(work.lassoPath, picture.size()));
-    work.graphCutLasso = work.lassoPath;
+    work.graphCutLasso = RyLasso::snappedToBorder(work.lassoPath, picture.size());
+    work.graphCut = RyGraphFirstCut::analyse(picture, work.graphCutLasso);
 }
 
 /// The first cut of the lasso at hand, without a word to the host until it is done.
@@ -77,9 +76,10 @@ void RyImageSegmentation::Private::cutAnew(RySegmentationState &work, CutMethod 
             work.invertMaskJob();
         return;
     }
+    const QImage picture = work.analysis->image().imageRGB();
     const bool isOfThisLasso =
-            work.graphCut && work.graphCutLasso == work.lassoPath &&
-            work.graphCut->picture().cacheKey() == work.analysis->image().imageRGB().cacheKey();
+            work.graphCut && work.graphCut->picture().cacheKey() == picture.cacheKey() &&
+            work.graphCutLasso == RyLasso::snappedToBorder(work.lassoPath, picture.size());
     if (!isOfThisLasso) {
         const RyCutConstraints constraints = work.constraints; // a memento's, of that lasso
         chooseGraphCut(work, method);
