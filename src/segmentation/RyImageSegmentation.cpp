@@ -90,7 +90,7 @@ void RyImageSegmentation::reset()
         state.pointsOfSuperpixels.clear();
         state.expandedLasso = {};
         state.graphCut.reset();
-        state.constraints = {};
+        state.constraints = RyCutConstraints(state.picture.size());
         d->graphCutMask = QImage();
         forgotten.swap(d->pendingMemento);
         d->hoverClusters.clear();
