@@ -98,7 +98,7 @@ void RyImageSegmentation::recutObject()
         const RySegmentationState &state = d->state;
         if (state.pointsOfSuperpixels.isEmpty() || state.foregroundMask.isNull() ||
             state.labels.size() != state.picture.size() || d->restartsToCome > 0)
-            return; // nothing to cut, or not before a lasso's worker has come to its end
+            return; // nothing to cut, or a lasso that waits for its worker
         method = d->cutMethod;
         restores = d->restores;
     }

@@ -43,6 +43,11 @@ public:
     bool coin() { return random.bounded(2) == 1; }
     QPoint point() { return {random.bounded(-40, 110), random.bounded(-40, 90)}; }
     QSet<int> labels() { return {below(30), below(30), below(400) - 100}; }
+    RyImageSegmentation::CutMethod method()
+    {
+        return coin() ? RyImageSegmentation::CutMethod::GraphCut
+                      : RyImageSegmentation::CutMethod::Classic;
+    }
     QColor color() { return QColor::fromRgb(random.generate()); }
     const QImage &picture() { return allPictures().at(below(20) ? below(2) : below(5)); }
     QPainterPath path()
@@ -133,6 +138,8 @@ void tst_RandomCalls::survive()
             [&] { kept = session.createMemento(dice.coin()); },
             [&] { session.setMemento(*kept); },
             [&] { session.setMemento(dice.memento()); },
+            [&] { session.setCutMethod(dice.method()); },
+            [&] { session.recut(); },
             [&] { QThread::usleep(dice.random.bounded(300U)); },
             [&] { driver.answered(); }};
     std::atomic<int> heard = 0;
@@ -167,9 +174,14 @@ void tst_RandomCalls::survive()
     driver.session.setMaskColor(Qt::white);
     const QPainterPath lasso = Samples::ellipse(8, 2, 55, 42);
     SessionDriver fresh(allPictures().first());
-    const QImage expected = fresh.cut(lasso);
-    QCOMPARE(driver.cut(lasso), expected); // and it still cuts as on the first day
-    QCOMPARE(driver.progress.last(), std::pair(14, 14));
+    for (const auto method :
+         {RyImageSegmentation::CutMethod::GraphCut, RyImageSegmentation::CutMethod::Classic}) {
+        session.setCutMethod(method);
+        fresh.session.setCutMethod(method);
+        const QImage expected = fresh.cut(lasso);
+        QCOMPARE(driver.cut(lasso), expected); // and it still cuts as on the first day
+        QCOMPARE(driver.progress.last(), std::pair(14, 14));
+    }
     QVERIFY(driver.settle() && !driver.session.isBusy());
     QVERIFY(heard > 0 || !listensInEveryThread);
 }
@@ -180,6 +192,7 @@ void tst_RandomCalls::endAnywhere()
     for (int i = 0; i < 300; ++i) {
         Dice dice(i);
         auto driver = std::make_unique<SessionDriver>(picture);
+        driver->session.setCutMethod(dice.method());
         if (i % 5)
             driver->session.startThreadWithInitialPath(Samples::ellipse(8, 2, 55, 42));
         if (i % 5 > 1)
@@ -188,6 +201,8 @@ void tst_RandomCalls::endAnywhere()
             driver->session.startThreadWithInitialPath(Samples::ellipse(20, 10, 30, 20));
         for (int gestures = dice.below(12); gestures > 0; --gestures)
             dice.gesture(driver->session);
+        if (dice.coin())
+            driver->session.recut();
         if (dice.coin())
             QThread::usleep(dice.random.bounded(500U));
         if (i % 2) {
