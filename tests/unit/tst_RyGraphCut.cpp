@@ -224,9 +224,9 @@ void tst_RyGraphCut::leavesSomethingInEveryLasso()
     QFETCH(QImage, picture);
     const QRect all = picture.rect();
     for (const QPoint &at : {all.center(), all.bottomRight()})
-        for (const QSize &size : {QSize(1, 1), QSize(2, 2), QSize(3, 3), QSize(1, 9), QSize(30, 1),
-                                  QSize(5, 5), QSize(9, 8), QSize(3, 40), QSize(20, 20),
-                                  QSize(90, 7), QSize(60, 60), QSize(2000, 2000)}) {
+        for (const QSize &size :
+             {QSize(1, 1), QSize(2, 2), QSize(1, 9), QSize(30, 1), QSize(5, 5), QSize(3, 40),
+              QSize(20, 20), QSize(90, 7), QSize(60, 60), QSize(2000, 2000)}) {
             QImage lasso(picture.size(), QImage::Format_Grayscale8);
             lasso.fill(0);
             QRect rect(at, size);
