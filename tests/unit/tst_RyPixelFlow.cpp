@@ -1,4 +1,5 @@
 #include "graphcut/RyPixelFlow.h"
+#include "support/TestPictures.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -18,7 +19,8 @@ class tst_RyPixelFlow : public QObject
 private Q_SLOTS:
     void agreesWithBoost_data();
     void agreesWithBoost();
-    void cutsACopyAgain();
+    void agreesInParts();
+    void runsAgain();
 };
 
 namespace {
@@ -186,6 +188,14 @@ std::vector<bool> objectOf(const RyPixelFlow &flow)
     return isObject;
 }
 
+RyPixelFlow runAlone(const Graph &graph)
+{
+    const TestPictures::Machine machine(1);
+    RyPixelFlow flow = graph.flow();
+    flow.run();
+    return flow;
+}
+
 } // namespace
 
 Q_DECLARE_METATYPE(Kind)
@@ -237,21 +247,44 @@ void tst_RyPixelFlow::agreesWithBoost()
     }
 }
 
-void tst_RyPixelFlow::cutsACopyAgain()
+/// Large enough to be searched side by side, which takes more than one core.
+void tst_RyPixelFlow::agreesInParts()
 {
-    const Graph graph({.size = {25, 25}, .terminals = 40}, 3);
-    const RyPixelFlow flow = graph.flow();
-    RyPixelFlow first = flow;
-    first.run();
-    RyPixelFlow second = flow;
-    for (std::size_t node = 0; node < graph.terminals.size(); ++node)
-        second.setTerminal(int(node), -graph.terminals[node]);
-    second.run();
-    RyPixelFlow third = flow;
-    third.run();
-    QVERIFY(objectOf(first) != objectOf(second));
-    QVERIFY(objectOf(first) == objectOf(third));
-    QCOMPARE(first.flow(), third.flow());
+    for (const Kind &kind : {Kind{.size = {110, 100}, .terminals = 20},
+                             Kind{.size = {25, 500}, .pixels = 80, .greatestTerminal = 200},
+                             Kind{.size = {150, 120}, .terminals = 2, .greatestTerminal = 900}}) {
+        const Graph graph(kind, 5);
+        const std::vector<bool> expected = objectOf(runAlone(graph));
+        for (const int cores : {2, 3, 8}) {
+            const TestPictures::Machine machine(cores);
+            RyPixelFlow flow = graph.flow();
+            flow.run();
+            QVERIFY(objectOf(flow) == expected);
+            QCOMPARE(flow.flow(), severed(graph, expected));
+        }
+    }
+}
+
+/// With other weights, after what has flown already.
+void tst_RyPixelFlow::runsAgain()
+{
+    for (const QSize &size : {QSize(1, 1), QSize(9, 8), QSize(30, 20), QSize(90, 80)}) {
+        Graph graph({.size = size, .pixels = 90, .terminals = 40}, 3);
+        RyPixelFlow flow = graph.flow();
+        QRandomGenerator dice(7);
+        for (int run = 0; run < 8; ++run) {
+            {
+                const TestPictures::Machine machine(2);
+                flow.run();
+            }
+            QVERIFY(objectOf(flow) == objectOf(runAlone(graph)));
+            for (std::size_t node = 0; node < graph.terminals.size(); ++node) {
+                if (run != 2) // when they all stay
+                    graph.terminals[node] = dice.bounded(3) == 0 ? dice.bounded(-90, 90) : 0;
+                flow.setTerminal(int(node), graph.terminals[node]);
+            }
+        }
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_RyPixelFlow)
