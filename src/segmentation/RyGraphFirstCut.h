@@ -18,7 +18,7 @@
 namespace RyGraphFirstCut {
 
 /// Judges what a lasso holds. Null for a lasso that covers no pixel of the picture, which has 32
-/// bits a pixel; the lasso is snapped to its border.
+/// bits a pixel.
 std::shared_ptr<const RyGraphCut> analyse(const QImage &picture, const QPainterPath &lasso);
 
 /// Cuts, and gives the mask in a session's format. Null where memory is short.

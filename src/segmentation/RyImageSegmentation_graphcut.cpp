@@ -60,7 +60,7 @@ void RyImageSegmentation::Private::chooseGraphCut(RySegmentationState &work, Cut
     if (method != CutMethod::GraphCut)
         return;
     const QImage picture = work.analysis->image().imageRGB();
-    work.graphCutLasso = RyLasso::snappedToBorder(work.lassoPath, picture.size());
+    work.graphCutLasso = RyLasso::movedIntoPicture(work.lassoPath, picture.size());
     work.graphCut = RyGraphFirstCut::analyse(picture, work.graphCutLasso);
 }
 
@@ -79,7 +79,7 @@ void RyImageSegmentation::Private::cutAnew(RySegmentationState &work, CutMethod 
     const QImage picture = work.analysis->image().imageRGB();
     const bool isOfThisLasso =
             work.graphCut && work.graphCut->picture().cacheKey() == picture.cacheKey() &&
-            work.graphCutLasso == RyLasso::snappedToBorder(work.lassoPath, picture.size());
+            work.graphCutLasso == RyLasso::movedIntoPicture(work.lassoPath, picture.size());
     if (!isOfThisLasso) {
         const RyCutConstraints constraints = work.constraints; // a memento's, of that lasso
         chooseGraphCut(work, method);

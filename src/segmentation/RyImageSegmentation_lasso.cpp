@@ -103,7 +103,7 @@ void RyImageSegmentation::initialSegmentationIsFinished()
         state.pointsOfSuperpixels = results.pointsOfSuperPixels;
         state.statistics = results.statistics;
         state.graphCut = results.graphCut;
-        state.graphCutLasso = results.path; // state.lassoPath may be a memento's by now
+        state.graphCutLasso = results.graphCutLasso; // state.lassoPath may be a memento's by now
         if (d->restoredLassos != d->lassos)
             state.constraints = RyCutConstraints(state.picture.size());
         d->graphCutMask = results.graphCutMask;

@@ -157,7 +157,9 @@ bool RyInitialSegmentationWorker::compute(Results &results)
 void RyInitialSegmentationWorker::cutByGraph(Results &results)
 {
     const QImage picture = m_analysis->image().imageRGB();
-    results.graphCut = RyGraphFirstCut::analyse(picture, results.path);
+    // As it was drawn: a hand that kept off the border has drawn a margin there as elsewhere.
+    results.graphCutLasso = RyLasso::movedIntoPicture(m_lasso, picture.size());
+    results.graphCut = RyGraphFirstCut::analyse(picture, results.graphCutLasso);
     if (!results.graphCut || m_state == State::Stopped)
         return;
     results.graphCutMask =

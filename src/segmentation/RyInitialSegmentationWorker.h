@@ -51,6 +51,7 @@ public:
         QPainterPath path; ///< the lasso, snapped to the border
         RyExpandedLasso pathExpanded;
         std::shared_ptr<const RyGraphCut> graphCut; ///< null where none was asked for
+        QPainterPath graphCutLasso;                 ///< moved into the picture
         QImage graphCutMask;                        ///< as maskIsReady() has told it
         RySegmentationStatistics statistics;
     };

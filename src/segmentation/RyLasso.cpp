@@ -20,6 +20,19 @@ double snapped(double value, int side)
     return value <= side - margin ? value : double(side);
 }
 
+/// With a rule for each coordinate and the length of the picture's side.
+template <typename Rule>
+QPainterPath moved(const QPainterPath &path, const QSize &picture, Rule rule)
+{
+    QPainterPath result = path;
+    for (int i = 0; i < result.elementCount(); ++i) {
+        const QPainterPath::Element element = result.elementAt(i);
+        result.setElementPositionAt(i, rule(element.x, picture.width()),
+                                    rule(element.y, picture.height()));
+    }
+    return result;
+}
+
 } // namespace
 
 QRect RyLasso::boundingRect(const QPainterPath &path)
@@ -36,13 +49,13 @@ QRect RyLasso::boundingRect(const QRectF &rect)
 
 QPainterPath RyLasso::snappedToBorder(const QPainterPath &path, const QSize &picture)
 {
-    QPainterPath result = path;
-    for (int i = 0; i < result.elementCount(); ++i) {
-        const QPainterPath::Element element = result.elementAt(i);
-        result.setElementPositionAt(i, snapped(element.x, picture.width()),
-                                    snapped(element.y, picture.height()));
-    }
-    return result;
+    return moved(path, picture, snapped);
+}
+
+QPainterPath RyLasso::movedIntoPicture(const QPainterPath &path, const QSize &picture)
+{
+    return moved(path, picture,
+                 [](double value, int side) { return std::clamp(value, 0.0, double(side)); });
 }
 
 QPainterPath RyLasso::ownCopy(const QPainterPath &path)

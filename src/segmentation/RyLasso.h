@@ -23,6 +23,9 @@ QRect boundingRect(const QRectF &rect);
 /// that border (0, width or height). A lasso drawn hastily along the edge so takes the edge in.
 QPainterPath snappedToBorder(const QPainterPath &path, const QSize &picture);
 
+/// Moves every point that lies outside the picture onto its border.
+QPainterPath movedIntoPicture(const QPainterPath &path, const QSize &picture);
+
 /// A copy that shares nothing with the path: what copies share, such as the bounds, is computed when
 /// it is asked for first, without a lock. So no other thread may hold a copy of a caller's path.
 QPainterPath ownCopy(const QPainterPath &path);

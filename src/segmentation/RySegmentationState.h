@@ -48,7 +48,7 @@ public:
     RyStroke lastUserStroke; // of the last painted selection
     QColor maskColor;
     std::shared_ptr<const RyGraphCut> graphCut; // null where region colours made the first cut
-    QPainterPath graphCutLasso;                 // which lasso it is of, snapped
+    QPainterPath graphCutLasso;                 // which lasso it is of, moved into the picture
     RyCutConstraints constraints;               // by corrections, while there is a graph cut
     RySegmentationStatistics statistics;
 
