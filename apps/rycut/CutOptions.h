@@ -18,6 +18,6 @@ struct CutOptions : PictureOptions
     QMap<CutOutput, QString> outputs; ///< file names
 
     bool isGraphCut = false; ///< how the lasso is cut, unless the gestures tell otherwise
-    bool force = false; ///< takes gestures that were made on another picture
+    bool force = false;      ///< takes gestures that were made on another picture
     QColor maskColour = Qt::white;
 };

@@ -17,9 +17,9 @@ constexpr int greatestMargin = 30;
 constexpr double greatestShareOfDepth = 0.6; // an object is left within every lasso
 constexpr int depthLayers = 46;              // of a unit; the last one holds all that is deeper
 
-constexpr double weightOfLayers = 0.7;
+constexpr double weightOfLayers = 1.2;
 constexpr float clipOfLayers = 2.0F;
-constexpr double weightOfDivergence = 60.0;
+constexpr double weightOfDivergence = 100.0;
 
 // Groups of colours that divergences are measured over. Where the limits between groups lie is
 // chance, so four sets of groups are averaged whose limits differ.
