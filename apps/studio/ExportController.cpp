@@ -136,7 +136,7 @@ void ExportController::copy()
 {
     CutoutPicture::Options options = suggestedOptions();
     options.crop = true;
-    options.background = {};
+    options.background = QColor();
     m_exporter.make(m_document.cutoutSource(), options);
 }
 

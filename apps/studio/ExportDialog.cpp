@@ -63,6 +63,7 @@ ExportDialog::ExportDialog(ExportKind kind, const CutoutPicture::Options &option
     QPushButton *const choose =
             buttons->addButton(tr("Choose &File…"), QDialogButtonBox::AcceptRole);
     choose->setObjectName(QStringLiteral("exportChooseFile"));
+    choose->setToolTip(tr("Asks for the file's name, and exports"));
     choose->setDefault(true);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

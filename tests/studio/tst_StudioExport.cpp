@@ -67,6 +67,7 @@ private Q_SLOTS:
 
 private:
     void openAndCut();
+    void cut();
     void set(const char *control, int value);
     CutoutMask expectedMask() const;
     QImage previewedAlpha() const;
@@ -100,6 +101,11 @@ void tst_StudioExport::cleanup()
 void tst_StudioExport::openAndCut()
 {
     QVERIFY(m_studio->open(coffee));
+    cut();
+}
+
+void tst_StudioExport::cut()
+{
     QPolygonF lasso = Samples::lasso(QStringLiteral("coffee")).toSubpathPolygons().first();
     lasso.removeLast(); // closes the path
     m_studio->drag(lasso);
@@ -407,7 +413,7 @@ void tst_StudioExport::nothingToExport()
     QVERIFY(std::none_of(ids.begin(), ids.end(), isEnabled));
     QVERIFY(m_studio->open(coffee));
     QVERIFY(std::none_of(ids.begin(), ids.end(), isEnabled));
-    openAndCut();
+    cut();
     QVERIFY(std::all_of(ids.begin(), ids.end(), isEnabled));
 }
 
