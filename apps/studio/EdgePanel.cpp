@@ -28,7 +28,8 @@ EdgePanel::EdgePanel(Document &document, QWidget *parent)
     m_reset->setToolTip(tr("Leaves the edge as the tools have made it"));
     connect(m_reset, &QPushButton::clicked, this, &EdgePanel::reset);
     layout->addWidget(m_reset, layout->rowCount(), 0, 1, 2);
-    layout->setRowStretch(layout->rowCount(), 1);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed); // more room would stay empty
+    setMaximumHeight(sizeHint().height());
     connect(&document, &Document::edgeSettingsChanged, this, &EdgePanel::showSettings);
     showSettings();
 }
@@ -41,7 +42,7 @@ QList<EdgePanel::Description> EdgePanel::descriptions()
     return {{"edgeSmooth", tr("S&mooth"), tr("Smooth Edge"),
              tr("Rounds corners about as large as this radius"), pixels, &EdgeSettings::smooth, 0,
              most, sliderEnd},
-            {"edgeFeather", tr("Fea&ther"), tr("Feather Edge"),
+            {"edgeFeather", tr("Fe&ather"), tr("Feather Edge"),
              tr("Softens the edge so far to either side"), pixels, &EdgeSettings::feather, 0, most,
              sliderEnd},
             {"edgeGrow", tr("Gro&w or shrink"), tr("Grow or Shrink"),

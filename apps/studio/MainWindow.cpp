@@ -114,7 +114,10 @@ void MainWindow::connectExports()
 {
     connect(&m_exports, &ExportController::failed, this, &MainWindow::complain);
     connect(&m_exports, &ExportController::isBusyChanged, this, [this](bool isBusy) {
-        isBusy ? m_statusBar->beginProgress(tr("Exporting…")) : m_statusBar->endProgress();
+        if (isBusy)
+            m_statusBar->beginProgress(tr("Exporting…"));
+        else if (!m_document.isCutting() && !m_loader.isLoading())
+            m_statusBar->endProgress();
     });
     connect(&m_exports, &ExportController::done, this, [this](const QString &sentence) {
         constexpr int messageMs = 5000;
