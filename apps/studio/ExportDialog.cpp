@@ -65,6 +65,7 @@ ExportDialog::ExportDialog(ExportKind kind, const CutoutPicture::Options &option
     choose->setObjectName(QStringLiteral("exportChooseFile"));
     choose->setToolTip(tr("Asks for the file's name, and exports"));
     choose->setDefault(true);
+    choose->setFocus(); // or the key that accepts would press Cancel
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     layout->addRow(buttons);
