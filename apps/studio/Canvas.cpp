@@ -21,7 +21,7 @@ constexpr int fitMargin = 12; // pixels of the canvas round a picture that fits
 Canvas::Canvas(Document &document, QWidget *parent)
     : QWidget(parent)
     , m_document(document)
-    , m_edges(document)
+    , m_edgePreview(document)
 {
     setAccessibleName(tr("Picture"));
     setAccessibleDescription(tr("The picture with its cut, on which the tools work"));
@@ -34,7 +34,8 @@ Canvas::Canvas(Document &document, QWidget *parent)
     connect(&m_tiles, &TileCache::changed, this, &Canvas::updateTiles);
     connect(&m_mask, &MaskLayer::changed, this, &Canvas::takeMask);
     connect(&document, &Document::pictureChanged, this, &Canvas::showPicture);
-    connect(&m_edges, &EdgePreview::maskChanged, this, [this] { m_mask.setMask(m_edges.mask()); });
+    connect(&m_edgePreview, &EdgePreview::maskChanged, this,
+            [this] { m_mask.setMask(m_edgePreview.mask()); });
     connect(&document, &Document::regionsChanged, this, [this] {
         changeScene([this](ViewScene &scene) { scene.labels = m_document.labels(); });
     });

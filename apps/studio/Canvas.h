@@ -52,7 +52,7 @@ public:
     /// True when all that is visible has been drawn as it is now.
     bool isUpToDate() const
     {
-        return m_edges.isUpToDate() && m_mask.isUpToDate() && m_tiles.isUpToDate();
+        return m_edgePreview.isUpToDate() && m_mask.isUpToDate() && m_tiles.isUpToDate();
     }
 
     QSize sizeHint() const override { return {900, 620}; }
@@ -105,7 +105,7 @@ private:
 
     Document &m_document;
     QPointer<Tool> m_tool;
-    EdgePreview m_edges;
+    EdgePreview m_edgePreview;
     MaskLayer m_mask;
     TileCache m_tiles;
     ViewTransform m_view;
