@@ -21,6 +21,7 @@ constexpr int fitMargin = 12; // pixels of the canvas round a picture that fits
 Canvas::Canvas(Document &document, QWidget *parent)
     : QWidget(parent)
     , m_document(document)
+    , m_edgePreview(document)
 {
     setAccessibleName(tr("Picture"));
     setAccessibleDescription(tr("The picture with its cut, on which the tools work"));
@@ -33,7 +34,8 @@ Canvas::Canvas(Document &document, QWidget *parent)
     connect(&m_tiles, &TileCache::changed, this, &Canvas::updateTiles);
     connect(&m_mask, &MaskLayer::changed, this, &Canvas::takeMask);
     connect(&document, &Document::pictureChanged, this, &Canvas::showPicture);
-    connect(&document, &Document::maskChanged, this, [this] { m_mask.setMask(m_document.mask()); });
+    connect(&m_edgePreview, &EdgePreview::maskChanged, this,
+            [this] { m_mask.setMask(m_edgePreview.mask()); });
     connect(&document, &Document::regionsChanged, this, [this] {
         changeScene([this](ViewScene &scene) { scene.labels = m_document.labels(); });
     });
@@ -41,7 +43,6 @@ Canvas::Canvas(Document &document, QWidget *parent)
 
 void Canvas::showPicture()
 {
-    m_mask.setMask(m_document.mask());
     changeScene([this](ViewScene &scene) {
         scene.picture = m_document.opened().levels;
         scene.labels = m_document.labels();
@@ -100,11 +101,15 @@ void Canvas::takeMask(const QRect &maskArea)
     ViewScene scene = m_tiles.scene();
     const bool wasNull = scene.mask.isNull();
     scene.mask = m_mask.pyramid();
-    if (wasNull || scene.mask.isNull())
+    if (wasNull || scene.mask.isNull()) {
         m_tiles.setScene(scene);
-    else
-        m_tiles.setScene(scene,
-                         m_document.opened().scale.reducing().inverted().mapRect(QRectF(maskArea)));
+        return;
+    }
+    const QSizeF picture = m_document.picture().size();
+    const QSizeF mask = scene.mask.size();
+    m_tiles.setScene(scene, QTransform::fromScale(picture.width() / mask.width(),
+                                                  picture.height() / mask.height())
+                                    .mapRect(QRectF(maskArea)));
 }
 
 void Canvas::updateTiles(const QRect &area)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "EdgePreview.h"
 #include "MaskLayer.h"
 #include "TileCache.h"
 #include "ViewMode.h"
@@ -49,7 +50,10 @@ public:
     void zoomTo(double scale, const QPointF &fixedPoint);
 
     /// True when all that is visible has been drawn as it is now.
-    bool isUpToDate() const { return m_mask.isUpToDate() && m_tiles.isUpToDate(); }
+    bool isUpToDate() const
+    {
+        return m_edgePreview.isUpToDate() && m_mask.isUpToDate() && m_tiles.isUpToDate();
+    }
 
     QSize sizeHint() const override { return {900, 620}; }
 
@@ -101,6 +105,7 @@ private:
 
     Document &m_document;
     QPointer<Tool> m_tool;
+    EdgePreview m_edgePreview;
     MaskLayer m_mask;
     TileCache m_tiles;
     ViewTransform m_view;

@@ -1,6 +1,7 @@
 #include "Document.h"
 
 #include "CutStep.h"
+#include "EdgeStep.h"
 #include "RyUndoController.h"
 
 #include <QPointer>
@@ -33,8 +34,10 @@ Document::~Document()
 void Document::setPicture(const OpenedPicture &picture)
 {
     m_opened = picture;
+    m_edges = {};
     m_runner.setPicture(picture.cuttingPicture, picture.scale.reducing());
     undoStack()->clear();
+    Q_EMIT edgeSettingsChanged();
     Q_EMIT pictureChanged();
 }
 
@@ -130,6 +133,41 @@ void Document::endStroke()
 void Document::abandonStroke()
 {
     m_runner.abandon();
+}
+
+void Document::setEdgeSettings(const EdgeSettings &settings, const QString &stepName)
+{
+    if (settings == m_edges)
+        return;
+    if (continuesEdgeStep(stepName)) {
+        m_edgeStep.lock()->setAfter(settings);
+    } else {
+        const auto restore = [document = QPointer(this)](const EdgeSettings &restored) {
+            if (!document)
+                return;
+            document->m_edgeStep.reset();
+            document->showEdgeSettings(restored);
+        };
+        const auto step = std::make_shared<EdgeStep>(stepName, m_edges, settings, restore);
+        m_undoController->accept(step);
+        m_edgeStep = step;
+        m_edgeStepIndex = undoStack()->index();
+    }
+    showEdgeSettings(settings);
+}
+
+bool Document::continuesEdgeStep(const QString &stepName) const
+{
+    const std::shared_ptr<EdgeStep> step = m_edgeStep.lock();
+    const QUndoStack &stack = *undoStack();
+    return step && step->text() == stepName && stack.index() == m_edgeStepIndex &&
+           stack.count() == m_edgeStepIndex && !stack.isClean();
+}
+
+void Document::showEdgeSettings(const EdgeSettings &settings)
+{
+    m_edges = settings;
+    Q_EMIT edgeSettingsChanged();
 }
 
 void Document::cancel()

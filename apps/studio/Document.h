@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CutRunner.h"
+#include "CutoutSource.h"
 #include "OpenedPicture.h"
 
 #include <QImage>
@@ -9,6 +10,9 @@
 #include <QSet>
 #include <QString>
 
+#include <memory>
+
+class EdgeStep;
 class QUndoStack;
 class RyUndoController;
 
@@ -74,6 +78,12 @@ public:
     void endStroke();
     void abandonStroke();
 
+    const EdgeSettings &edgeSettings() const { return m_edges; }
+    /// A step of this name. It goes on with the last one while that has the same name, so that all
+    /// the way of a slider is undone at once.
+    void setEdgeSettings(const EdgeSettings &settings, const QString &stepName);
+    CutoutSource cutoutSource() const { return {m_opened, mask(), m_edges}; }
+
     bool isCutting() const { return m_runner.isCutting(); }
     bool isBusy() const { return !m_runner.isIdle(); }
     QUndoStack *undoStack() const;
@@ -89,6 +99,7 @@ Q_SIGNALS:
     void pictureChanged();
     void maskChanged();
     void regionsChanged();
+    void edgeSettingsChanged();
     void progress(int currentStep, int totalSteps); ///< of a cut
     void isCuttingChanged(bool isCutting);
     void isModifiedChanged(bool isModified);
@@ -99,11 +110,16 @@ private:
     Gesture methodGesture() const;
     void record(const CutRunner::Step &step);
     void addToStroke(const QPolygonF &points);
+    bool continuesEdgeStep(const QString &stepName) const;
+    void showEdgeSettings(const EdgeSettings &settings);
 
     RyUndoController *const m_undoController; // the library's own, which outlives us
     OpenedPicture m_opened;
     RyImageSegmentation::CutMethod m_cutMethod = RyImageSegmentation::CutMethod::GraphCut;
     Brush m_brush;
     QPointF m_lastStrokePoint;
+    EdgeSettings m_edges;
+    std::weak_ptr<EdgeStep> m_edgeStep; // the undo stack's; null when nothing can go on with it
+    int m_edgeStepIndex = 0;            // of the stack, right after that step
     CutRunner m_runner;
 };

@@ -49,6 +49,7 @@ MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent)
     , m_tools(m_document)
     , m_undoActions(m_document, m_tools)
+    , m_exports(m_document, this)
     , m_canvas(new Canvas(m_document))
     , m_startPage(new StartPage)
     , m_pages(new QStackedWidget)
@@ -68,6 +69,7 @@ MainWindow::MainWindow(QWidget *parent)
     createViewMenu();
     createToolBars();
     connectDocument();
+    connectExports();
     connect(m_startPage, &StartPage::openRequested, this, &MainWindow::chooseFile);
     connect(m_startPage, &StartPage::sampleChosen, this, &MainWindow::openFile);
     connect(&m_tools, &ToolSet::currentChanged, this, &MainWindow::showTool);
@@ -106,6 +108,21 @@ void MainWindow::connectDocument()
         updateActions();
     });
     connect(&m_document, &Document::isModifiedChanged, this, &MainWindow::updateTitle);
+}
+
+void MainWindow::connectExports()
+{
+    connect(&m_exports, &ExportController::failed, this, &MainWindow::complain);
+    connect(&m_exports, &ExportController::isBusyChanged, this, [this](bool isBusy) {
+        if (isBusy)
+            m_statusBar->beginProgress(tr("Exporting…"));
+        else if (!m_document.isCutting() && !m_loader.isLoading())
+            m_statusBar->endProgress();
+    });
+    connect(&m_exports, &ExportController::done, this, [this](const QString &sentence) {
+        constexpr int messageMs = 5000;
+        m_statusBar->showMessage(sentence, messageMs);
+    });
 }
 
 void MainWindow::openFile(const QString &fileName)
@@ -201,6 +218,7 @@ void MainWindow::cancel()
     if (m_tools.current()->escape())
         return;
     m_loader.cancel();
+    m_exports.cancel();
     m_document.cancel();
 }
 

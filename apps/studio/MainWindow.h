@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Document.h"
+#include "ExportController.h"
 #include "PictureLoader.h"
 #include "ToolSet.h"
 #include "UndoActions.h"
@@ -12,6 +13,7 @@
 class Canvas;
 class QAction;
 class QActionGroup;
+class QMenu;
 class QMimeData;
 class QStackedWidget;
 class StartPage;
@@ -44,6 +46,7 @@ protected:
 private:
     QAction *addTo(QWidget *menu, const QString &id, const QString &text,
                    const QKeySequence &shortcut);
+    void addCutAction(QMenu *menu, QAction *action);
     void setIcon(QAction *action, VectorIcon::Shape shape);
     void createFileMenu();
     void createEditMenu();
@@ -53,9 +56,12 @@ private:
     void createViewModes(QMenu *menu);
     void createBackgroundColors(QMenu *menu);
     void createDocks(QMenu *menu);
+    void addDock(QMenu *menu, const QString &id, const QString &title, Qt::Key key,
+                 QWidget *content); ///< which it takes
     void createToolBars();
     QWidget *createViewModeButton();
     void connectDocument();
+    void connectExports();
 
     void chooseFile();
     void paste();
@@ -72,6 +78,7 @@ private:
     PictureLoader m_loader;
     ToolSet m_tools;
     UndoActions m_undoActions;
+    ExportController m_exports;
     Canvas *m_canvas; // the widgets are children
     StartPage *m_startPage;
     QStackedWidget *m_pages;

@@ -1,6 +1,8 @@
 #include "MainWindow.h"
 
 #include "Canvas.h"
+#include "ColorIcon.h"
+#include "EdgePanel.h"
 #include "RecentFilesMenu.h"
 #include "settings/RyImageCutterSettings.h"
 
@@ -8,7 +10,6 @@
 #include <QActionGroup>
 #include <QDockWidget>
 #include <QMenuBar>
-#include <QPainter>
 #include <QToolBar>
 #include <QToolButton>
 #include <QUndoView>
@@ -20,17 +21,6 @@ namespace {
 constexpr QSize toolIconSize(26, 26);
 constexpr QSize barIconSize(20, 20);
 constexpr int dockWidth = 210;
-
-QIcon colorIcon(const QColor &color)
-{
-    constexpr int side = 16;
-    QPixmap pixmap(side, side);
-    pixmap.fill(color);
-    QPainter painter(&pixmap);
-    painter.setPen(Qt::gray);
-    painter.drawRect(pixmap.rect().adjusted(0, 0, -1, -1));
-    return QIcon(pixmap);
-}
 
 } // namespace
 
@@ -45,6 +35,13 @@ QAction *MainWindow::addTo(QWidget *menu, const QString &id, const QString &text
     menu->addAction(action);
     addAction(action);
     return action;
+}
+
+void MainWindow::addCutAction(QMenu *menu, QAction *action)
+{
+    menu->addAction(action);
+    addAction(action);
+    m_cutActions.append(action);
 }
 
 void MainWindow::setIcon(QAction *action, VectorIcon::Shape shape)
@@ -63,6 +60,9 @@ void MainWindow::createFileMenu()
     menu->addMenu(recent);
     connect(recent, &RecentFilesMenu::chosen, this, &MainWindow::openFile);
     menu->addSeparator();
+    for (QAction *const action : m_exports.exportActions())
+        addCutAction(menu, action);
+    menu->addSeparator();
     QAction *const quit =
             addTo(menu, QStringLiteral("quit"), tr("&Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q));
     connect(quit, &QAction::triggered, this, &QWidget::close);
@@ -79,6 +79,7 @@ void MainWindow::createEditMenu()
     m_cancelAction = addTo(menu, QStringLiteral("cancel"), tr("&Cancel"), Qt::Key_Escape);
     connect(m_cancelAction, &QAction::triggered, this, &MainWindow::cancel);
     menu->addSeparator();
+    addCutAction(menu, m_exports.copyAction());
     QAction *const pasting =
             addTo(menu, QStringLiteral("paste"), tr("&Paste Picture"), QKeySequence::Paste);
     setIcon(pasting, VectorIcon::Shape::Paste);
@@ -202,7 +203,7 @@ void MainWindow::createBackgroundColors(QMenu *menu)
     for (const QColor &color : settings) {
         if (!color.isValid())
             continue;
-        QAction *const action = colors->addAction(colorIcon(color), color.name().toUpper());
+        QAction *const action = colors->addAction(ColorIcon::make(color), color.name().toUpper());
         connect(action, &QAction::triggered, m_canvas, [this, color] {
             m_canvas->setBackgroundColor(color);
             m_canvas->setViewMode(ViewMode::Background);
@@ -213,20 +214,27 @@ void MainWindow::createBackgroundColors(QMenu *menu)
 
 void MainWindow::createDocks(QMenu *menu)
 {
-    auto *const dock = new QDockWidget(tr("History"), this);
-    dock->setObjectName(QStringLiteral("historyDock"));
-    auto *const list = new QUndoView(m_document.undoStack(), dock);
+    addDock(menu, QStringLiteral("edges"), tr("Edge"), Qt::Key_F8, new EdgePanel(m_document));
+    auto *const list = new QUndoView(m_document.undoStack());
     list->setEmptyLabel(tr("Picture opened"));
     list->setAccessibleName(tr("History"));
     list->setSpacing(2);
     list->setFrameShape(QFrame::NoFrame);
-    dock->setWidget(list);
+    addDock(menu, QStringLiteral("history"), tr("History"), Qt::Key_F9, list);
+}
+
+void MainWindow::addDock(QMenu *menu, const QString &id, const QString &title, Qt::Key key,
+                         QWidget *content)
+{
+    auto *const dock = new QDockWidget(title, this);
+    dock->setObjectName(id + QStringLiteral("Dock"));
+    dock->setWidget(content); // and takes it
     addDockWidget(Qt::RightDockWidgetArea, dock);
     resizeDocks({dock}, {dockWidth}, Qt::Horizontal);
     m_workWidgets.append(dock);
     QAction *const toggle = dock->toggleViewAction();
-    toggle->setObjectName(QStringLiteral("history"));
-    toggle->setShortcut(Qt::Key_F9);
+    toggle->setObjectName(id);
+    toggle->setShortcut(key);
     menu->addAction(toggle);
     addAction(toggle);
 }

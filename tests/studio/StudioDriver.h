@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QMouseEvent>
 #include <QTest>
+#include <QToolBar>
 #include <QWheelEvent>
 #include <QtMath>
 
@@ -35,6 +36,13 @@ public:
         return **std::find_if(actions.begin(), actions.end(), [id](const QAction *action) {
             return action->objectName() == QLatin1StringView(id);
         });
+    }
+
+    /// The current tool's control of this kind.
+    template <typename Control>
+    Control *toolOption()
+    {
+        return window.findChild<QToolBar *>(QStringLiteral("optionsBar"))->findChild<Control *>();
     }
 
     /// True when the picture is there.

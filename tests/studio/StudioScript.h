@@ -2,9 +2,13 @@
 
 #include "StudioDriver.h"
 
+#include <QClipboard>
 #include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QImage>
+#include <QMimeData>
 #include <QRandomGenerator>
+#include <QSpinBox>
 
 #include <algorithm>
 #include <cmath>
@@ -45,7 +49,7 @@ public:
     }
 
     /// False as soon as something has no end.
-    bool run() { return cut() && correct() && look() && undoAndRedo() && cancel(); }
+    bool run() { return cut() && correct() && look() && edges() && undoAndRedo() && cancel(); }
     double slowestHoverMs() const { return m_slowestHoverMs; } ///< from the move to the paint
 
 private:
@@ -143,6 +147,35 @@ private:
         const bool hasPanned = done("pan");
         use("zoomFit");
         return hasPanned;
+    }
+
+    /// A slider on its way, then two more controls, and a stroke whose mask follows them all.
+    bool edges()
+    {
+        const auto set = [this](const char *control, int value) {
+            m_studio.window.findChild<QSpinBox *>(QLatin1StringView(control))->setValue(value);
+            QTest::qWait(pauseMs);
+        };
+        for (int feather = 1; feather <= 20; ++feather)
+            set("edgeFeather", feather);
+        set("edgeSmooth", 5);
+        set("edgeDrop", 100);
+        if (!done("edge controls"))
+            return false;
+        use("scribble");
+        drag(circle(0.6, 40));
+        if (!done("scribble under a soft edge"))
+            return false;
+        QGuiApplication::clipboard()->setText(QStringLiteral("something else"));
+        use("copyCutout");
+        const bool isCopied = QTest::qWaitFor(
+                [] {
+                    const QMimeData *const data = QGuiApplication::clipboard()->mimeData();
+                    return data && data->hasImage();
+                },
+                StudioDriver::patienceMs);
+        m_report("copy");
+        return isCopied;
     }
 
     bool undoAndRedo()

@@ -237,7 +237,7 @@ void tst_Studio::scribblePaintsOnePixel()
     openAndCut();
     const QImage before = m_studio->document().mask();
     m_studio->action("scribble").trigger();
-    m_studio->window.findChild<QSpinBox *>()->setValue(1);
+    m_studio->toolOption<QSpinBox>()->setValue(1);
     m_studio->canvas().zoomTo(16.0, m_studio->canvas().view().toWidget(wood));
     m_studio->click(wood + QPointF(0.5, 0.5));
     QVERIFY(m_studio->settle());
@@ -441,7 +441,7 @@ void tst_Studio::penDraws()
 {
     openAndCut();
     m_studio->action("scribble").trigger();
-    m_studio->window.findChild<QSpinBox *>()->setValue(3);
+    m_studio->toolOption<QSpinBox>()->setValue(3);
     const auto send = [&](QEvent::Type type, QPointingDevice::PointerType end, const QPointF &at) {
         const QPointingDevice pen(QStringLiteral("pen"), 1, QInputDevice::DeviceType::Stylus, end,
                                   QInputDevice::Capability::Position, 1, 2);
@@ -472,7 +472,7 @@ void tst_Studio::brushSize()
 {
     QVERIFY(m_studio->open(coffee));
     m_studio->action("brush").trigger();
-    auto *const number = m_studio->window.findChild<QSpinBox *>();
+    auto *const number = m_studio->toolOption<QSpinBox>();
     number->setValue(40);
     m_studio->canvas().setFocus();
     m_studio->key(Qt::Key_BracketRight);
