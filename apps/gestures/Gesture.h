@@ -34,6 +34,12 @@ struct Gesture
     {};
     struct Paint : Stroke
     {};
+    /// Puts all that a polygon encloses on one side, pixel by pixel. It closes itself.
+    struct Area
+    {
+        bool isForeground = true;
+        QPolygonF points;
+    };
     struct Hover
     {
         bool isForeground = true;
@@ -72,7 +78,7 @@ struct Gesture
     struct Redo : Plain
     {};
 
-    using Step = std::variant<Lasso, Click, Scribble, Paint, Hover, Color, Method, Seed, Wire,
+    using Step = std::variant<Lasso, Click, Scribble, Paint, Area, Hover, Color, Method, Seed, Wire,
                               Close, Recut, Invert, Undo, Redo>;
 
     explicit Gesture(Step what);

@@ -5,6 +5,7 @@
 #include "gestures/GestureWriter.h"
 
 #include <QStringList>
+#include <QUrl>
 
 #include <algorithm>
 
@@ -15,6 +16,8 @@ namespace {
 constexpr char signature[] = "rycut-session";
 constexpr char version[] = "1";
 constexpr char pictureWord[] = "picture";
+constexpr char fileWord[] = "file";
+constexpr char longestSideWord[] = "longest-side";
 constexpr char widthWord[] = "width";
 
 void readVersion(GestureReader &reader)
@@ -51,6 +54,45 @@ GestureFile::Picture readPicture(GestureReader &reader)
     return {QSize(width, height), hash.toByteArray()};
 }
 
+/// Encoded as in a URL: names hold blanks and comment signs.
+QString readPictureFile(GestureReader &reader)
+{
+    reader.setForm("file NAME");
+    const QString name = QUrl::fromPercentEncoding(reader.takeWord().toByteArray());
+    if (name.isEmpty())
+        reader.failExpecting(u"the name of a picture's file"_s);
+    return name;
+}
+
+int readLongestSide(GestureReader &reader)
+{
+    reader.setForm("longest-side PIXELS");
+    bool isNumber = false;
+    const int pixels = reader.takeWord().toInt(&isNumber);
+    if (!isNumber || pixels < 0)
+        reader.failExpecting(u"a whole number from 0 up"_s);
+    return pixels;
+}
+
+/// False for lines that do not tell of the picture.
+bool readAboutPicture(GestureReader &reader, GestureFile &file, bool isNextToVersion)
+{
+    const QByteArrayView word = reader.lineWord();
+    if (word != pictureWord && word != fileWord && word != longestSideWord)
+        return false;
+    if (word == pictureWord && !isNextToVersion)
+        reader.fail(u"the picture belongs right below 'rycut-session 1'"_s);
+    if (!file.gestures.isEmpty())
+        reader.fail(u"'%1' belongs above the first gesture"_s.arg(QString::fromLatin1(word)));
+    if (word == pictureWord)
+        file.picture = readPicture(reader);
+    else if (word == fileWord)
+        file.pictureFile = readPictureFile(reader);
+    else
+        file.longestSide = readLongestSide(reader);
+    return true;
+}
+
 Gesture readGesture(GestureReader &reader)
 {
     QStringList names;
@@ -85,13 +127,9 @@ GestureFile GestureFile::parse(const QByteArray &text, const QString &name)
     bool hasSeed = false;
     readVersion(reader);
     for (bool isNextToVersion = true; reader.nextLine(); isNextToVersion = false) {
-        if (isNextToVersion && reader.lineWord() == pictureWord)
-            file.picture = readPicture(reader);
-        else if (reader.lineWord() == pictureWord)
-            reader.fail(u"the picture belongs right below 'rycut-session 1'"_s);
-        else if (reader.lineWord() == widthWord)
+        if (reader.lineWord() == widthWord) {
             reader.takeBrushWidth();
-        else {
+        } else if (!readAboutPicture(reader, file, isNextToVersion)) {
             file.gestures.append(readGesture(reader));
             hasSeed = leavesASeed(file.gestures.last(), hasSeed, reader);
         }
@@ -107,6 +145,10 @@ QByteArray GestureFile::text() const
     if (picture)
         writer.writeLine(QByteArray(pictureWord) + ' ' + QByteArray::number(picture->size.width()) +
                          'x' + QByteArray::number(picture->size.height()) + ' ' + picture->sha256);
+    if (!pictureFile.isEmpty())
+        writer.writeLine(QByteArray(fileWord) + ' ' + QUrl::toPercentEncoding(pictureFile, "/:"));
+    if (longestSide)
+        writer.writeLine(QByteArray(longestSideWord) + ' ' + QByteArray::number(*longestSide));
     for (const Gesture &gesture : gestures)
         writer.write(gesture);
     return writer.text();

@@ -13,7 +13,8 @@
  * What was done in a session, as a text that people can read and change.
  *
  * One gesture a line, in pixels of the picture; "#" starts a comment. The first line says
- * "rycut-session 1", the next one may say which picture it was: "picture WIDTHxHEIGHT SHA256".
+ * "rycut-session 1", the next one may say which picture it was: "picture WIDTHxHEIGHT SHA256". Then
+ * may follow where its file is, "file NAME", and how it was cut, "longest-side PIXELS".
  */
 struct GestureFile
 {
@@ -24,6 +25,8 @@ struct GestureFile
     };
 
     std::optional<Picture> picture;
+    QString pictureFile; ///< relative to the session's folder or absolute; empty where none is told
+    std::optional<int> longestSide; ///< that the picture was reduced to; 0 for never
     QList<Gesture> gestures;
 
     /// The name is for messages. Whatever is malformed is thrown as GestureFileError.

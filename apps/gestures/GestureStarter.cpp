@@ -39,6 +39,15 @@ void GestureStarter::start(const Gesture::Paint &paint) const
                                             paint.isTemporary);
 }
 
+void GestureStarter::start(const Gesture::Area &area) const
+{
+    QPainterPath path;
+    path.setFillRule(Qt::WindingFill); // an outline that crosses itself leaves no holes
+    path.addPolygon(area.points);
+    path.closeSubpath();
+    m_session.startThreadWithScribble(m_toSession.map(path), area.isForeground, false);
+}
+
 void GestureStarter::start(const Gesture::Hover &hover) const
 {
     const QPoint pixel = m_toSession.map(hover.point).toPoint(); // the one that a click would take

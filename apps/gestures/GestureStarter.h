@@ -23,6 +23,7 @@ public:
     void start(const Gesture::Click &click) const;
     void start(const Gesture::Scribble &scribble) const;
     void start(const Gesture::Paint &paint) const;
+    void start(const Gesture::Area &area) const;
     void start(const Gesture::Hover &hover) const;
     void start(const Gesture::Color &color) const;
     void start(const Gesture::Method &method) const;

@@ -6,11 +6,11 @@
 
 namespace {
 
-constexpr int fewestOfALasso = 3; // that enclose an area
+constexpr int fewestOfAPolygon = 3; // that enclose an area
 
 void describeStep(GestureFields &fields, Gesture::Lasso &lasso)
 {
-    fields.points(lasso.points, fewestOfALasso);
+    fields.points(lasso.points, fewestOfAPolygon);
 }
 
 void describeStep(GestureFields &fields, Gesture::Click &click)
@@ -24,6 +24,12 @@ void describeStep(GestureFields &fields, Gesture::Stroke &stroke)
     fields.choice(stroke.isForeground, "fg", "bg");
     fields.choice(stroke.isTemporary, "temporary", "final");
     fields.points(stroke.points, 1);
+}
+
+void describeStep(GestureFields &fields, Gesture::Area &area)
+{
+    fields.choice(area.isForeground, "fg", "bg");
+    fields.points(area.points, fewestOfAPolygon);
 }
 
 void describeStep(GestureFields &fields, Gesture::Hover &hover)
@@ -65,6 +71,7 @@ std::span<const GestureWords::Word> GestureWords::all()
             Word{"scribble", "scribble fg|bg temporary|final x1 y1 ...",
                  Gesture(Gesture::Scribble())},
             Word{"paint", "paint fg|bg temporary|final x1 y1 ...", Gesture(Gesture::Paint())},
+            Word{"area", "area fg|bg x1 y1 x2 y2 x3 y3 ...", Gesture(Gesture::Area())},
             Word{"hover", "hover fg|bg x y diameter", Gesture(Gesture::Hover())},
             Word{"color", "color #rrggbb", Gesture(Gesture::Color())},
             Word{"method", "method graph|classic", Gesture(Gesture::Method())},

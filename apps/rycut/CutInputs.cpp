@@ -119,5 +119,8 @@ void CutInputs::read(CutResult &result, const CutOptions &options, const Interru
     if (comparesPictures)
         checkIsSamePicture(*file.picture, *result.session.picture, options);
     interruption.check();
-    result.scale = CuttingScale(result.picture.size(), options.maxLength);
+    const int longestSide = options.choosesMaxLength ? options.maxLength
+                                                     : file.longestSide.value_or(options.maxLength);
+    result.session.longestSide = longestSide;
+    result.scale = CuttingScale(result.picture.size(), longestSide);
 }

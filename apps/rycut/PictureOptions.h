@@ -12,6 +12,7 @@ struct PictureOptions
     QString report; ///< file name, or empty
 
     int maxLength = 0; ///< longest side for cutting, in pixels; 0 cuts at full size
+    bool choosesMaxLength = false; ///< it is the user's choice, not the settings'
     EdgeOptions edges;
     CutoutPicture::Options cutout;
 

@@ -81,7 +81,7 @@ void PictureOptionsParser::addSizeOptions()
 {
     m_parser.addOptions({{u"max-length"_s,
                           u"Reduce larger pictures to this longest side for cutting; 0 for never. "
-                          "Default: %1."_s.arg(defaultMaxLength()),
+                          "Default: %1, or what a session file says."_s.arg(defaultMaxLength()),
                           u"pixels"_s},
                          {u"full-size"_s, u"Cut at full size, as --max-length 0 does."_s},
                          {u"allow-huge"_s, u"Read pictures of more than 200 megapixels."_s}});
@@ -132,6 +132,7 @@ void PictureOptionsParser::readPictureOptions(PictureOptions &options) const
 {
     options.report = fileName(u"report"_s);
     options.maxLength = maxLength();
+    options.choosesMaxLength = isSet(u"max-length"_s) || isSet(u"full-size"_s);
     options.allowHuge = isSet(u"allow-huge"_s);
     options.quiet = isSet(u"quiet"_s);
     options.kernel = value(u"kernel"_s);

@@ -43,6 +43,7 @@ public:
     void setBackgroundColor(const QColor &color);
     void setShowsContours(bool shows);
     void setHidesMask(bool hides);
+    bool hidesMask() const { return m_tiles.scene().hidesMask; }
 
     const ViewTransform &view() const { return m_view; }
     /// Pixels of the screen for each pixel of the picture; the point, in pixels of the canvas, stays

@@ -44,6 +44,7 @@ PointerEvent Canvas::pointerEvent(const QSinglePointEvent &event) const
             .widgetPosition = event.position(),
             .button = event.button(),
             .modifiers = event.modifiers(),
+            .widgetScale = m_view.widgetScale(),
             .isEraser = event.pointerType() == QPointingDevice::PointerType::Eraser};
 }
 
@@ -182,7 +183,7 @@ void Canvas::keyReleaseEvent(QKeyEvent *event)
         updateCursor();
     } else if (event->key() == m_hidingKey) {
         setHidesMask(false);
-    } else {
+    } else if (!m_tool || !m_tool->keyRelease(*event)) {
         QWidget::keyReleaseEvent(event);
     }
 }

@@ -76,7 +76,16 @@ void CutRunner::setPicture(const QImage &picture, const QTransform &toSession)
 
 void CutRunner::apply(const QString &name, const QList<Gesture> &gestures)
 {
-    enqueue({.name = name, .gestures = gestures});
+    enqueue({.name = name, .gestures = gestures, .oneByOne = true});
+}
+
+void CutRunner::replay(const QString &name, const ReplayStep &step)
+{
+    enqueue({.name = name,
+             .gestures = step.gestures,
+             .oneByOne = true,
+             .isReplayed = true,
+             .wire = step.wire});
 }
 
 void CutRunner::begin(const QString &name)
@@ -211,6 +220,11 @@ QSet<int> CutRunner::regionsUnder(const QPointF &point, double diameter) const
                                  std::max(1, int(std::lround(diameter * scale))));
 }
 
+bool CutRunner::Job::mayStart(bool isBusy) const
+{
+    return started < gestures.size() && !isAbandoned && !(oneByOne && isBusy);
+}
+
 void CutRunner::enqueue(Job job)
 {
     m_jobs.push_back(std::move(job));
@@ -247,7 +261,8 @@ bool CutRunner::performFirst()
     if (!job.hasBegun)
         beginJob(job);
     startGestures(job);
-    if (!job.isComplete || m_session.isBusy())
+    const bool isStarted = job.isAbandoned || job.started == job.gestures.size();
+    if (!job.isComplete || !isStarted || m_session.isBusy())
         return false;
     finishFirst();
     return true;
@@ -260,23 +275,33 @@ void CutRunner::beginJob(Job &job)
     m_heardNullMask = false;
     // A lasso inside the last one would use its regions again, and its cut would depend on lassos
     // that session files no longer tell of.
-    if (job.beginsCut())
+    if (job.beginsCut() && !job.isReplayed)
         m_session.reset();
     announceCutting();
 }
 
 void CutRunner::startGestures(Job &job)
 {
+    const bool isFirst = job.started == 0;
+    while (job.mayStart(m_session.isBusy()))
+        startNext(job);
+    if (isFirst)
+        m_heardNullMask = false; // those that a session sends before it begins to cut
+}
+
+void CutRunner::startNext(Job &job)
+{
+    const Gesture &gesture = job.gestures.at(job.started++);
+    if (std::holds_alternative<Gesture::Close>(gesture.step)) {
+        GestureStarter(m_session, {}).start(Gesture::Lasso{job.wire}); // as it is, unrounded
+        return;
+    }
     const GestureStarter starter(m_session, m_toSession);
     const auto start = [&starter](const auto &step) {
         if constexpr (requires { starter.start(step); })
             starter.start(step);
     };
-    const bool isFirst = job.started == 0;
-    while (job.started < job.gestures.size() && !job.isAbandoned)
-        std::visit(start, job.gestures.at(job.started++).step);
-    if (isFirst)
-        m_heardNullMask = false; // those that a session sends before it begins to cut
+    std::visit(start, gesture.step);
 }
 
 void CutRunner::finishFirst()
@@ -292,7 +317,8 @@ void CutRunner::finishFirst()
     }
     if (job.gestures.isEmpty())
         return;
-    m_gestures = job.beginsCut() ? job.gestures : m_gestures + asRecorded(job.gestures);
+    const bool replaces = job.beginsCut() && !job.isReplayed;
+    m_gestures = replaces ? job.gestures : m_gestures + asRecorded(job.gestures);
     m_hasCut = m_hasCut || job.beginsCut();
     const CutState after = state();
     setMask(m_session.maskForeground());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CutState.h"
+#include "ReplayStep.h"
 #include "RyUndoController.h"
 #include "gestures/Gesture.h"
 #include "segmentation/RyImageSegmentation.h"
@@ -47,8 +48,10 @@ public:
     /// takes there.
     void setPicture(const QImage &picture, const QTransform &toSession);
 
-    /// A step of gestures that are known already.
+    /// A step of gestures that are known already, each made when the one before it is answered.
     void apply(const QString &name, const QList<Gesture> &gestures);
+    /// A step of a session file, on top of all that its earlier ones did.
+    void replay(const QString &name, const ReplayStep &step);
     /// A step of several ones, shown as they come: begin(), add() any number of times, then end(), or
     /// abandon() as if it had not begun.
     void begin(const QString &name);
@@ -66,6 +69,7 @@ public:
     /// Gives up what is not done, and goes back to another state.
     void restore(const CutState &state);
     CutState state() const;
+    QList<Gesture> gestures() const { return m_hasCut ? m_gestures : QList<Gesture>(); }
 
     QImage mask() const { return m_mask; } ///< in the session's size and format; null without a cut
     QImage labels() const { return m_labels; }
@@ -92,9 +96,13 @@ private:
         bool hasBegun = false;
         bool isComplete = true;
         bool isAbandoned = false;
+        bool oneByOne = false;
+        bool isReplayed = false;
+        QPolygonF wire = {}; ///< what a gesture that closes one encloses; in pixels of the session
         CutState before = {};
 
-        bool beginsCut() const { return has<Gesture::Lasso>(); }
+        bool mayStart(bool isBusy) const;
+        bool beginsCut() const { return has<Gesture::Lasso>() || has<Gesture::Close>(); }
         bool isCut() const { return beginsCut() || has<Gesture::Recut>(); }
 
     private:
@@ -112,6 +120,7 @@ private:
     bool performFirst();
     void beginJob(Job &job);
     void startGestures(Job &job);
+    void startNext(Job &job);
     void finishFirst();
     void cancelCut(const Job &job);
     void takeUnpacked(const std::shared_ptr<const RyMementoSegmentation> &memento, quint64 restore);

@@ -11,5 +11,5 @@
 struct CutState
 {
     std::shared_ptr<const RyMementoSegmentation> memento; ///< null before the first cut
-    QList<Gesture> gestures; ///< from the last lasso on; nothing before it has any effect
+    QList<Gesture> gestures; ///< all that has any effect: mostly from the last lasso on
 };

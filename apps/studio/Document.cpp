@@ -3,12 +3,14 @@
 #include "CutStep.h"
 #include "EdgeStep.h"
 #include "RyUndoController.h"
+#include "StepName.h"
 
 #include <QPointer>
 #include <QThreadPool>
 #include <QUndoStack>
 
 #include <memory>
+#include <utility>
 
 Document::Document(QObject *parent)
     : QObject(parent)
@@ -33,6 +35,7 @@ Document::~Document()
 
 void Document::setPicture(const OpenedPicture &picture)
 {
+    endReplay(false);
     m_opened = picture;
     m_edges = {};
     m_runner.setPicture(picture.cuttingPicture, picture.scale.reducing());
@@ -56,6 +59,17 @@ void Document::setSaved()
     undoStack()->setClean();
 }
 
+void Document::setUnsaved()
+{
+    undoStack()->resetClean();
+}
+
+void Document::setPictureFile(const QString &fileName, const QByteArray &sha256)
+{
+    m_opened.fileName = fileName;
+    m_opened.reference.sha256 = sha256;
+}
+
 QUndoStack *Document::undoStack() const
 {
     return m_undoController->stack();
@@ -67,13 +81,18 @@ void Document::cutLasso(const QPolygonF &lasso)
         return;
     if (isCutting())
         m_runner.cancel(); // nobody waits for it any more
-    m_runner.apply(tr("Lasso"), {methodGesture(), Gesture(Gesture::Lasso{lasso})});
+    apply({methodGesture(), Gesture(Gesture::Lasso{lasso})});
+}
+
+void Document::apply(const QList<Gesture> &gestures)
+{
+    m_runner.apply(StepName::of(gestures.last()), gestures);
 }
 
 void Document::recut()
 {
     if (hasCut() && !isCutting())
-        m_runner.apply(tr("Cut Anew"), {methodGesture(), Gesture(Gesture::Recut{})});
+        apply({methodGesture(), Gesture(Gesture::Recut{})});
 }
 
 Gesture Document::methodGesture() const
@@ -81,27 +100,56 @@ Gesture Document::methodGesture() const
     return Gesture(Gesture::Method{m_cutMethod == RyImageSegmentation::CutMethod::GraphCut});
 }
 
+void Document::useWire(const QPolygonF &outline, WireUse use)
+{
+    if (!hasPicture())
+        return;
+    if (isCutting())
+        m_runner.cancel();
+    if (use == WireUse::Cut)
+        m_runner.apply(tr("Cut by Scissors"), {methodGesture(), Gesture(Gesture::Lasso{outline})});
+    else if (use == WireUse::Mask || (use == WireUse::Add && !hasCut()))
+        takeForMask(outline);
+    else if (hasCut())
+        apply({Gesture(Gesture::Area{use == WireUse::Add, outline})});
+}
+
+/// A lasso round the wire comes first, so that brushes find regions on both sides of it. How it is
+/// cut does not matter.
+void Document::takeForMask(const QPolygonF &outline)
+{
+    constexpr double margin = 0.25; // of the wire's own size, on each side
+    const QRectF whole(QPointF(), QSizeF(picture().size()));
+    const QRectF box = outline.boundingRect();
+    const double dx = box.width() * margin, dy = box.height() * margin;
+    const auto corners = [](const QRectF &rect) {
+        return QPolygonF({rect.topLeft(), rect.topRight(), rect.bottomRight(), rect.bottomLeft()});
+    };
+    m_runner.apply(tr("Mask by Scissors"),
+                   {Gesture(Gesture::Method{false}),
+                    Gesture(Gesture::Lasso{corners(box.adjusted(-dx, -dy, dx, dy) & whole)}),
+                    Gesture(Gesture::Area{false, corners(whole)}),
+                    Gesture(Gesture::Area{true, outline})});
+}
+
 void Document::toggleRegion(const QPointF &point)
 {
     if (hasCut() && !isCutting())
-        m_runner.apply(tr("Toggle Region"), {Gesture(Gesture::Click{point})});
+        apply({Gesture(Gesture::Click{point})});
 }
 
 void Document::invert()
 {
     if (hasCut() && !isCutting())
-        m_runner.apply(tr("Invert"), {Gesture(Gesture::Invert{})});
+        apply({Gesture(Gesture::Invert{})});
 }
 
 void Document::beginStroke(const Brush &brush, const QPointF &point)
 {
     if (!hasCut() || isCutting())
         return;
-    const bool addsRegions = brush.kind == StrokeKind::Regions;
     m_brush = brush;
-    m_runner.begin(brush.isForeground
-                           ? (addsRegions ? tr("Add Regions") : tr("Add by Scribble"))
-                           : (addsRegions ? tr("Take Regions Away") : tr("Take Away by Scribble")));
+    m_runner.begin(StepName::of(strokeGesture({point})));
     addToStroke({point});
 }
 
@@ -115,14 +163,18 @@ void Document::continueStroke(const QPolygonF &points)
 void Document::addToStroke(const QPolygonF &points)
 {
     m_lastStrokePoint = points.last();
+    m_runner.add(strokeGesture(points));
+}
+
+Gesture Document::strokeGesture(const QPolygonF &points) const
+{
     const Gesture::Stroke stroke{.width = m_brush.width,
                                  .isForeground = m_brush.isForeground,
                                  .isTemporary = false,
                                  .points = points};
     if (m_brush.kind == StrokeKind::Regions)
-        m_runner.add(Gesture(Gesture::Paint{stroke}));
-    else
-        m_runner.add(Gesture(Gesture::Scribble{stroke}));
+        return Gesture(Gesture::Paint{stroke});
+    return Gesture(Gesture::Scribble{stroke});
 }
 
 void Document::endStroke()
@@ -173,11 +225,29 @@ void Document::showEdgeSettings(const EdgeSettings &settings)
 void Document::cancel()
 {
     m_runner.cancel();
+    endReplay(false);
+}
+
+void Document::replay(const QList<ReplayStep> &steps)
+{
+    if (!hasPicture())
+        return;
+    m_replaySteps = int(steps.size());
+    m_replayedSteps = 0;
+    for (const ReplayStep &step : steps)
+        m_runner.replay(StepName::of(step.gestures.last()), step);
+    m_runner.whenIdle([this] { endReplay(true); });
+}
+
+void Document::endReplay(bool isComplete)
+{
+    if (std::exchange(m_replaySteps, 0) > 0)
+        Q_EMIT replayEnded(isComplete);
 }
 
 void Document::undo()
 {
-    if (isCutting()) {
+    if (isCutting() || isReplaying()) {
         cancel();
         return;
     }
@@ -187,7 +257,7 @@ void Document::undo()
 
 void Document::redo()
 {
-    if (!isCutting())
+    if (!isCutting() && !isReplaying())
         m_runner.whenIdle([this] { m_undoController->redo(); });
 }
 
@@ -204,5 +274,7 @@ void Document::record(const CutRunner::Step &step)
     };
     const auto command = std::make_shared<CutStep>(step.name, step.before, step.after, restore);
     m_undoController->accept(command);
+    if (isReplaying())
+        Q_EMIT replayProgress(++m_replayedSteps, m_replaySteps);
     QThreadPool::globalInstance()->start([command] { command->compact(); });
 }

@@ -3,6 +3,8 @@
 #include "CutRunner.h"
 #include "CutoutSource.h"
 #include "OpenedPicture.h"
+#include "ReplayStep.h"
+#include "WireUse.h"
 
 #include <QImage>
 #include <QObject>
@@ -60,11 +62,20 @@ public:
     QList<QPoint> pointsOfRegion(int region) const { return m_runner.pointsOfRegion(region); }
 
     /// What a session file has to tell. Gestures that were undone are not among them.
-    QList<Gesture> gestures() const { return m_runner.state().gestures; }
+    QList<Gesture> gestures() const { return m_runner.gestures(); }
     bool isModified() const;
-    void setSaved(); ///< as it is now
+    void setSaved();   ///< as it is now
+    void setUnsaved(); ///< however it came to be as it is
+    /// Where the picture is from now on.
+    void setPictureFile(const QString &fileName, const QByteArray &sha256);
+
+    /// Does to the picture what a session file tells; replayEnded() says when that is done.
+    void replay(const QList<ReplayStep> &steps);
+    bool isReplaying() const { return m_replaySteps > 0; }
 
     void cutLasso(const QPolygonF &lasso);
+    /// The outline closes itself. Without a cut, nothing can be taken away.
+    void useWire(const QPolygonF &outline, WireUse use);
     void toggleRegion(const QPointF &point);
     void invert();
     /// How lassos are cut from now on; what is cut already stays until it is cut anew.
@@ -104,14 +115,20 @@ Q_SIGNALS:
     void isCuttingChanged(bool isCutting);
     void isModifiedChanged(bool isModified);
     void failed(const QString &sentence);
+    void replayProgress(int currentStep, int totalSteps);
+    void replayEnded(bool isComplete);      ///< false when it was cancelled
     void remarked(const QString &sentence); ///< nothing has failed, but people may wonder
 
 private:
     Gesture methodGesture() const;
     void record(const CutRunner::Step &step);
+    void apply(const QList<Gesture> &gestures); ///< a step of the last one's name
+    Gesture strokeGesture(const QPolygonF &points) const;
     void addToStroke(const QPolygonF &points);
     bool continuesEdgeStep(const QString &stepName) const;
     void showEdgeSettings(const EdgeSettings &settings);
+    void takeForMask(const QPolygonF &outline);
+    void endReplay(bool isComplete);
 
     RyUndoController *const m_undoController; // the library's own, which outlives us
     OpenedPicture m_opened;
@@ -121,5 +138,7 @@ private:
     EdgeSettings m_edges;
     std::weak_ptr<EdgeStep> m_edgeStep; // the undo stack's; null when nothing can go on with it
     int m_edgeStepIndex = 0;            // of the stack, right after that step
+    int m_replaySteps = 0;              // while a session file is played
+    int m_replayedSteps = 0;
     CutRunner m_runner;
 };

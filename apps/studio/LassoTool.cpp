@@ -1,12 +1,12 @@
 #include "LassoTool.h"
 
 #include "Document.h"
+#include "OverlayLine.h"
 
 #include <QKeyEvent>
 #include <QLineF>
 #include <QPainter>
 
-#include <algorithm>
 #include <utility>
 
 namespace {
@@ -24,42 +24,6 @@ double distance(const QPointF &a, const QPointF &b)
 QRectF between(const QPointF &a, const QPointF &b)
 {
     return QRectF(a, b).normalized().adjusted(-0.5, -0.5, 0.5, 0.5);
-}
-
-/// The parts of a line that may be seen within an area: a lasso has thousands of points, of which
-/// most lie where nothing is painted.
-QList<QPolygonF> partsWithin(const QRectF &area, const QPolygonF &line)
-{
-    QList<QPolygonF> parts;
-    bool wasSeen = false;
-    for (qsizetype i = 1; i < line.size(); ++i) {
-        const QPointF from = line.at(i - 1), to = line.at(i);
-        const bool isSeen = std::max(from.x(), to.x()) >= area.left() &&
-                            std::min(from.x(), to.x()) <= area.right() &&
-                            std::max(from.y(), to.y()) >= area.top() &&
-                            std::min(from.y(), to.y()) <= area.bottom();
-        if (isSeen && !wasSeen)
-            parts.append(QPolygonF({from}));
-        if (isSeen)
-            parts.last().append(to);
-        wasSeen = isSeen;
-    }
-    return parts;
-}
-
-/// Light on dark, so that it is seen on any picture.
-void drawTwice(QPainter &painter, const QPolygonF &line, Qt::PenStyle style)
-{
-    constexpr double margin = 3.0; // lines have a width
-    const QRectF area = painter.clipBoundingRect().adjusted(-margin, -margin, margin, margin);
-    const QList<QPolygonF> parts =
-            style == Qt::SolidLine ? partsWithin(area, line) : QList<QPolygonF>{line};
-    painter.setPen(QPen(QColor(0, 0, 0, 170), 3.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    for (const QPolygonF &part : parts)
-        painter.drawPolyline(part);
-    painter.setPen(QPen(Qt::white, 1.3, style, Qt::RoundCap, Qt::RoundJoin));
-    for (const QPolygonF &part : parts)
-        painter.drawPolyline(part);
 }
 
 } // namespace
@@ -233,7 +197,7 @@ void LassoTool::paint(QPainter &painter, const ViewTransform &view) const
     if (!m_beingCut.isEmpty()) {
         QPolygonF line = view.pictureToWidget().map(m_beingCut);
         line.append(line.first());
-        drawTwice(painter, line, Qt::DashLine);
+        OverlayLine::draw(painter, line, Qt::DashLine);
     }
 }
 
@@ -241,10 +205,10 @@ void LassoTool::paintOpen(QPainter &painter, const ViewTransform &view) const
 {
     const QPolygonF line = view.pictureToWidget().map(m_points);
     const QPointF pointer = view.toWidget(m_pointer);
-    drawTwice(painter, line, Qt::SolidLine);
+    OverlayLine::draw(painter, line, Qt::SolidLine);
     if (m_isDragging && m_parts.size() == 1)
         return;
-    drawTwice(painter, {line.last(), pointer}, Qt::DotLine);
+    OverlayLine::draw(painter, {line.last(), pointer}, Qt::DotLine);
     painter.setPen(QPen(QColor(0, 0, 0, 200), 1.0));
     for (const qsizetype part : m_parts) {
         const bool closes = part == 0 && m_points.size() >= fewestPoints &&

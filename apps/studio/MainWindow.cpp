@@ -4,12 +4,12 @@
 #include "StartPage.h"
 #include "StatusBar.h"
 #include "StudioSettings.h"
-#include "settings/RyImageCutterSettings.h"
 
 #include <QAction>
 #include <QActionGroup>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QDir>
 #include <QFileDialog>
 #include <QGuiApplication>
 #include <QImageReader>
@@ -21,12 +21,6 @@
 
 namespace {
 
-int longestSideForCutting()
-{
-    const int length = RyImageCutterSettings::instance().maximalImageLength();
-    return length >= 1 ? length : RyImageCutterSettings::defaultMaximalImageLength;
-}
-
 /// As file dialogs take them: "Pictures (*.png *.jpg)".
 QString pictureFilter()
 {
@@ -34,8 +28,9 @@ QString pictureFilter()
     const QList<QByteArray> formats = QImageReader::supportedImageFormats();
     for (const QByteArray &format : formats)
         patterns.append(QStringLiteral("*.") + QString::fromLatin1(format));
-    return MainWindow::tr("Pictures (%1)").arg(patterns.join(u' ')) + QStringLiteral(";;") +
-           MainWindow::tr("All files (*)");
+    patterns.append(u'*' + SessionFile::suffix);
+    return MainWindow::tr("Pictures and sessions (%1)").arg(patterns.join(u' ')) +
+           QStringLiteral(";;") + MainWindow::tr("All files (*)");
 }
 
 bool hasPicture(const QMimeData *source)
@@ -50,6 +45,7 @@ MainWindow::MainWindow(QWidget *parent)
     , m_tools(m_document)
     , m_undoActions(m_document, m_tools)
     , m_exports(m_document, this)
+    , m_sessions(m_document, this)
     , m_canvas(new Canvas(m_document))
     , m_startPage(new StartPage)
     , m_pages(new QStackedWidget)
@@ -67,9 +63,11 @@ MainWindow::MainWindow(QWidget *parent)
     createToolMenu();
     createCutMenu();
     createViewMenu();
+    createHelpMenu();
     createToolBars();
     connectDocument();
     connectExports();
+    connectPreferences();
     connect(m_startPage, &StartPage::openRequested, this, &MainWindow::chooseFile);
     connect(m_startPage, &StartPage::sampleChosen, this, &MainWindow::openFile);
     connect(&m_tools, &ToolSet::currentChanged, this, &MainWindow::showTool);
@@ -107,6 +105,7 @@ void MainWindow::connectDocument()
         isCutting ? m_statusBar->beginProgress(tr("Cutting %p %")) : m_statusBar->endProgress();
         updateActions();
     });
+    connectSessions();
     connect(&m_document, &Document::isModifiedChanged, this, &MainWindow::updateTitle);
 }
 
@@ -125,11 +124,42 @@ void MainWindow::connectExports()
     });
 }
 
+void MainWindow::connectSessions()
+{
+    connect(&m_sessions, &SessionController::failed, this, &MainWindow::complain);
+    connect(&m_sessions, &SessionController::pictureOpened, this, &MainWindow::showPicture);
+    connect(&m_sessions, &SessionController::isOpeningChanged, this, [this](bool isOpening) {
+        isOpening ? m_statusBar->beginProgress(tr("Opening…")) : m_statusBar->endProgress();
+        updateActions();
+    });
+    connect(&m_sessions, &SessionController::saved, this, [this](const QString &fileName) {
+        constexpr int messageMs = 5000;
+        m_statusBar->showMessage(tr("Saved as %1").arg(QDir::toNativeSeparators(fileName)),
+                                 messageMs);
+        updateTitle();
+    });
+    connect(&m_document, &Document::replayProgress, this, [this](int currentStep, int totalSteps) {
+        m_statusBar->beginProgress(tr("Restoring step %v of %m"));
+        m_statusBar->setProgress(currentStep, totalSteps);
+        updateActions();
+    });
+    connect(&m_document, &Document::replayEnded, this, [this] {
+        m_statusBar->endProgress();
+        updateActions();
+    });
+}
+
 void MainWindow::openFile(const QString &fileName)
 {
     if (!mayDiscardChanges())
         return;
-    m_loader.setLongestSide(longestSideForCutting());
+    m_loader.cancel();
+    m_sessions.cancel();
+    if (SessionFile::isSession(fileName)) {
+        m_sessions.open(fileName);
+        return;
+    }
+    m_loader.setLongestSide(StudioSettings::longestSideForCutting());
     m_loader.load(fileName);
 }
 
@@ -165,7 +195,8 @@ bool MainWindow::openMimeData(const QMimeData *source)
     if (image.isNull())
         return false;
     if (mayDiscardChanges()) {
-        m_loader.setLongestSide(longestSideForCutting());
+        m_sessions.cancel();
+        m_loader.setLongestSide(StudioSettings::longestSideForCutting());
         m_loader.load(image, tr("Pasted picture"));
     }
     return true;
@@ -173,13 +204,7 @@ bool MainWindow::openMimeData(const QMimeData *source)
 
 bool MainWindow::mayDiscardChanges()
 {
-    if (!m_document.isModified())
-        return true;
-    const auto answer = QMessageBox::warning(
-            this, tr("Unsaved Changes"),
-            tr("The cut of “%1” has changed. Discard the changes?").arg(m_document.opened().title),
-            QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Cancel);
-    return answer == QMessageBox::Discard;
+    return m_sessions.mayDiscardChanges();
 }
 
 void MainWindow::showPicture(const OpenedPicture &picture)
@@ -219,6 +244,7 @@ void MainWindow::cancel()
         return;
     m_loader.cancel();
     m_exports.cancel();
+    m_sessions.cancel();
     m_document.cancel();
 }
 
@@ -235,7 +261,9 @@ void MainWindow::updateActions()
     for (QAction *const action : m_pictureActions)
         action->setEnabled(m_document.hasPicture());
     for (QAction *const action : m_cutActions)
-        action->setEnabled(m_document.hasCut() && !m_document.isCutting());
+        action->setEnabled(m_document.hasCut() && !m_document.isCutting() &&
+                           !m_document.isReplaying());
+    m_canvas->setEnabled(!m_document.isReplaying());
     if (m_document.hasPicture())
         m_statusBar->setHint(m_tools.current()->description().hint);
 }

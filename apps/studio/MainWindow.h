@@ -3,6 +3,7 @@
 #include "Document.h"
 #include "ExportController.h"
 #include "PictureLoader.h"
+#include "SessionController.h"
 #include "ToolSet.h"
 #include "UndoActions.h"
 #include "VectorIcon.h"
@@ -16,6 +17,7 @@ class QActionGroup;
 class QMenu;
 class QMimeData;
 class QStackedWidget;
+class ShortcutMap;
 class StartPage;
 class StatusBar;
 
@@ -37,6 +39,7 @@ public:
     Canvas &canvas() { return *m_canvas; }
     /// Loading answers with a picture or a sentence, later.
     void openFile(const QString &fileName);
+    SessionController &sessions() { return m_sessions; }
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -55,13 +58,17 @@ private:
     void createViewMenu();
     void createViewModes(QMenu *menu);
     void createBackgroundColors(QMenu *menu);
+    void fillBackgroundColors(QMenu *colors);
     void createDocks(QMenu *menu);
     void addDock(QMenu *menu, const QString &id, const QString &title, Qt::Key key,
                  QWidget *content); ///< which it takes
+    void createHelpMenu();
     void createToolBars();
     QWidget *createViewModeButton();
     void connectDocument();
     void connectExports();
+    void connectSessions();
+    void connectPreferences();
 
     void chooseFile();
     void paste();
@@ -70,6 +77,8 @@ private:
     void showPicture(const OpenedPicture &picture);
     void showTool(Tool *tool);
     void cancel();
+    void showPreferences();
+    void showHelp();
     void complain(const QString &sentence);
     void updateActions();
     void updateTitle();
@@ -79,12 +88,14 @@ private:
     ToolSet m_tools;
     UndoActions m_undoActions;
     ExportController m_exports;
+    SessionController m_sessions;
     Canvas *m_canvas; // the widgets are children
     StartPage *m_startPage;
     QStackedWidget *m_pages;
     StatusBar *m_statusBar;
     QActionGroup *m_toolActions;
     QActionGroup *m_viewModes;
+    ShortcutMap *m_shortcuts = nullptr;
     QList<QWidget *> m_workWidgets;    // that make no sense on the start page
     QList<QAction *> m_pictureActions; // that need a picture
     QList<QAction *> m_cutActions;     // that need a cut

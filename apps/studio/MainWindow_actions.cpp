@@ -60,6 +60,13 @@ void MainWindow::createFileMenu()
     menu->addMenu(recent);
     connect(recent, &RecentFilesMenu::chosen, this, &MainWindow::openFile);
     menu->addSeparator();
+    for (QAction *const action : {m_sessions.saveAction(), m_sessions.saveAsAction()}) {
+        setIcon(action, VectorIcon::Shape::Save);
+        menu->addAction(action);
+        addAction(action);
+        m_cutActions.append(action);
+    }
+    menu->addSeparator();
     for (QAction *const action : m_exports.exportActions())
         addCutAction(menu, action);
     menu->addSeparator();
@@ -116,6 +123,10 @@ void MainWindow::createCutMenu()
     setIcon(invert, VectorIcon::Shape::Invert);
     connect(invert, &QAction::triggered, &m_document, &Document::invert);
     m_cutActions.append(invert);
+    menu->addSeparator();
+    QAction *const preferences = addTo(menu, QStringLiteral("preferences"), tr("P&references…"),
+                                       QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    connect(preferences, &QAction::triggered, this, &MainWindow::showPreferences);
 }
 
 void MainWindow::createToolMenu()
@@ -126,10 +137,14 @@ void MainWindow::createToolMenu()
         const ToolDescription description = tool->description();
         QAction *const action = addTo(menu, description.id, description.name, description.shortcut);
         setIcon(action, description.icon);
-        action->setToolTip(QStringLiteral("<b>%1</b> (%2)<br>%3")
-                                   .arg(description.name,
-                                        description.shortcut.toString(QKeySequence::NativeText),
-                                        description.hint.toHtmlEscaped()));
+        const auto explain = [action, description] {
+            action->setToolTip(QStringLiteral("<b>%1</b> (%2)<br>%3")
+                                       .arg(description.name,
+                                            action->shortcut().toString(QKeySequence::NativeText),
+                                            description.hint.toHtmlEscaped()));
+        };
+        explain();
+        connect(action, &QAction::changed, this, explain); // its key may be another one
         action->setCheckable(true);
         m_toolActions->addAction(action);
         m_pictureActions.append(action);
@@ -199,6 +214,13 @@ void MainWindow::createBackgroundColors(QMenu *menu)
 {
     QMenu *const colors = menu->addMenu(tr("B&ackground"));
     colors->setObjectName(QStringLiteral("backgroundMenu"));
+    fillBackgroundColors(colors);
+    connect(colors, &QMenu::aboutToShow, this, [this, colors] { fillBackgroundColors(colors); });
+}
+
+void MainWindow::fillBackgroundColors(QMenu *colors)
+{
+    colors->clear();
     const QList<QColor> settings = RyImageCutterSettings::instance().backgroundColors();
     for (const QColor &color : settings) {
         if (!color.isValid())

@@ -10,5 +10,6 @@ struct PointerEvent
     QPointF widgetPosition; ///< in pixels of the canvas
     Qt::MouseButton button = Qt::NoButton;
     Qt::KeyboardModifiers modifiers = Qt::NoModifier;
-    bool isEraser = false; ///< a pen turned round
+    double widgetScale = 1.0; ///< pixels of the canvas for each pixel of the picture
+    bool isEraser = false;    ///< a pen turned round
 };

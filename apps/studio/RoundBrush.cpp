@@ -33,7 +33,10 @@ int widthAt(int sliderPosition)
 RoundBrush::RoundBrush(RyConfigItem<int> &item, QObject *parent)
     : QObject(parent)
     , m_item(item)
-{}
+{
+    connect(&StudioSettings::instance(), &StudioSettings::brushWidthsChanged, this,
+            [this] { Q_EMIT widthChanged(width()); });
+}
 
 RoundBrush::~RoundBrush()
 {

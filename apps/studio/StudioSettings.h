@@ -4,6 +4,9 @@
 #include "RySettings.h"
 #include "RySingleton.h"
 
+#include <QColor>
+#include <QKeySequence>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -29,11 +32,25 @@ public:
     RyConfigItem<int> regionBrushWidth{40, 40, QStringLiteral("regionBrushWidth")};
     RyConfigItem<int> pixelBrushWidth{12, 12, QStringLiteral("pixelBrushWidth")};
 
+    /// The library's setting, or its default where a file holds none that makes sense.
+    static int longestSideForCutting();
+
+    QColor maskColor() const; ///< over the background, translucent
+    void setMaskColor(const QColor &color);
+    /// Both are saved, and whoever shows them is told.
+    void setBrushWidths(int regionBrush, int pixelBrush);
+
+    /// What actions with these names were given instead of their own keys.
+    QMap<QString, QKeySequence> shortcuts() const;
+    void setShortcuts(const QMap<QString, QKeySequence> &shortcuts);
+
     void loadSettings() override;
     void saveSettings() override;
 
 Q_SIGNALS:
     void recentFilesChanged();
+    void maskColorChanged(const QColor &color);
+    void brushWidthsChanged();
 
 private:
     friend class RySingleton<StudioSettings>;
@@ -41,5 +58,8 @@ private:
 
     void setRecentFiles(const QStringList &files);
 
+    RyConfigItem<QString> m_maskColor{{}, {}, QStringLiteral("maskColor")}; // #aarrggbb
+    RyConfigItem<QString> m_shortcuts{
+            {}, {}, QStringLiteral("shortcuts")}; // name, tab, keys a line
     RyConfigItem<QString> m_recentFiles{{}, {}, QStringLiteral("recentFiles")}; // one a line
 };

@@ -15,6 +15,11 @@ bool Tool::keyPress(const QKeyEvent &)
     return false;
 }
 
+bool Tool::keyRelease(const QKeyEvent &)
+{
+    return false;
+}
+
 bool Tool::wheel(double, Qt::KeyboardModifiers)
 {
     return false;

@@ -40,8 +40,9 @@ public:
     virtual void doubleClick(const PointerEvent &event) { press(event); }
     virtual void hover(const PointerEvent &) {}
     virtual void leave() {} ///< the pointer has left the canvas
-    /// Both say whether they have used the event.
+    /// These say whether they have used the event.
     virtual bool keyPress(const QKeyEvent &event);
+    virtual bool keyRelease(const QKeyEvent &event);
     virtual bool wheel(double steps, Qt::KeyboardModifiers modifiers);
 
     /// Over the picture, in pixels of the canvas.

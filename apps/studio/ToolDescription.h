@@ -3,6 +3,8 @@
 #include "VectorIcon.h"
 
 #include <QKeySequence>
+#include <QList>
+#include <QPair>
 #include <QString>
 
 /// How a tool is offered.
@@ -13,4 +15,6 @@ struct ToolDescription
     QString hint; ///< what to do with it, for the status bar
     VectorIcon::Shape icon;
     QKeySequence shortcut;
+    /// Keys and buttons with what they do, as far as the hint does not tell; for the help.
+    QList<QPair<QString, QString>> controls = {};
 };

@@ -3,12 +3,14 @@
 #include "BrushTool.h"
 #include "ClickTool.h"
 #include "LassoTool.h"
+#include "ScissorsTool.h"
 #include "ScribbleTool.h"
 
 ToolSet::ToolSet(Document &document, QObject *parent)
     : QObject(parent)
 {
     add<LassoTool>(document);
+    add<ScissorsTool>(document);
     add<BrushTool>(document);
     add<ClickTool>(document);
     add<ScribbleTool>(document);

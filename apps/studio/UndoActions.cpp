@@ -14,6 +14,8 @@ UndoActions::UndoActions(Document &document, ToolSet &tools, QObject *parent)
     , m_undo(new QAction(VectorIcon::make(VectorIcon::Shape::Undo), {}, this))
     , m_redo(new QAction(VectorIcon::make(VectorIcon::Shape::Redo), {}, this))
 {
+    m_undo->setIconText(tr("Undo")); // their name, whatever step their text tells of
+    m_redo->setIconText(tr("Redo"));
     m_undo->setObjectName(QStringLiteral("undo"));
     m_redo->setObjectName(QStringLiteral("redo"));
     m_undo->setShortcuts(QKeySequence::Undo);

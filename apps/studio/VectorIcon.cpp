@@ -37,6 +37,15 @@ QPainterPath openPath()
     return path;
 }
 
+QPainterPath savePath()
+{
+    QPainterPath path;
+    addLine(path, {{4, 4}, {16.5, 4}, {20, 7.5}, {20, 20}, {4, 20}, {4, 4}});
+    addLine(path, {{8, 4}, {8, 9}, {15, 9}, {15, 4}});
+    addLine(path, {{7.5, 20}, {7.5, 13.5}, {16.5, 13.5}, {16.5, 20}});
+    return path;
+}
+
 QPainterPath pastePath()
 {
     QPainterPath path;
@@ -66,6 +75,16 @@ QPainterPath lassoPath()
     path.addEllipse(QPointF(7.5, 17.2), 1.9, 1.9);
     path.moveTo(7.2, 19.1);
     path.cubicTo(7.2, 20.6, 6.2, 21.4, 4.8, 21.6);
+    return path;
+}
+
+QPainterPath scissorsPath()
+{
+    QPainterPath path;
+    path.addEllipse(QPointF(6.5, 18), 2.8, 2.8);
+    path.addEllipse(QPointF(17.5, 18), 2.8, 2.8);
+    addLine(path, {{8, 15.6}, {16.5, 3}});
+    addLine(path, {{16, 15.6}, {7.5, 3}});
     return path;
 }
 
@@ -194,6 +213,8 @@ QPainterPath pathOf(VectorIcon::Shape shape)
     switch (shape) {
     case Shape::Open:
         return openPath();
+    case Shape::Save:
+        return savePath();
     case Shape::Paste:
         return pastePath();
     case Shape::Undo:
@@ -202,6 +223,8 @@ QPainterPath pathOf(VectorIcon::Shape shape)
         return QTransform(-1, 0, 0, 1, grid, 0).map(undoPath());
     case Shape::Lasso:
         return lassoPath();
+    case Shape::Scissors:
+        return scissorsPath();
     case Shape::Brush:
         return brushPath();
     case Shape::Click:

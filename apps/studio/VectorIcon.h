@@ -7,10 +7,12 @@ namespace VectorIcon {
 
 enum class Shape {
     Open,
+    Save,
     Paste,
     Undo,
     Redo,
     Lasso,
+    Scissors,
     Brush,
     Click,
     Scribble,

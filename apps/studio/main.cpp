@@ -26,5 +26,7 @@ int main(int argc, char *argv[])
     const QStringList arguments = parser.positionalArguments();
     if (!arguments.isEmpty())
         window.openFile(arguments.first());
+    else
+        window.sessions().offerToRestore();
     return QApplication::exec();
 }

@@ -9,6 +9,7 @@
 #include <QMimeData>
 #include <QRandomGenerator>
 #include <QSpinBox>
+#include <QUndoStack>
 
 #include <algorithm>
 #include <cmath>
@@ -49,7 +50,10 @@ public:
     }
 
     /// False as soon as something has no end.
-    bool run() { return cut() && correct() && look() && edges() && undoAndRedo() && cancel(); }
+    bool run()
+    {
+        return cut() && correct() && layWire() && look() && edges() && undoAndRedo() && cancel();
+    }
     double slowestHoverMs() const { return m_slowestHoverMs; } ///< from the move to the paint
 
 private:
@@ -109,6 +113,33 @@ private:
             QTest::qWait(pauseMs);
         }
         return done("click");
+    }
+
+    /// Round the disc, without waiting for any stretch, and changed once it is closed.
+    bool layWire()
+    {
+        use("scissors");
+        const QPolygonF nodes = circle(1.0, 12);
+        for (const QPointF &node : nodes) {
+            m_studio.move(node);
+            QTest::qWait(pauseMs);
+            m_studio.click(node);
+            for (int i = 1; i < 10; ++i) {
+                m_studio.move(node + (m_centre - node) * i / 20.0);
+                QTest::qWait(pauseMs);
+            }
+        }
+        m_studio.key(Qt::Key_Return);
+        m_report("scissors");
+        drag({nodes.at(3), nodes.at(3) * 0.99 + m_centre * 0.01,
+              nodes.at(3) * 0.97 + m_centre * 0.03});
+        m_report("drag a node");
+        const int steps = m_studio.document().undoStack()->count();
+        m_studio.key(Qt::Key_Return);
+        const bool isUsed =
+                QTest::qWaitFor([&] { return m_studio.document().undoStack()->count() > steps; },
+                                StudioDriver::patienceMs);
+        return done("use the wire") && isUsed;
     }
 
     void hover(const QPointF &point)

@@ -430,7 +430,7 @@ void tst_Studio::gesturesTellTheWholeStory()
     session.setMaskColor(Qt::white);
     GesturePlayer player(session, opened.scale.reducing());
     const QList<Gesture> gestures =
-            GestureFile::parse(GestureFile{{}, m_studio->document().gestures()}.text(), {})
+            GestureFile::parse(GestureFile{{}, {}, {}, m_studio->document().gestures()}.text(), {})
                     .gestures;
     for (const Gesture &gesture : gestures)
         QVERIFY(player.play(gesture));
@@ -621,7 +621,7 @@ void tst_Studio::unsavedChangesAreAskedAbout()
 void tst_Studio::everythingHasAName()
 {
     openAndCut();
-    for (const char *const tool : {"lasso", "brush", "click", "scribble"}) {
+    for (const char *const tool : {"lasso", "scissors", "brush", "click", "scribble"}) {
         m_studio->action(tool).trigger();
         const QList<QWidget *> widgets = m_studio->window.findChildren<QWidget *>();
         for (const QWidget *const widget : widgets) {

@@ -96,6 +96,19 @@ void tst_StudioWatchdog::everyTool()
     report("open");
     StudioScript script(studio, picture, report);
     QVERIFY(script.run());
+
+    const QString session = m_folder.filePath(QStringLiteral("work.session"));
+    studio.window.sessions().saveTo(session);
+    QVERIFY(QTest::qWaitFor([&] { return !studio.window.isWindowModified(); },
+                            StudioDriver::patienceMs));
+    report("save the session");
+    studio.window.openFile(session);
+    QVERIFY(QTest::qWaitFor([&] { return studio.document().isReplaying(); },
+                            StudioDriver::patienceMs));
+    QVERIFY(QTest::qWaitFor([&] { return !studio.document().isReplaying(); },
+                            StudioDriver::patienceMs));
+    QVERIFY(studio.settle());
+    report("open the session");
     qInfo("from pointer to paint %.1f ms at most, %.0f MB of memory at most",
           script.slowestHoverMs(), peakMegabytes());
     QVERIFY(hasSanitizer() || peakMegabytes() < mostMegabytes);

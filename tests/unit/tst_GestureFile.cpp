@@ -39,6 +39,10 @@ void tst_GestureFile::writesWhatItRead_data()
     };
     row("picture 600x400 " + hash + '\n');
     row("lasso 1 2 3 4 5 6\n");
+    row("file ../cats/my%20%23%201%20%C3%A4.jpg\n");
+    row("longest-side 0\n");
+    row("file :/a\nlongest-side 1200\nundo\n");
+    row("area bg 1 2 3 4 5 6.5\n");
     row("click 1.5 -2\n");
     row("width 3\nscribble fg final 1 2 3 4\nwidth 12\npaint bg temporary 1 2\n");
     row("hover bg 1 2 30\n");
@@ -62,12 +66,14 @@ void tst_GestureFile::writesWhatItRead()
 
 void tst_GestureFile::understandsFields()
 {
-    const GestureFile file = GestureFile::parse(
-            begin + "picture 600x400 " + hash +
-                    "\nwidth 5\nscribble bg final 1 2 3 4\npaint fg temporary 5 6\nhover bg 7 8 9",
-            u"s"_s);
+    const GestureFile file =
+            GestureFile::parse(begin + "picture 600x400 " + hash +
+                                       "\nfile my%20cat.jpg\nwidth 5\nscribble bg final 1 2 3 "
+                                       "4\npaint fg temporary 5 6\nhover bg 7 8 9",
+                               u"s"_s);
     QCOMPARE(file.picture->size, QSize(600, 400));
     QCOMPARE(file.picture->sha256, hash);
+    QCOMPARE(file.pictureFile, u"my cat.jpg"_s);
     const auto scribble = std::get<Gesture::Scribble>(file.gestures.at(0).step);
     QCOMPARE(scribble.width, 5.0);
     QVERIFY(!scribble.isForeground && !scribble.isTemporary);
@@ -115,6 +121,9 @@ void tst_GestureFile::namesTheMalformedLine_data()
         whole(begin + "undo\n\n" + line + "\nundo", 4, named);
     };
     row("picture 600x400 " + hash, u"right below"_s);
+    row("file a", u"above the first"_s);
+    row("longest-side 1", u"above the first"_s);
+    row("area fg 1 2 3 4", u"the line ends"_s);
     row("Click 1 2", u"click"_s);
     row("click 1", u"'click x y'"_s);
     row("click 1 2 3", u"'3'"_s);
@@ -134,6 +143,8 @@ void tst_GestureFile::namesTheMalformedLine_data()
     row("undo 2", u"'2'"_s);
     row("wire 1 2", u"seed"_s);
     row("close", u"seed"_s);
+    whole(begin + "file\n", 2, u"name"_s);
+    whole(begin + "longest-side -1\n", 2, u"from 0 up"_s);
     whole(begin + "seed 1 2\nclose\nwire 3 4\n", 4, u"seed"_s);
     for (const QByteArray &picture :
          {QByteArray("600 400 " + hash), QByteArray("600x0 " + hash), QByteArray("x400 " + hash),

@@ -1,0 +1,178 @@
+#include "Autosave.h"
+
+#include "Document.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QUndoStack>
+#include <QUuid>
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// How much work may be lost.
+constexpr auto interval = 1500ms;
+
+QString pathOf(const QString &name, QLatin1StringView suffix)
+{
+    return Autosave::folder() + u'/' + name + suffix;
+}
+
+QString sessionOf(const QString &name)
+{
+    return pathOf(name, SessionFile::suffix);
+}
+
+QString nameOf(const QString &session)
+{
+    return QFileInfo(session).completeBaseName();
+}
+
+std::unique_ptr<QLockFile> lockFor(const QString &name)
+{
+    auto lock = std::make_unique<QLockFile>(pathOf(name, QLatin1StringView(".lock")));
+    lock->setStaleLockTime(0); // only a program that is no more gives its lock up, however old
+    return lock;
+}
+
+} // namespace
+
+Autosave::Autosave(Document &document, QObject *parent)
+    : QObject(parent)
+    , m_document(document)
+    , m_name(QUuid::createUuid().toString(QUuid::WithoutBraces))
+    , m_saver(folder())
+{
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(interval);
+    connect(&m_timer, &QTimer::timeout, this, &Autosave::write);
+    connect(document.undoStack(), &QUndoStack::indexChanged, this, &Autosave::update);
+    connect(&document, &Document::isModifiedChanged, this, &Autosave::update);
+    connect(&document, &Document::pictureChanged, this, [this] { m_picture = {}; });
+    connect(&m_saver, &SessionSaver::failed, this, &Autosave::complain);
+    connect(&m_saver, &SessionSaver::saved, this, [this](const SessionFile::Saved &saved) {
+        if (m_isWanted)
+            m_picture = saved;
+        else
+            removeFiles(nameOf(saved.fileName)); // it was given up while it was written
+    });
+}
+
+Autosave::~Autosave()
+{
+    m_document.undoStack()->disconnect(this);
+    m_saver.waitForDone();
+    if (m_lock)
+        removeFiles(m_name);
+}
+
+/// QStandardPaths has this folder from Qt 6.7 on.
+QString Autosave::folder()
+{
+    const QString state = qEnvironmentVariable("XDG_STATE_HOME");
+    const QString base = QDir::isAbsolutePath(state)
+                                 ? state
+                                 : QDir::homePath() + QStringLiteral("/.local/state");
+    return base + QStringLiteral("/rycut-studio");
+}
+
+void Autosave::update()
+{
+    if (m_document.isModified() && m_document.hasCut()) {
+        if (!m_timer.isActive()) // not later because more comes
+            m_timer.start();
+        return;
+    }
+    m_timer.stop();
+    removeOwn();
+}
+
+void Autosave::write()
+{
+    if (!m_document.isModified() || !m_document.hasCut() || !lock())
+        return;
+    OpenedPicture picture = m_document.opened();
+    if (picture.fileName.isEmpty()) {
+        picture.fileName = m_picture.pictureFile;
+        picture.reference.sha256 = m_picture.pictureSha256;
+    }
+    m_isWanted = true;
+    m_saver.save(sessionOf(m_name), m_document.gestures(), picture);
+}
+
+bool Autosave::lock()
+{
+    if (m_lock)
+        return true;
+    auto lock = lockFor(m_name);
+    if (!QDir().mkpath(folder()) || !lock->tryLock()) {
+        complain(tr("Unsaved work cannot be kept in “%1”.").arg(folder()));
+        return false;
+    }
+    m_lock = std::move(lock);
+    return true;
+}
+
+void Autosave::removeOwn()
+{
+    m_isWanted = false;
+    if (m_lock && !m_saver.isSaving())
+        removeFiles(m_name);
+}
+
+/// Under their lock, which goes last.
+void Autosave::removeFiles(const QString &name)
+{
+    QFile::remove(sessionOf(name));
+    QFile::remove(pathOf(name, QLatin1StringView(".png")));
+    if (name == m_name) {
+        m_picture = {};
+        m_lock.reset();
+    }
+    m_takenOver.erase(name);
+}
+
+QStringList Autosave::takeOver()
+{
+    QStringList sessions;
+    const QDir dir(folder(), QStringLiteral("*") + SessionFile::suffix, QDir::Time, QDir::Files);
+    const QFileInfoList files = dir.entryInfoList();
+    for (const QFileInfo &file : files) {
+        auto lock = lockFor(file.completeBaseName());
+        if (!m_takenOver.contains(file.completeBaseName())) {
+            if (!lock->tryLock())
+                continue; // another program works on it
+            m_takenOver.emplace(file.completeBaseName(), std::move(lock));
+        }
+        sessions.append(file.absoluteFilePath());
+    }
+    return sessions;
+}
+
+void Autosave::remove(const QString &session)
+{
+    removeFiles(nameOf(session));
+}
+
+void Autosave::continueWith(const QString &session)
+{
+    const auto found = m_takenOver.find(nameOf(session));
+    if (found == m_takenOver.end())
+        return;
+    removeOwn();
+    m_name = found->first;
+    m_lock = std::move(found->second);
+    m_takenOver.erase(found);
+    m_isWanted = true;
+    update();
+}
+
+void Autosave::complain(const QString &sentence)
+{
+    if (!m_hasComplained)
+        qWarning("%s", qUtf8Printable(sentence));
+    m_hasComplained = true;
+}

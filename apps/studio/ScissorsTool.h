@@ -1,0 +1,71 @@
+#pragma once
+
+#include "Tool.h"
+#include "WireEditor.h"
+#include "WireUse.h"
+
+#include <QTransform>
+
+/// Lays a wire along edges from click to click; what it encloses is cut out, or is the mask.
+class ScissorsTool : public Tool
+{
+    Q_OBJECT
+
+public:
+    explicit ScissorsTool(Document &document, QObject *parent = nullptr);
+
+    ToolDescription description() const override;
+    QWidget *createOptions(QWidget *parent) override;
+    const WireEditor &editor() const { return m_editor; }
+
+    void press(const PointerEvent &event) override;
+    void move(const PointerEvent &event) override;
+    void release(const PointerEvent &event) override;
+    void doubleClick(const PointerEvent &event) override;
+    void hover(const PointerEvent &event) override;
+    void leave() override;
+    bool keyPress(const QKeyEvent &event) override;
+    bool keyRelease(const QKeyEvent &event) override;
+    void paint(QPainter &painter, const ViewTransform &view) const override;
+
+    bool hasUnfinishedGesture() const override;
+    QString undoText() const override;
+    QString redoText() const override;
+    void undo() override;
+    void redo() override;
+    bool escape() override;
+    void cancel() override;
+
+    WireUse use() const { return m_use; }
+    void setUse(WireUse use);
+    /// Uses what the wire encloses, as soon as all of it is known.
+    void apply();
+
+Q_SIGNALS:
+    void useChanged(WireUse use);
+    void canApplyChanged(bool canApply);
+
+private:
+    bool canApply() const { return m_editor.path().isClosed(); }
+    void pressLeft(const PointerEvent &event);
+    void closeOrApply();
+    void follow(const QPointF &position, bool isStraight);
+    void applyNow();
+    QPointF toCut(const QPointF &picturePoint) const { return m_toCut.map(picturePoint); }
+    QRectF toPicture(const QRectF &area) const;
+    /// Of pixels of the widget, in those of the wire.
+    double radius(double widgetPixels, const PointerEvent &event) const;
+    void paintStretches(QPainter &painter, const QTransform &toWidget) const;
+    void paintNodes(QPainter &painter, const QTransform &toWidget) const;
+
+    WireEditor m_editor;
+    WireUse m_use = WireUse::Mask; // wires lie on edges, where lassos had better not
+    QTransform m_toCut;    // from the picture to the size it is cut at, where wires are laid
+    QPolygonF m_beingUsed; // shown until the cut is there; in pixels of the picture
+    QPointF m_pointer;     // in pixels of the wire
+    double m_nodeRadius = 0.0;
+    QPointF m_pressedOnWidget;
+    qsizetype m_pressedNode = -1;
+    bool m_isPressed = false;
+    bool m_appliesWhenComplete = false;
+};

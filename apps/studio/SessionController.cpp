@@ -1,0 +1,196 @@
+#include "SessionController.h"
+
+#include "Document.h"
+#include "StudioSettings.h"
+
+#include <QAction>
+#include <QDir>
+#include <QEventLoop>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QScopedValueRollback>
+#include <QUndoStack>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+SessionController::SessionController(Document &document, QWidget *window)
+    : m_document(document)
+    , m_window(window)
+    , m_save(createAction(u"save"_s, tr("&Save Session"), QKeySequence::Save))
+    , m_saveAs(createAction(u"saveAs"_s, tr("Save Session &As…"),
+                            QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)))
+    , m_autosave(document)
+    , m_saver(Autosave::folder())
+{
+    connect(m_save, &QAction::triggered, this, &SessionController::save);
+    connect(m_saveAs, &QAction::triggered, this, &SessionController::saveAs);
+    connect(&document, &Document::pictureChanged, this, [this] { m_fileName.clear(); });
+    connect(&document, &Document::replayEnded, this, &SessionController::endReplay);
+    connect(&m_saver, &SessionSaver::saved, this, &SessionController::finishSaving);
+    connect(&m_saver, &SessionSaver::failed, this, &SessionController::failed);
+    connect(&m_opener, &SessionOpener::isOpeningChanged, this,
+            &SessionController::isOpeningChanged);
+    connect(&m_opener, &SessionOpener::failed, this, &SessionController::failed);
+    connect(&m_opener, &SessionOpener::opened, this, &SessionController::play);
+    connect(&m_opener, &SessionOpener::pictureNeeded, this, &SessionController::askForPicture);
+    connect(&m_opener, &SessionOpener::pictureDiffers, this,
+            &SessionController::askAboutDifference);
+}
+
+QAction *SessionController::createAction(const QString &id, const QString &text,
+                                         const QKeySequence &shortcut)
+{
+    auto *const action = new QAction(text, this);
+    action->setObjectName(id);
+    action->setShortcut(shortcut);
+    return action;
+}
+
+void SessionController::open(const QString &fileName)
+{
+    m_restored.clear();
+    m_opener.open(QFileInfo(fileName).absoluteFilePath(), StudioSettings::longestSideForCutting());
+}
+
+void SessionController::play(const OpenedPicture &picture, const QList<ReplayStep> &steps)
+{
+    Q_EMIT pictureOpened(picture);
+    m_fileName = m_restored.isEmpty() ? m_opener.fileName() : QString();
+    m_document.replay(steps);
+}
+
+void SessionController::endReplay(bool isComplete)
+{
+    const QString restored = std::exchange(m_restored, QString());
+    if (!isComplete) {
+        m_fileName.clear(); // what is there now is not what the file tells
+    } else if (restored.isEmpty()) {
+        m_document.setSaved();
+    } else {
+        m_document.setUnsaved();
+        m_autosave.continueWith(restored);
+    }
+}
+
+bool SessionController::save()
+{
+    if (m_fileName.isEmpty())
+        return saveAs();
+    saveTo(m_fileName);
+    return true;
+}
+
+bool SessionController::saveAs()
+{
+    const QString picture = m_document.opened().fileName;
+    QFileDialog dialog(m_window, tr("Save the Session"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(SessionFile::suffix.mid(1));
+    dialog.setNameFilter(tr("Sessions (*%1)").arg(SessionFile::suffix));
+    if (!m_fileName.isEmpty())
+        dialog.selectFile(m_fileName);
+    else if (QFileInfo(picture).isFile() && !picture.startsWith(u':'))
+        dialog.selectFile(QFileInfo(picture).absolutePath() + u'/' +
+                          QFileInfo(picture).completeBaseName() + SessionFile::suffix);
+    if (dialog.exec() != QDialog::Accepted)
+        return false;
+    saveTo(dialog.selectedFiles().first());
+    return true;
+}
+
+void SessionController::saveTo(const QString &fileName)
+{
+    m_savedFile = QFileInfo(fileName).absoluteFilePath();
+    m_savedIndex = m_document.undoStack()->index();
+    m_saver.save(m_savedFile, m_document.gestures(), m_document.opened());
+}
+
+void SessionController::finishSaving(const SessionFile::Saved &result)
+{
+    if (result.fileName != m_savedFile)
+        return; // another one is being saved by now
+    m_fileName = result.fileName;
+    m_document.setPictureFile(result.pictureFile, result.pictureSha256);
+    if (m_document.undoStack()->index() == m_savedIndex)
+        m_document.setSaved();
+    Q_EMIT saved(result.fileName);
+}
+
+bool SessionController::mayDiscardChanges()
+{
+    if (!m_document.isModified())
+        return true;
+    if (m_isAsking)
+        return false;
+    const QScopedValueRollback asking(m_isAsking, true);
+    QMessageBox::StandardButtons buttons = QMessageBox::Discard | QMessageBox::Cancel;
+    if (m_document.hasCut())
+        buttons |= QMessageBox::Save;
+    const auto answer = QMessageBox::warning(
+            m_window, tr("Unsaved Changes"),
+            tr("The cut of “%1” has changed. Save the changes?").arg(m_document.opened().title),
+            buttons, m_document.hasCut() ? QMessageBox::Save : QMessageBox::Cancel);
+    return answer == QMessageBox::Discard || (answer == QMessageBox::Save && saveAndWait());
+}
+
+/// The window lives on meanwhile.
+bool SessionController::saveAndWait()
+{
+    if (!save())
+        return false;
+    QEventLoop loop;
+    connect(this, &SessionController::saved, &loop, &QEventLoop::quit);
+    connect(this, &SessionController::failed, &loop, &QEventLoop::quit);
+    loop.exec();
+    return !m_document.isModified();
+}
+
+void SessionController::askForPicture()
+{
+    const QString fileName =
+            QFileDialog::getOpenFileName(m_window, tr("Which Picture Does the Session Belong To?"),
+                                         QFileInfo(m_opener.fileName()).absolutePath());
+    if (fileName.isEmpty())
+        m_opener.cancel();
+    else
+        m_opener.takePicture(fileName);
+}
+
+void SessionController::askAboutDifference()
+{
+    const auto answer = QMessageBox::question(
+            m_window, tr("Another Picture"),
+            tr("The session was made on another picture, or this one has changed since. Use it all "
+               "the same?"));
+    if (answer == QMessageBox::Yes)
+        m_opener.accept();
+    else
+        m_opener.cancel();
+}
+
+void SessionController::offerToRestore()
+{
+    const QStringList sessions = m_autosave.takeOver();
+    for (const QString &session : sessions) {
+        const QString when =
+                QLocale().toString(QFileInfo(session).lastModified(), QLocale::ShortFormat);
+        const auto answer = QMessageBox::question(
+                m_window, tr("Restore a Cut"),
+                tr("RyCut Studio ended unexpectedly. A cut was kept that had not been saved, as it "
+                   "was on %1. Restore it?")
+                        .arg(when),
+                QMessageBox::Yes | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Yes);
+        if (answer == QMessageBox::Discard) {
+            m_autosave.remove(session);
+        } else {
+            if (answer == QMessageBox::Yes) {
+                m_opener.open(session, StudioSettings::longestSideForCutting());
+                m_restored = session;
+            }
+            return; // the others are offered next time
+        }
+    }
+}

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "Autosave.h"
+#include "SessionOpener.h"
+#include "SessionSaver.h"
+
+#include <QObject>
+#include <QString>
+
+class Document;
+class QAction;
+class QWidget;
+
+/**
+ * Where a window's work is kept: opens and saves sessions, asks before unsaved work goes, offers
+ * what a crash has left.
+ *
+ * Threads  the GUI thread.
+ */
+class SessionController : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Both are borrowed; the window is for dialogs.
+    SessionController(Document &document, QWidget *window);
+
+    QAction *saveAction() const { return m_save; }
+    QAction *saveAsAction() const { return m_saveAs; }
+
+    /// Answers with pictureOpened() or failed(), later.
+    void open(const QString &fileName);
+    bool isOpening() const { return m_opener.isOpening(); }
+    void cancel() { m_opener.cancel(); }
+
+    /// The session's file; empty before there is one.
+    QString fileName() const { return m_fileName; }
+    void saveTo(const QString &fileName);
+
+    /// Asks whether unsaved work shall be saved or thrown away, and saves it. False when it has to
+    /// stay.
+    bool mayDiscardChanges();
+    /// Offers what programs have left that did not end in an orderly way.
+    void offerToRestore();
+
+Q_SIGNALS:
+    void isOpeningChanged(bool isOpening);
+    /// Who hears it hands the picture to the document; then the session is played there.
+    void pictureOpened(const OpenedPicture &picture);
+    void saved(const QString &fileName);
+    void failed(const QString &sentence);
+
+private:
+    QAction *createAction(const QString &id, const QString &text, const QKeySequence &shortcut);
+    bool save();
+    bool saveAs();
+    bool saveAndWait();
+    void finishSaving(const SessionFile::Saved &result);
+    void play(const OpenedPicture &picture, const QList<ReplayStep> &steps);
+    void endReplay(bool isComplete);
+    void askForPicture();
+    void askAboutDifference();
+
+    Document &m_document;
+    QWidget *const m_window;
+    QAction *const m_save; // children
+    QAction *const m_saveAs;
+    QString m_fileName;
+    QString m_restored;   // what the opener reads is a session that a crash left
+    QString m_savedFile;  // while it is written
+    int m_savedIndex = 0; // of the document's steps, when that began
+    bool m_isAsking = false;
+    Autosave m_autosave;
+    SessionOpener m_opener;
+    SessionSaver m_saver;
+};

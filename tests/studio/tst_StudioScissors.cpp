@@ -1,0 +1,313 @@
+#include "StudioDriver.h"
+
+#include "RySettings.h"
+#include "ScissorsTool.h"
+
+#include <QComboBox>
+#include <QDir>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QUndoStack>
+
+#include <memory>
+
+namespace {
+
+const QString coffee = QStringLiteral(":/samples/coffee.png");
+/// Round the rim of the cup.
+const QPolygonF rim{{290, 18},  {352, 37},  {398, 84},  {409, 111}, {406, 129},
+                    {372, 182}, {290, 207}, {205, 173}, {172, 110}, {220, 36}};
+const QPointF inside(300, 110);
+const QPointF outside(500, 350);
+
+double shareWithin(const QPolygonF &outline)
+{
+    double twice = 0.0;
+    for (qsizetype i = 0; i < outline.size(); ++i) {
+        const QPointF a = outline.at(i), b = outline.at((i + 1) % outline.size());
+        twice += a.x() * b.y() - a.y() * b.x();
+    }
+    return std::abs(twice) / 2.0 / (600.0 * 400.0);
+}
+
+} // namespace
+
+/// Wires as a person lays them.
+class tst_StudioScissors : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void wireFollowsThePointer();
+    void controlGoesStraight();
+    void closedWireIsUsed_data();
+    void closedWireIsUsed();
+    void closesNearTheFirstNode_data();
+    void closesNearTheFirstNode();
+    void draggedNodeChangesTwoStretches();
+    void nodesAreInsertedAndRemoved();
+    void clicksFasterThanTheSearch();
+    void undoWithinAWire();
+    void escapeTakesNodesBack();
+
+private:
+    void layRim();
+    bool isComplete();
+    bool isObject(const QPointF &point);
+    QPointF node(qsizetype index) { return scissors().editor().path().nodes().at(index); }
+    ScissorsTool &scissors() { return *m_studio->tools().findChild<ScissorsTool *>(); }
+    void grab(const QString &name);
+
+    QTemporaryDir m_folder;
+    std::unique_ptr<StudioDriver> m_studio;
+};
+
+void tst_StudioScissors::initTestCase()
+{
+    RySettings::setFileName(m_folder.filePath(QStringLiteral("settings.ini")));
+    QVERIFY(QDir().mkpath(QStringLiteral(RY_SCREENSHOTS_DIR)));
+}
+
+void tst_StudioScissors::init()
+{
+    m_studio = std::make_unique<StudioDriver>();
+    QVERIFY(m_studio->open(coffee));
+    m_studio->action("scissors").trigger();
+}
+
+void tst_StudioScissors::cleanup()
+{
+    m_studio.reset();
+}
+
+void tst_StudioScissors::grab(const QString &name)
+{
+    QVERIFY(m_studio->settle());
+    const QPixmap picture = m_studio->window.grab();
+    QVERIFY(picture.save(QStringLiteral(RY_SCREENSHOTS_DIR "/%1-%2x.png")
+                                 .arg(name)
+                                 .arg(picture.devicePixelRatio())));
+}
+
+bool tst_StudioScissors::isComplete()
+{
+    return QTest::qWaitFor([this] { return scissors().editor().isComplete(); },
+                           StudioDriver::patienceMs);
+}
+
+bool tst_StudioScissors::isObject(const QPointF &point)
+{
+    return qAlpha(m_studio->document().mask().pixel(point.toPoint())) == 0;
+}
+
+void tst_StudioScissors::layRim()
+{
+    for (const QPointF &point : rim) {
+        m_studio->move(point);
+        m_studio->click(point);
+    }
+    m_studio->move(rim.first());
+    m_studio->click(rim.first());
+    QVERIFY(isComplete());
+}
+
+void tst_StudioScissors::wireFollowsThePointer()
+{
+    m_studio->click(rim.at(0));
+    m_studio->move(rim.at(2));
+    const WireEditor &editor = scissors().editor();
+    QVERIFY(QLineF(editor.lead().guess.last(), rim.at(2)).length() < 4.0);
+    QTRY_VERIFY(!editor.lead().wire.isEmpty() && editor.lead().guess.isEmpty());
+    QCOMPARE(editor.lead().wire.first(), node(0));
+    QVERIFY(editor.lead().wire.size() > 20);
+    m_studio->click(rim.at(2));
+    m_studio->move(rim.at(4));
+    grab(QStringLiteral("scissors"));
+}
+
+void tst_StudioScissors::controlGoesStraight()
+{
+    m_studio->click(rim.at(0));
+    m_studio->move(rim.at(2));
+    QTRY_VERIFY(!scissors().editor().lead().wire.isEmpty());
+    QTest::keyPress(&m_studio->canvas(), Qt::Key_Control);
+    QVERIFY(scissors().editor().lead().wire.isEmpty());
+    m_studio->press(rim.at(2), Qt::LeftButton, Qt::ControlModifier);
+    m_studio->release(rim.at(2));
+    QTest::keyRelease(&m_studio->canvas(), Qt::Key_Control);
+    const WirePath::Stretch stretch = scissors().editor().path().stretches().first();
+    QVERIFY(stretch.isStraight && stretch.isKnown);
+    QCOMPARE(stretch.line.size(), 2);
+}
+
+void tst_StudioScissors::closedWireIsUsed_data()
+{
+    QTest::addColumn<WireUse>("use");
+    QTest::addColumn<bool>("hasCut");   // all of the picture, before
+    QTest::addColumn<bool>("isInside"); // part of the object then
+    QTest::addColumn<bool>("isOutside");
+    QTest::addRow("cut") << WireUse::Cut << false << true << false;
+    QTest::addRow("mask") << WireUse::Mask << false << true << false;
+    QTest::addRow("mask instead of another") << WireUse::Mask << true << true << false;
+    QTest::addRow("add to nothing") << WireUse::Add << false << true << false;
+    QTest::addRow("take away") << WireUse::TakeAway << true << false << true;
+    QTest::addRow("add") << WireUse::Add << true << true << true;
+}
+
+void tst_StudioScissors::closedWireIsUsed()
+{
+    QFETCH(WireUse, use);
+    QFETCH(bool, hasCut);
+    QFETCH(bool, isInside);
+    QFETCH(bool, isOutside);
+    Document &document = m_studio->document();
+    if (hasCut) {
+        const QPolygonF all{{0, 0}, {600, 0}, {600, 400}, {0, 400}};
+        document.useWire(all, WireUse::Mask);
+        QVERIFY(m_studio->settle());
+        QCOMPARE(m_studio->objectShare(), 1.0);
+    }
+    const int steps = document.undoStack()->count();
+    layRim();
+    auto *const choice = m_studio->window.findChild<QComboBox *>(QStringLiteral("wireUse"));
+    choice->setCurrentIndex(choice->findData(int(use)));
+    const QPolygonF wire = scissors().editor().path().outline();
+    grab(QStringLiteral("scissors-closed"));
+    m_studio->key(Qt::Key_Return);
+    QVERIFY(m_studio->settle());
+    QVERIFY(scissors().editor().path().isEmpty());
+    QCOMPARE(document.undoStack()->count(), steps + 1);
+    QCOMPARE(isObject(inside), isInside);
+    QCOMPARE(isObject(outside), isOutside);
+    const bool isMask = use == WireUse::Mask || (use == WireUse::Add && !hasCut);
+    const double share = shareWithin(wire);
+    QVERIFY(share > 0.1);
+    QVERIFY(!isMask || std::abs(m_studio->objectShare() - share) < 0.005);
+    document.undo();
+    QVERIFY(m_studio->settle());
+    QCOMPARE(document.hasCut(), hasCut);
+    QVERIFY(!hasCut || m_studio->objectShare() == 1.0);
+}
+
+void tst_StudioScissors::closesNearTheFirstNode_data()
+{
+    QTest::addColumn<double>("pixels"); // of the canvas, beside the node
+    QTest::addColumn<double>("zoom");
+    QTest::addColumn<bool>("closes");
+    QTest::addRow("near") << 7.0 << 1.0 << true;
+    QTest::addRow("far") << 14.0 << 1.0 << false;
+    QTest::addRow("near, enlarged") << 7.0 << 4.0 << true;
+    QTest::addRow("far, enlarged") << 14.0 << 4.0 << false;
+}
+
+void tst_StudioScissors::closesNearTheFirstNode()
+{
+    QFETCH(double, pixels);
+    QFETCH(double, zoom);
+    QFETCH(bool, closes);
+    Canvas &canvas = m_studio->canvas();
+    canvas.zoomTo(canvas.view().scale * zoom, canvas.view().toWidget(inside));
+    for (const QPointF &point : {inside, inside + QPointF(40, 0), inside + QPointF(0, 40)})
+        m_studio->click(point);
+    const QPointF onCanvas = canvas.view().toWidget(node(0)) - QPointF(pixels, 0);
+    m_studio->click(canvas.view().toPicture(onCanvas));
+    QCOMPARE(scissors().editor().path().isClosed(), closes);
+}
+
+void tst_StudioScissors::draggedNodeChangesTwoStretches()
+{
+    layRim();
+    const WirePath before = scissors().editor().path();
+    QSignalSpy changes(&scissors().editor(), &WireEditor::stretchChanged);
+    const QPointF target = node(4) + QPointF(24, 30);
+    m_studio->drag({node(4), node(4) + QPointF(10, 14), target});
+    QVERIFY(isComplete());
+    const WirePath &after = scissors().editor().path();
+    QCOMPARE(node(4), WireSearch::snapped(target, {600, 400}));
+    for (qsizetype i = 0; i < before.stretches().size(); ++i) {
+        const bool isBeside = i == 3 || i == 4;
+        QCOMPARE(after.stretches().at(i).line != before.stretches().at(i).line, isBeside);
+    }
+    QVERIFY(!changes.isEmpty());
+    for (const QList<QVariant> &change : std::as_const(changes))
+        QVERIFY(change.first().toInt() == 3 || change.first().toInt() == 4);
+    m_studio->action("undo").trigger();
+    QCOMPARE(after.outline(), before.outline());
+}
+
+void tst_StudioScissors::nodesAreInsertedAndRemoved()
+{
+    layRim();
+    const WirePath &path = scissors().editor().path();
+    const QPolygonF outline = path.outline();
+    const QPolygonF first = path.stretches().first().line;
+    m_studio->click(first.at(first.size() / 2));
+    QCOMPARE(path.nodes().size(), rim.size() + 1);
+    QCOMPARE(path.outline(), outline); // nothing was searched for
+    m_studio->click(node(1), Qt::RightButton);
+    QCOMPARE(path.nodes().size(), rim.size());
+    QVERIFY(isComplete());
+    m_studio->move(node(5));
+    m_studio->key(Qt::Key_Delete);
+    QCOMPARE(path.nodes().size(), rim.size() - 1);
+    QVERIFY(isComplete());
+}
+
+/// Stretches that nobody waited for come later, and the wire is used when all are there.
+void tst_StudioScissors::clicksFasterThanTheSearch()
+{
+    for (const QPointF &point : rim)
+        m_studio->click(point);
+    m_studio->key(Qt::Key_Return); // closes
+    m_studio->key(Qt::Key_Return); // uses
+    QTRY_VERIFY_WITH_TIMEOUT(m_studio->document().hasCut(), StudioDriver::patienceMs);
+    QVERIFY(m_studio->settle());
+    QVERIFY(isObject(inside));
+}
+
+void tst_StudioScissors::undoWithinAWire()
+{
+    for (const QPointF &point : rim.mid(0, 3))
+        m_studio->click(point);
+    const WirePath &path = scissors().editor().path();
+    QAction &undo = m_studio->action("undo");
+    QAction &redo = m_studio->action("redo");
+    for (const int nodes : {2, 1, 0}) {
+        QVERIFY(undo.isEnabled());
+        undo.trigger();
+        QCOMPARE(path.nodes().size(), nodes);
+    }
+    QVERIFY(!undo.isEnabled());
+    for (const int nodes : {1, 2, 3}) {
+        QVERIFY(redo.isEnabled());
+        redo.trigger();
+        QCOMPARE(path.nodes().size(), nodes);
+    }
+    QVERIFY(!redo.isEnabled());
+    QTRY_VERIFY(!path.firstUnknown());
+    m_studio->key(Qt::Key_Backspace);
+    QCOMPARE(path.nodes().size(), 2);
+    undo.trigger();
+    QCOMPARE(path.nodes().size(), 3);
+}
+
+void tst_StudioScissors::escapeTakesNodesBack()
+{
+    layRim();
+    const WirePath &path = scissors().editor().path();
+    m_studio->action("cancel").trigger();
+    QVERIFY(!path.isClosed());
+    QCOMPARE(path.nodes().size(), rim.size());
+    for (qsizetype left = rim.size(); left > 0; --left)
+        m_studio->action("cancel").trigger();
+    QVERIFY(path.isEmpty());
+    QVERIFY(!scissors().hasUnfinishedGesture());
+}
+
+QTEST_MAIN(tst_StudioScissors)
+#include "tst_StudioScissors.moc"

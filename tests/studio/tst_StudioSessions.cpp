@@ -1,0 +1,394 @@
+#include "StudioDriver.h"
+
+#include "Autosave.h"
+#include "RySettings.h"
+#include "support/TestPictures.h"
+
+#include <QAbstractButton>
+#include <QClipboard>
+#include <QDir>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QUndoStack>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString coffee = QStringLiteral(RY_SAMPLES_DIR "/coffee.png");
+const QString coffeeSession = QStringLiteral(RY_SAMPLES_DIR "/coffee.session");
+const QPolygonF lasso{{130, 60}, {480, 60}, {540, 200}, {480, 340}, {130, 340}, {70, 200}};
+
+/// What a person might do; nothing but the lasso can be recorded without a cut.
+void work(StudioDriver &studio)
+{
+    Document &document = studio.document();
+    studio.drag(lasso);
+    QVERIFY(studio.settle());
+    studio.action("brush").trigger();
+    studio.drag({{150, 110}, {170, 120}, {190, 150}}, Qt::RightButton);
+    studio.action("click").trigger();
+    studio.click({330, 150});
+    studio.action("scribble").trigger();
+    studio.drag({{300, 200}, {320, 220}});
+    document.useWire({{400, 100}, {450, 110.55}, {420, 180}}, WireUse::Add);
+    document.invert();
+    QVERIFY(studio.settle());
+    document.undo();
+    QVERIFY(studio.settle());
+}
+
+QImage alphaOf(const QImage &sessionMask)
+{
+    QImage mask = sessionMask.convertToFormat(QImage::Format_Alpha8);
+    mask.reinterpretAsFormat(QImage::Format_Grayscale8);
+    mask.invertPixels();
+    return mask;
+}
+
+QStringList keptSessions()
+{
+    return QDir(Autosave::folder()).entryList({u"*.session"_s}, QDir::Files);
+}
+
+} // namespace
+
+/// Sessions that are saved, opened, played elsewhere, and found again after a crash.
+class tst_StudioSessions : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// As another process: works until it is killed.
+    static int beKilled();
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void savedSessionsComeBack_data();
+    void savedSessionsComeBack();
+    void sessionsOfOthersArePlayed_data();
+    void sessionsOfOthersArePlayed();
+    void pastedPicturesAreSavedAlong();
+    void saysWhatIsWrong_data();
+    void saysWhatIsWrong();
+    void anotherPictureIsAskedAbout();
+    void cancelledWhilePlayed();
+    void unsavedWorkIsSavedOnRequest();
+    void keepsWhatIsUnsaved();
+    void restoresAfterACrash_data();
+    void restoresAfterACrash();
+
+private:
+    QString path(const QString &name) const { return m_folder->filePath(name); }
+    bool openSession(const QString &fileName);
+    bool save(const QString &fileName);
+    QImage replayed(const QString &session, const QString &picture);
+    void answer(QMessageBox::StandardButton button);
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<StudioDriver> m_studio;
+};
+
+int tst_StudioSessions::beKilled()
+{
+    StudioDriver studio;
+    if (!studio.open(qEnvironmentVariable("RY_VICTIM_PICTURE")))
+        return 1;
+    work(studio);
+    return QTest::qWaitFor([] { return false; }, StudioDriver::patienceMs);
+}
+
+void tst_StudioSessions::initTestCase()
+{
+    RySettings::setFileName(QDir::temp().filePath(u"no-such-settings.ini"_s));
+}
+
+void tst_StudioSessions::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    qputenv("XDG_STATE_HOME", path(u"state"_s).toLocal8Bit());
+    RySettings::setFileName(path(u"settings.ini"_s));
+    m_studio = std::make_unique<StudioDriver>();
+}
+
+void tst_StudioSessions::cleanup()
+{
+    m_studio.reset();
+}
+
+bool tst_StudioSessions::openSession(const QString &fileName)
+{
+    QSignalSpy ended(&m_studio->document(), &Document::replayEnded);
+    m_studio->window.openFile(fileName);
+    return QTest::qWaitFor([&] { return !ended.isEmpty(); }, StudioDriver::patienceMs) &&
+           ended.first().first().toBool() && m_studio->settle();
+}
+
+bool tst_StudioSessions::save(const QString &fileName)
+{
+    QSignalSpy saved(&m_studio->window.sessions(), &SessionController::saved);
+    m_studio->window.sessions().saveTo(fileName);
+    return QTest::qWaitFor([&] { return !saved.isEmpty(); }, StudioDriver::patienceMs);
+}
+
+/// The mask that "rycut replay" makes of it, at the size it is cut at.
+QImage tst_StudioSessions::replayed(const QString &session, const QString &picture)
+{
+    QProcess::execute(
+            QStringLiteral(RY_RYCUT_PROGRAM),
+            {u"replay"_s, session, picture, u"--quiet"_s, u"--mask"_s, path(u"mask.png"_s)});
+    return QImage(path(u"mask.png"_s)).convertToFormat(QImage::Format_Grayscale8);
+}
+
+/// To the next question, whenever it comes; questions have event loops of their own.
+void tst_StudioSessions::answer(QMessageBox::StandardButton button)
+{
+    auto *const timer = new QTimer(&m_studio->window); // the window's
+    connect(timer, &QTimer::timeout, timer, [timer, button] {
+        auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        timer->stop();
+        box->button(button)->click();
+    });
+    timer->start(5);
+}
+
+void tst_StudioSessions::savedSessionsComeBack_data()
+{
+    QTest::addColumn<QString>("picture");
+    QTest::addRow("beside its picture") << u"my #1 cup.png"_s;
+    QTest::addRow("elsewhere") << u"elsewhere/cup.png"_s;
+}
+
+void tst_StudioSessions::savedSessionsComeBack()
+{
+    QFETCH(QString, picture);
+    QVERIFY(QDir().mkpath(QFileInfo(path(picture)).absolutePath()));
+    QVERIFY(QFile::copy(coffee, path(picture)));
+    QVERIFY(m_studio->open(path(picture)));
+    work(*m_studio);
+    QVERIFY(m_studio->window.isWindowModified());
+    const QString session = path(u"saved.session"_s);
+    QVERIFY(save(session));
+    QVERIFY(!m_studio->window.isWindowModified());
+    const QImage mask = alphaOf(m_studio->document().mask());
+    QCOMPARE(replayed(session, path(picture)), mask);
+
+    const int steps = m_studio->document().undoStack()->index();
+    const QByteArray gestures = [&] {
+        GestureFile file;
+        file.gestures = m_studio->document().gestures();
+        return file.text();
+    }();
+    m_studio = std::make_unique<StudioDriver>();
+    QVERIFY(openSession(session));
+    Document &document = m_studio->document();
+    QCOMPARE(alphaOf(document.mask()), mask);
+    QVERIFY(!document.isModified());
+    QCOMPARE(document.opened().fileName, path(picture));
+    QCOMPARE(document.undoStack()->index(), steps);
+    GestureFile again;
+    again.gestures = document.gestures();
+    QCOMPARE(again.text(), gestures);
+    document.undo();
+    QVERIFY(m_studio->settle());
+    QVERIFY(document.isModified());
+    QVERIFY(alphaOf(document.mask()) != mask);
+}
+
+void tst_StudioSessions::sessionsOfOthersArePlayed_data()
+{
+    QTest::addColumn<QByteArray>("gestures"); // empty for the sample
+    QTest::addRow("sample") << QByteArray();
+    QTest::addRow("wire") << QByteArray("seed 290 18\nwire 398 84\nhover fg 1 1 2\nwire 290 207\n"
+                                        "color #ff0000\nclose\nclick 300 110\n");
+    QTest::addRow("graph cut") << QByteArray(
+            "lasso 130 60 480 60 540 200 480 340 130 340 70 200\nmethod graphcut\n"
+            "scribble bg final 300 150 320 160\nrecut\n");
+    QTest::addRow("lasso within a lasso")
+            << QByteArray("lasso 130 60 480 60 540 200 480 340 130 340 70 200\n"
+                          "lasso 150 80 460 80 460 320 150 320\ninvert\n");
+    QTest::addRow("reduced") << QByteArray(
+            "longest-side 300\nlasso 130 60 480 60 540 200 480 340 130 340 70 200\n"
+            "area bg 250 100 350 100 300 200\n");
+}
+
+void tst_StudioSessions::sessionsOfOthersArePlayed()
+{
+    QFETCH(QByteArray, gestures);
+    QString session = coffeeSession;
+    if (!gestures.isEmpty()) {
+        session = path(u"other.session"_s);
+        QFile file(session);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        const bool isReduced = gestures.startsWith("longest-side");
+        file.write("rycut-session 1\nfile " + coffee.toUtf8() + '\n' +
+                   (isReduced ? "" : "longest-side 0\n") + gestures);
+    }
+    QVERIFY(openSession(session));
+    QVERIFY(!m_studio->document().isModified());
+    const QString saved = path(u"saved.session"_s);
+    const QImage expected = replayed(session, coffee);
+    QVERIFY(save(saved));
+    QCOMPARE(replayed(saved, coffee), expected);
+    const QImage mask = alphaOf(m_studio->document().mask());
+    if (mask.size() == expected.size())
+        QCOMPARE(mask, expected);
+    else
+        QCOMPARE(mask.width(), 300);
+}
+
+void tst_StudioSessions::pastedPicturesAreSavedAlong()
+{
+    QGuiApplication::clipboard()->setImage(QImage(coffee));
+    m_studio->action("paste").trigger();
+    QTRY_VERIFY(m_studio->document().hasPicture());
+    work(*m_studio);
+    const QImage mask = m_studio->document().mask();
+    QVERIFY(save(path(u"pasted.session"_s)));
+    QVERIFY(QFileInfo::exists(path(u"pasted.png"_s)));
+    QVERIFY(save(path(u"pasted.session"_s)));
+    QVERIFY(!QFileInfo::exists(path(u"pasted-2.png"_s))); // it is there already
+    m_studio = std::make_unique<StudioDriver>();
+    QVERIFY(openSession(path(u"pasted.session"_s)));
+    QCOMPARE(m_studio->document().mask(), mask);
+}
+
+void tst_StudioSessions::saysWhatIsWrong_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("said");
+    QTest::addRow("malformed") << QByteArray("rycut-session 1\nlasso 1\n") << u"line 2"_s;
+    QTest::addRow("not a picture")
+            << QByteArray("rycut-session 1\nfile bad.session\n") << u"bad.session"_s;
+}
+
+void tst_StudioSessions::saysWhatIsWrong()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, said);
+    QFile file(path(u"bad.session"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(text);
+    file.close();
+    m_studio->window.openFile(file.fileName());
+    const auto box = [&] { return m_studio->window.findChild<QMessageBox *>(); };
+    QTRY_VERIFY(box());
+    QVERIFY2(box()->text().contains(said), qPrintable(box()->text()));
+    QVERIFY(!m_studio->window.sessions().isOpening());
+}
+
+void tst_StudioSessions::anotherPictureIsAskedAbout()
+{
+    QVERIFY(TestPictures::gradient(600, 400).save(path(u"cup.png"_s)));
+    QVERIFY(QFile::copy(coffeeSession, path(u"cup.session"_s)));
+    for (const auto button : {QMessageBox::No, QMessageBox::Yes}) {
+        answer(button);
+        m_studio->window.openFile(path(u"cup.session"_s));
+        QTRY_VERIFY(!m_studio->window.sessions().isOpening());
+        QVERIFY(m_studio->settle());
+        QCOMPARE(m_studio->document().hasPicture(), button == QMessageBox::Yes);
+    }
+}
+
+void tst_StudioSessions::cancelledWhilePlayed()
+{
+    m_studio->window.openFile(coffeeSession);
+    QTRY_VERIFY(m_studio->document().isReplaying());
+    QVERIFY(!m_studio->canvas().isEnabled());
+    m_studio->action("cancel").trigger();
+    QVERIFY(!m_studio->document().isReplaying());
+    QVERIFY(m_studio->settle());
+    QVERIFY(m_studio->canvas().isEnabled());
+    QVERIFY(m_studio->window.sessions().fileName().isEmpty()); // half of it must not replace it
+    QVERIFY(!m_studio->document().isBusy());
+}
+
+void tst_StudioSessions::unsavedWorkIsSavedOnRequest()
+{
+    QVERIFY(m_studio->open(coffee));
+    work(*m_studio);
+    const QString session = path(u"saved.session"_s);
+    QVERIFY(save(session));
+    m_studio->document().invert();
+    QVERIFY(m_studio->settle());
+    answer(QMessageBox::Save);
+    QVERIFY(m_studio->window.close());
+    QFile file(session);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(file.readAll().contains("invert"));
+}
+
+void tst_StudioSessions::keepsWhatIsUnsaved()
+{
+    QVERIFY(m_studio->open(coffee));
+    work(*m_studio);
+    QTRY_COMPARE(keptSessions().size(), 1);
+    QVERIFY(Autosave(m_studio->document()).takeOver().isEmpty()); // somebody works on it
+    m_studio->document().setSaved();
+    QTRY_VERIFY(keptSessions().isEmpty());
+    m_studio.reset();
+    QVERIFY(QDir(Autosave::folder()).isEmpty());
+}
+
+void tst_StudioSessions::restoresAfterACrash_data()
+{
+    QTest::addColumn<QMessageBox::StandardButton>("button");
+    QTest::addRow("restored") << QMessageBox::Yes;
+    QTest::addRow("discarded") << QMessageBox::Discard;
+    QTest::addRow("left") << QMessageBox::Cancel;
+}
+
+void tst_StudioSessions::restoresAfterACrash()
+{
+    QFETCH(QMessageBox::StandardButton, button);
+    const bool isRestored = button == QMessageBox::Yes;
+    QProcess victim;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"RY_VICTIM_PICTURE"_s, coffee);
+    victim.setProcessEnvironment(environment);
+    victim.start(QCoreApplication::applicationFilePath());
+    QTRY_COMPARE_WITH_TIMEOUT(keptSessions().size(), 1, StudioDriver::patienceMs);
+    m_studio->window.sessions().offerToRestore(); // nothing is offered that somebody works on
+    QVERIFY(!m_studio->document().hasPicture());
+    const auto isWhole = [] {
+        QFile file(Autosave::folder() + u'/' + keptSessions().value(0));
+        return file.open(QIODevice::ReadOnly) && file.readAll().contains("area fg");
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(isWhole(), StudioDriver::patienceMs);
+    victim.kill();
+    QVERIFY(victim.waitForFinished());
+
+    QSignalSpy ended(&m_studio->document(), &Document::replayEnded);
+    answer(button);
+    m_studio->window.sessions().offerToRestore();
+    if (isRestored) {
+        QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, StudioDriver::patienceMs);
+        QVERIFY(m_studio->settle());
+        QVERIFY(m_studio->window.isWindowModified());
+        QCOMPARE(m_studio->document().opened().fileName, coffee);
+        const QImage mask = alphaOf(m_studio->document().mask());
+        QVERIFY(save(path(u"restored.session"_s)));
+        QCOMPARE(replayed(path(u"restored.session"_s), coffee), mask);
+    }
+    QTRY_COMPARE(keptSessions().size(), button == QMessageBox::Cancel ? 1 : 0);
+}
+
+int main(int argc, char *argv[])
+{
+    QApplication application(argc, argv);
+    if (qEnvironmentVariableIsSet("RY_VICTIM_PICTURE"))
+        return tst_StudioSessions::beKilled();
+    tst_StudioSessions test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_StudioSessions.moc"
