@@ -14,7 +14,8 @@ Gesture::Stroke *strokeOf(Gesture &gesture)
 }
 
 /// What the session's own steps lead back to, and on to again. Its rules are odd, and kept: besides
-/// new cuts, only strokes with temporary parts are steps, and doing one again brings back just these.
+/// new cuts, only strokes with temporary parts are steps, and doing one again brings back just
+/// these.
 class Replay
 {
 public:

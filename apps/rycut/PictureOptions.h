@@ -11,7 +11,7 @@ struct PictureOptions
     QString picture;
     QString report; ///< file name, or empty
 
-    int maxLength = 0; ///< longest side for cutting, in pixels; 0 cuts at full size
+    int maxLength = 0;             ///< longest side for cutting, in pixels; 0 cuts at full size
     bool choosesMaxLength = false; ///< it is the user's choice, not the settings'
     EdgeOptions edges;
     CutoutPicture::Options cutout;

@@ -23,8 +23,8 @@ QPolygonF thinned(const QPolygonF &line)
 }
 
 /// The parts of a line that may be seen within an area: a lasso has thousands of points, of which
-/// most lie where nothing is painted. They are short, for what a painter takes grows faster than the
-/// length of a line.
+/// most lie where nothing is painted. They are short, for what a painter takes grows faster than
+/// lines do.
 QList<QPolygonF> partsWithin(const QRectF &area, const QPolygonF &line)
 {
     constexpr qsizetype mostPoints = 24;

@@ -13,9 +13,9 @@
 #include <optional>
 
 /**
- * A wire that is laid along the edges of a picture, and changed afterwards. Whatever a stretch takes
- * to be found, nodes can be set, moved and removed meanwhile; stretches follow when they are known,
- * and are straight where no wire leads.
+ * A wire that is laid along the edges of a picture, and changed afterwards. Nodes can be set, moved
+ * and removed whatever a stretch takes to be found; stretches follow when they are known, and are
+ * straight where no wire leads.
  *
  * Input    points in pixels of the picture; nodes lie where wires can end.
  * Threads  the GUI thread. The picture of edges is made beside it.

@@ -212,7 +212,7 @@ void tst_StudioSessions::sessionsOfOthersArePlayed_data()
     QTest::addRow("wire") << QByteArray("seed 290 18\nwire 398 84\nhover fg 1 1 2\nwire 290 207\n"
                                         "color #ff0000\nclose\nclick 300 110\n");
     QTest::addRow("graph cut") << QByteArray(
-            "lasso 130 60 480 60 540 200 480 340 130 340 70 200\nmethod graphcut\n"
+            "lasso 130 60 480 60 540 200 480 340 130 340 70 200\nmethod graph\n"
             "scribble bg final 300 150 320 160\nrecut\n");
     QTest::addRow("lasso within a lasso")
             << QByteArray("lasso 130 60 480 60 540 200 480 340 130 340 70 200\n"

@@ -44,7 +44,7 @@ void tst_GestureHistory::forgetsWhatWasUndone_data()
     QTest::newRow("one of two") << a + aEnd + b + bEnd + "undo\n" << a + aEnd;
     QTest::newRow("both, then one") << a + aEnd + b + bEnd + "undo\nundo\nredo\n" << aAlone;
     QTest::newRow("no way on") << a + aEnd + "undo\n" + b + bEnd + "redo\n" << b + bEnd;
-    const QByteArray graph = "method graphcut\n", recut = "recut\n";
+    const QByteArray graph = "method graph\n", recut = "recut\n";
     QTest::newRow("new cut") << click + recut + "undo\n" << click;
     QTest::newRow("new cut again") << click + recut + "undo\nredo\n" << click + recut;
     QTest::newRow("method stays") << a + aEnd + graph + "undo\n" + recut << graph + recut;
