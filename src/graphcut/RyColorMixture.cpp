@@ -12,6 +12,7 @@ constexpr int rounds = 8;
 constexpr double leastVariance = 4.0;
 constexpr double leastShare = 1e-4; // of the weight, for a component to stay
 constexpr float leastWeight = 1e-3F;
+constexpr float vanishingLog = -16.0F; // a component's part in a colour that counts for nothing
 constexpr int powerIterations = 12;
 
 } // namespace
@@ -162,7 +163,8 @@ RyColorMixture::expectation(const std::vector<Color> &colors,
         const float greatest = logParts(colors[i], parts);
         float sum = 0.0F;
         for (std::size_t k = 0; k < groups.size(); ++k) {
-            parts[k] = std::exp(parts[k] - greatest);
+            const float below = parts[k] - greatest;
+            parts[k] = below > vanishingLog ? std::exp(below) : 0.0F;
             sum += parts[k];
         }
         for (std::size_t k = 0; k < groups.size(); ++k) {

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr double smoothness = 8.0;
-constexpr double unit = 100.0; // whole numbers of flow for one unit of evidence
+constexpr double unit = 10.0; // steps of flow for one of evidence; with more, paths carry less each
 
 // Weights by contrast, up to where they vanish.
 constexpr int weightCount = 1024;
