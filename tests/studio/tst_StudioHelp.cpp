@@ -116,7 +116,7 @@ void tst_StudioHelp::preferencesPersist()
         grab(dialog, QStringLiteral("preferences-%1").arg(page + 1));
     }
     control<QSpinBox>("longestSide").setValue(777);
-    control<QLineEdit>("debugFolder").setText(QStringLiteral("/tmp/elsewhere"));
+    control<QLineEdit>("debugFolder").setText(QDir::temp().filePath(QStringLiteral("elsewhere")));
     control<ColorButton>("maskColor").setColor(QColor(200, 10, 20, 99));
     control<ColorButton>("backgroundColor2").setColor(QColor(1, 2, 3));
     control<QSpinBox>("regionBrush").setValue(61);
@@ -129,7 +129,7 @@ void tst_StudioHelp::preferencesPersist()
     settings.loadSettings(); // as the next start does
     library.loadSettings();
     QCOMPARE(StudioSettings::longestSideForCutting(), 777);
-    QCOMPARE(library.debugFolder(), QStringLiteral("/tmp/elsewhere"));
+    QCOMPARE(library.debugFolder(), QDir::temp().filePath(QStringLiteral("elsewhere")));
     QCOMPARE(settings.maskColor(), QColor(200, 10, 20, 99));
     QCOMPARE(library.backgroundColors().at(1), QColor(1, 2, 3));
     QCOMPARE(settings.regionBrushWidth.value(), 61);
