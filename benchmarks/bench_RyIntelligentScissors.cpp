@@ -1,3 +1,4 @@
+#include "CompactSearch.h"
 #include "ScissorsBenchmark.h"
 #include "scissors/BlockPool.h"
 #include "scissors/RyIntelligentScissors.h"
@@ -159,6 +160,23 @@ static void wholeSearchWrittenOut(benchmark::State &state)
     ScissorsBenchmark::countPoints(state);
 }
 BENCHMARK(wholeSearchWrittenOut)
+        ->Args({768, 768})
+        ->Args({1800, 1200})
+        ->Args({6000, 4500})
+        ->Unit(benchmark::kMillisecond)
+        ->MeasureProcessCPUTime()
+        ->UseRealTime();
+
+/// The same without anything that makes it usable: see CompactSearch.
+static void wholeSearchCompact(benchmark::State &state)
+{
+    const Grid grid(edges(state));
+    CompactSearch search(grid.grey);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(search.run(grid.seed));
+    ScissorsBenchmark::countPoints(state);
+}
+BENCHMARK(wholeSearchCompact)
         ->Args({768, 768})
         ->Args({1800, 1200})
         ->Args({6000, 4500})
