@@ -5,7 +5,6 @@
 #include "graphcut/RyPixelFlow.h"
 
 #include <functional>
-#include <memory>
 #include <vector>
 
 /**
@@ -36,18 +35,14 @@ public:
     std::vector<RyCutSide> decided(const Evidence &evidence);
 
 private:
-    struct Plane;
+    class Plane;
+    class Weights;
 
-    void numberNodes();
-    double meanContrast(const Plane &plane) const;
-    void connectRow(const Plane &plane, const std::vector<int> &weights, double steps, int row);
+    static double meanContrast(const Plane &plane);
+    void connectRow(const Plane &plane, const Weights &weights, int row);
 
-    const int m_width;
-    const int m_height;
     std::vector<RyCutSide> m_sides;
-    std::vector<int> m_pixels;      // of every node, row by row
-    std::vector<int> m_rowStarts;   // the first node of every row, and the end
-    std::unique_ptr<int[]> m_nodes; // of every undecided pixel; used by the constructor only
-    std::vector<int> m_pulls;       // of decided neighbours on every node
+    const RyPixelRuns m_runs;
+    std::vector<std::int16_t> m_pulls; // of decided neighbours on every node
     RyPixelFlow m_flow;
 };

@@ -12,21 +12,37 @@ constexpr int leastNodesOfAPart = 2048; // a thread is not woken for less
 
 } // namespace
 
-RyPixelFlow::RyPixelFlow(int nodeCount)
-    : m_nodeCount(nodeCount)
-    , m_neighbours(std::size_t(nodeCount))
-    , m_capacities(std::size_t(nodeCount))
-    , m_nodes(std::size_t(nodeCount))
+RyPixelFlow::RyPixelFlow(const RyPixelRuns &runs)
+    : m_nodes(std::size_t(runs.nodeCount()))
+    , m_weights(m_nodes.size())
 {
-    for (Ints &neighbours : m_neighbours)
-        neighbours.fill(nodeCount);
+    for (int row = 1; row < runs.rowCount(); ++row)
+        linkRows(runs, row);
+}
+
+/// Of a row and the one above it. Where runs touch each other, also across corners, nodes follow the
+/// pixels; elsewhere they stay nowhere.
+void RyPixelFlow::linkRows(const RyPixelRuns &runs, int row)
+{
+    const RyPixelRuns::Run *upper = runs.rowBegin(row - 1);
+    const RyPixelRuns::Run *lower = runs.rowBegin(row);
+    while (upper != runs.rowEnd(row - 1) && lower != runs.rowEnd(row)) {
+        for (int column = std::max(lower->begin, upper->begin - 1);
+             column < std::min(lower->end, upper->end + 1); ++column)
+            m_nodes[std::size_t(lower->nodeAt(column))].above = upper->nodeAt(column);
+        for (int column = std::max(upper->begin, lower->begin - 1);
+             column < std::min(upper->end, lower->end + 1); ++column)
+            m_nodes[std::size_t(upper->nodeAt(column))].below = lower->nodeAt(column);
+        ++(upper->end < lower->end ? upper : lower);
+    }
 }
 
 void RyPixelFlow::run()
 {
-    QList<RyIntRange> parts = RyIntRange(0, m_nodeCount - 1).splitEvenlyForCpuCores();
-    if (parts.size() < 2 || m_nodeCount / parts.size() < leastNodesOfAPart)
-        parts = {RyIntRange(0, m_nodeCount - 1)};
+    const int count = nodeCount();
+    QList<RyIntRange> parts = RyIntRange(0, count - 1).splitEvenlyForCpuCores();
+    if (parts.size() < 2 || count / parts.size() < leastNodesOfAPart)
+        parts = {RyIntRange(0, count - 1)};
     std::vector<Search> searches;
     for (const RyIntRange &part : parts)
         searches.emplace_back(*this, part.first, part.lastIndexEvenIfUnvalid());
@@ -41,18 +57,9 @@ void RyPixelFlow::run()
     }
     if (searches.size() < 2)
         return;
-    Search whole(*this, 0, m_nodeCount, time + 1);
-    for (const RyIntRange &part : parts) {
-        const auto leaves = [&part](std::int32_t neighbour) {
-            return neighbour < part.first || neighbour > part.last;
-        };
-        for (int node = part.first; node <= part.last; ++node) {
-            const Ints &neighbours = m_neighbours[std::size_t(node)];
-            if (m_nodes[std::size_t(node)].parent != noParent &&
-                std::any_of(neighbours.begin(), neighbours.end(), leaves))
-                whole.activate(node);
-        }
-    }
+    Search whole(*this, 0, count, time + 1);
+    for (const RyIntRange &part : parts)
+        whole.activateBorder(part.first, part.lastIndexEvenIfUnvalid());
     whole.run();
     m_flow += whole.flow();
 }

@@ -2,6 +2,8 @@
 
 #include "graphcut/RyPixelFlow.h"
 
+#include <limits>
+
 /**
  * Finds paths from the object's terminal to the background's through some of a graph's nodes, until
  * there is none left.
@@ -21,8 +23,8 @@ public:
     /// Fells the trees of an earlier run, and makes every node that has something left of its
     /// terminal's edge a root.
     void plantTrees();
-    /// So that the node's tree grows on from it.
-    void activate(std::int32_t node);
+    /// So that the trees of the nodes from first to end grow on beyond these.
+    void activateBorder(std::int32_t first, std::int32_t end);
     void run();
 
     std::int32_t time() const { return m_time; }
@@ -31,38 +33,27 @@ public:
 private:
     static constexpr std::int32_t unreachable = std::numeric_limits<std::int32_t>::max();
 
-    struct Queue
-    {
-        std::int32_t first = notQueued;
-        std::int32_t last = notQueued;
-    };
-
     struct Meeting // of the two trees
     {
-        std::int32_t node = -1; // in the object's tree
-        int direction = 0;      // of its neighbour in the background's
+        std::int32_t inObject = -1;
+        std::int32_t inBackground = -1;
+        int direction = 0; // from the object's node
     };
 
     Node &node(std::int32_t number) { return m_graph.m_nodes[std::size_t(number)]; }
     const Node &node(std::int32_t number) const { return m_graph.m_nodes[std::size_t(number)]; }
-    std::int32_t neighbour(std::int32_t number, int direction) const
+    static std::uint8_t &capacity(Node &node, int direction)
     {
-        return m_graph.m_neighbours[std::size_t(number)][std::size_t(direction)];
-    }
-    std::int32_t &capacity(std::int32_t number, int direction)
-    {
-        return m_graph.m_capacities[std::size_t(number)][std::size_t(direction)];
+        return node.capacities[std::size_t(direction)];
     }
     bool contains(std::int32_t number) const { return number >= m_first && number < m_end; }
-    std::int32_t parentOf(std::int32_t number) const
-    {
-        return neighbour(number, node(number).parent);
-    }
 
+    void activate(std::int32_t number);
     std::int32_t takeActive();
     Meeting grow(std::int32_t number);
-    std::int32_t bottleneck(const Meeting &meeting);
+    int bottleneck(const Meeting &meeting);
     void augment(const Meeting &meeting);
+    void sendToTerminal(std::int32_t number, bool inBackgroundTree, int amount);
     void makeOrphan(std::int32_t number);
     void adopt(std::int32_t number);
     std::int32_t distanceToTerminal(std::int32_t number) const;
@@ -73,8 +64,9 @@ private:
     const std::int32_t m_first;
     const std::int32_t m_end;
     std::int32_t m_time;
-    Queue m_current; // of active nodes
-    Queue m_coming;
+    std::vector<std::int32_t> m_active; // taken in the order of their coming
+    std::size_t m_nextActive = 0;
+    std::vector<std::int32_t> m_coming; // after those
     std::vector<std::int32_t> m_orphans;
     std::int64_t m_flow = 0;
 };
