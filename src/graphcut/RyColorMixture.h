@@ -31,6 +31,16 @@ public:
     float logDensity(const Color &color) const;
 
 private:
+    // Four numbers that are calculated with at once; a type of GCC and Clang.
+    using Lanes [[gnu::vector_size(4 * sizeof(float))]] = float;
+
+    /// Four colours and what they weigh.
+    struct Quad
+    {
+        std::array<Lanes, 3> color{};
+        Lanes weight{};
+    };
+
     struct Component
     {
         Color mean;
@@ -38,30 +48,27 @@ private:
         float logFactor;                // of share and normalisation
     };
 
-    /// Weighted sums of a group's colours and their products.
-    struct Moments
+    /// Colours that a component is to stand for.
+    struct Group
     {
         double weight = 0.0;
-        std::array<double, 3> first{};
-        std::array<double, 6> second{}; // in the order of a precision
-
-        void add(const Color &color, double amount);
-        std::array<double, 6> covariance() const;
+        std::array<double, 3> mean{};
+        std::array<double, 6> covariance{}; // in the order of a precision
     };
 
-    using Logs = std::array<float, maximumComponents>;
+    using Parts = std::array<Lanes, maximumComponents>;
 
-    /// Logarithms of the components' parts of the density; returns the greatest.
-    float logParts(const Color &color, Logs &parts) const;
-    static std::vector<Moments> split(const std::vector<Color> &colors,
-                                      const std::vector<float> &weights);
-    std::vector<Moments> expectation(const std::vector<Color> &colors,
-                                     const std::vector<float> &weights) const;
-    void maximise(const std::vector<Moments> &groups, double totalWeight);
-    static Component componentOf(const Moments &group, double totalWeight);
+    Lanes parts(const std::array<Lanes, 3> &color, Parts &parts) const;
+    static std::vector<Quad> quadsOf(const std::vector<Color> &colors,
+                                     const std::vector<float> &weights);
+    static std::vector<Group> split(const std::vector<Color> &colors,
+                                    const std::vector<float> &weights);
+    std::vector<Group> expectation(const std::vector<Quad> &quads) const;
+    void maximise(const std::vector<Group> &groups, double totalWeight);
+    static Component componentOf(const Group &group, double totalWeight);
 
     struct Axis;
-    static Axis principalAxis(const Moments &group);
+    static Axis principalAxis(const Group &group);
 
     std::vector<Component> m_components;
 };

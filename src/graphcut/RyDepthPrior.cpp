@@ -1,5 +1,7 @@
 #include "graphcut/RyDepthPrior.h"
 
+#include "image/RyConcurrent.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -49,11 +51,9 @@ void spread(std::vector<float> &values, int columns, int rows, int radius)
 }
 
 /// How deep a cell can be taken to lie in view of the picture's border.
-float depthByBorder(const RyReducedPicture &picture, int cell)
+float depthByBorder(const RyCutFrame &frame, int column, int row)
 {
-    const RyCutFrame &frame = picture.frame();
-    const double border = frame.unitsToBorder(cell % frame.columns(), cell / frame.columns());
-    return float(border + unitsBeyondBorder);
+    return float(frame.unitsToBorder(column, row) + unitsBeyondBorder);
 }
 
 bool isOutlineOfObject(const std::vector<RyCutSide> &sides, int columns, int rows, int column,
@@ -95,8 +95,8 @@ void RyDepthPrior::follow(const RyReducedPicture &picture, const std::vector<RyC
     }
     const double reach = reachUnits / 2.0 * picture.frame().cellsPerUnit();
     const int radius = std::max(1, int(reach));
-    spread(depths, columns, rows, radius);
-    spread(counts, columns, rows, radius);
+    RyConcurrent::forEachIndex(
+            2, [&](qsizetype i) { spread(i == 0 ? depths : counts, columns, rows, radius); });
     const float prior = cellsOfPrior * float((2 * radius + 1) * (2 * radius + 1));
     for (std::size_t cell = 0; cell < sides.size(); ++cell)
         depths[cell] = (depths[cell] + prior * m_margin) / (counts[cell] + prior);
@@ -108,15 +108,20 @@ void RyDepthPrior::setMargins(const RyReducedPicture &picture, std::vector<float
     m_margins = std::move(margins);
     m_logOdds.resize(m_margins.size());
     m_shares.resize(m_margins.size());
-    for (int cell = 0; cell < picture.cellCount(); ++cell) {
-        const auto at = std::size_t(cell);
-        const float beyond =
-                std::min(picture.depth(cell), depthByBorder(picture, cell)) - m_margins[at];
-        m_logOdds[at] = std::clamp(oddsPerUnit * beyond, -greatestOdds, greatestOdds);
-        m_shares[at] = isOutermost(picture, cell)
-                               ? 0.0F
-                               : 1.0F / (1.0F + std::exp(-sharePerUnit * beyond));
-    }
+    const RyCutFrame &frame = picture.frame();
+    RyConcurrent::forEachIndex(frame.rows(), [&](qsizetype row) {
+        const int first = int(row) * frame.columns();
+        for (int cell = first; cell < first + frame.columns(); ++cell) {
+            const auto at = std::size_t(cell);
+            const float depth =
+                    std::min(picture.depth(cell), depthByBorder(frame, cell - first, int(row)));
+            const float beyond = depth - m_margins[at];
+            m_logOdds[at] = std::clamp(oddsPerUnit * beyond, -greatestOdds, greatestOdds);
+            m_shares[at] = isOutermost(picture, cell)
+                                   ? 0.0F
+                                   : 1.0F / (1.0F + std::exp(-sharePerUnit * beyond));
+        }
+    });
 }
 
 bool RyDepthPrior::isBeyondMargin(const RyReducedPicture &picture, int cell) const

@@ -27,9 +27,11 @@ float dot(const float (&row)[3], float red, float green, float blue)
     return row[0] * red + row[1] * green + row[2] * blue;
 }
 
+/// Rounded without a call.
 qint16 inSteps(float units)
 {
-    return qint16(std::lround(units * float(RyLabColor::stepsPerUnit)));
+    constexpr int offset = 256 * RyLabColor::stepsPerUnit; // what is cut off has to be positive
+    return qint16(int(units * float(RyLabColor::stepsPerUnit) + (float(offset) + 0.5F)) - offset);
 }
 
 } // namespace

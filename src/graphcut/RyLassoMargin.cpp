@@ -1,6 +1,7 @@
 #include "graphcut/RyLassoMargin.h"
 
 #include "graphcut/RyColorModels.h"
+#include "image/RyConcurrent.h"
 
 #include <algorithm>
 #include <array>
@@ -114,9 +115,9 @@ double divergence(const Histogram &left, const Histogram &right)
     return sum;
 }
 
-/// Adds, for every margin, how different what lies deeper is from all the rest.
-void addDivergences(const RyReducedPicture &picture, const RyColorBins &bins, float shift,
-                    std::vector<double> &sums)
+/// For every margin, how different what lies deeper is from all the rest.
+std::vector<double> divergencesOf(const RyReducedPicture &picture, const RyColorBins &bins,
+                                  float shift)
 {
     std::vector<int> groupOf;
     const auto groups = std::size_t(group(bins, shift, groupOf));
@@ -132,14 +133,16 @@ void addDivergences(const RyReducedPicture &picture, const RyColorBins &bins, fl
             rest.add(at, 1.0);
         }
     }
+    std::vector<double> divergences;
     for (std::size_t margin = 0; margin < depthLayers; ++margin) {
-        sums[margin] += divergence(deeper, rest);
+        divergences.push_back(divergence(deeper, rest));
         for (std::size_t i = 0; i < groups; ++i) {
             const double count = layers[margin].counts[i];
             rest.add(int(i), count);
             deeper.add(int(i), -count);
         }
     }
+    return divergences;
 }
 
 } // namespace
@@ -148,9 +151,10 @@ RyLassoMargin::RyLassoMargin(const RyReducedPicture &picture, const RyColorBins 
 {
     const std::vector<double> evidence = evidenceOfLayers(picture, bins);
     const double evidenceScale = weightOfLayers / cellsInALayer(picture);
-    std::vector<double> divergences(depthLayers, 0.0);
-    for (int i = 0; i < groupings; ++i)
-        addDivergences(picture, bins, float(i) / float(groupings), divergences);
+    std::array<std::vector<double>, groupings> divergences;
+    RyConcurrent::forEachIndex(groupings, [&](qsizetype i) {
+        divergences[std::size_t(i)] = divergencesOf(picture, bins, float(i) / float(groupings));
+    });
 
     const double greatest = greatestShareOfDepth * double(picture.greatestDepth());
     double best = -std::numeric_limits<double>::infinity();
@@ -158,7 +162,9 @@ RyLassoMargin::RyLassoMargin(const RyReducedPicture &picture, const RyColorBins 
     for (int margin = leastMargin; margin <= greatestMargin; ++margin) {
         if (margin > leastMargin && margin > greatest)
             break;
-        double score = weightOfDivergence / groupings * divergences[std::size_t(margin)];
+        double score = 0.0;
+        for (const std::vector<double> &grouping : divergences)
+            score += weightOfDivergence / groupings * grouping[std::size_t(margin)];
         for (int layer = 0; layer < depthLayers - 1; ++layer) {
             const double sum = evidence[std::size_t(layer)] * evidenceScale;
             score += layer < margin ? -sum : sum;

@@ -36,9 +36,14 @@ void RyReducedPicture::reduceRow(const QImage &picture, const QImage &lasso, int
 
 void RyReducedPicture::measureDepths()
 {
-    const std::vector<float> inwards = distancesInside();
-    const std::vector<float> outwards =
-            RyDistanceTransform::toSites(m_inside, m_frame.columns(), m_frame.rows());
+    std::vector<float> inwards;
+    std::vector<float> outwards;
+    RyConcurrent::forEachIndex(2, [&](qsizetype i) {
+        if (i == 0)
+            inwards = distancesInside();
+        else
+            outwards = RyDistanceTransform::toSites(m_inside, m_frame.columns(), m_frame.rows());
+    });
     const auto unitsPerCell = float(1.0 / m_frame.cellsPerUnit());
     for (std::size_t cell = 0; cell < m_inside.size(); ++cell) {
         // The outline lies half way between a cell inside and one outside.
