@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr double bandUnits = 4.0; // on both sides of the first outline
 constexpr int leastBandCells = 1; // of the level before
 constexpr double sharpness = 1.0;
 
@@ -112,18 +111,27 @@ RyBandCut::RyBandCut(const QImage &picture, const QImage &lasso, const RyReduced
     , m_prior(prior)
 {}
 
+int RyBandCut::radius() const
+{
+    constexpr double units = 4.0;
+    return std::max(leastBandCells, int(std::lround(units * m_reduced.frame().cellsPerUnit())));
+}
+
 std::vector<RyCutSide> RyBandCut::decided(const std::vector<RyCutSide> &cells,
-                                          const RyCutConstraints &constraints) const
+                                          const RyCutConstraints &constraints,
+                                          const Known *known) const
 {
     RatioTable table(m_models);
     const auto ratios = [&table](const RyLabColor &color) { return table.at(color); };
     RyCutFrame frame = m_reduced.frame();
     Sides sides = cells;
     Sides fixed;
-    int radius = std::max(leastBandCells, int(std::lround(bandUnits * frame.cellsPerUnit())));
+    int radius = this->radius();
     do {
         const RyCutFrame level = frame.withCells(sizeOfNextLevel(frame.cellSize()));
         sides = divided(frame, withBand(sides, frame.columns(), frame.rows(), radius), level);
+        if (known)
+            takeOver(*known, level, sides);
         if (!constraints.isEmpty()) {
             fixed = constraints.ofCells(level);
             override(sides, fixed);
@@ -167,6 +175,24 @@ std::vector<RyCutSide> RyBandCut::divided(const RyCutFrame &cells, const Sides &
     return result;
 }
 
+void RyBandCut::takeOver(const Known &known, const RyCutFrame &level, Sides &sides) const
+{
+    const RyCutFrame &cells = m_reduced.frame();
+    const std::vector<int> middles = middlesOf(level);
+    RyConcurrent::forEachIndex(level.rows(), [&](qsizetype row) {
+        const int y = std::min(level.middleOf(int(row)), level.height() - 1);
+        const quint8 *const isOpen = known.isOpen.data() + cells.cellAt(0, y);
+        const RyCutSide *const pixels =
+                known.pixels.data() + std::size_t(y) * std::size_t(level.width());
+        RyCutSide *const out = sides.data() + std::size_t(row) * middles.size();
+        for (std::size_t column = 0; column < middles.size(); ++column) {
+            const int x = middles[column];
+            if (isOpen[x / cells.cellSize()] == 0)
+                out[column] = pixels[x];
+        }
+    });
+}
+
 std::vector<RyCutSide> RyBandCut::cutAgain(const RyCutFrame &level, Sides sides,
                                            const Ratios &ratios) const
 {
@@ -191,10 +217,10 @@ void RyBandCut::convertRow(const RyCutFrame &level, const Sides &sides, int row,
     const int columns = level.columns();
     std::vector<bool> isNeeded(std::size_t(columns), false);
     for (int y = std::max(row - 1, 0); y <= std::min(row + 1, level.rows() - 1); ++y) {
-        const auto begin = sides.begin() + qsizetype(y) * columns;
-        const auto end = begin + columns;
-        for (auto at = std::find(begin, end, RyCutSide::Undecided); at != end;
-             at = std::find(at + 1, end, RyCutSide::Undecided)) {
+        const RyCutSide *const begin = sides.data() + std::size_t(y) * std::size_t(columns);
+        const RyCutSide *const end = begin + columns;
+        for (const RyCutSide *at = ryFindSide(begin, end, RyCutSide::Undecided); at != end;
+             at = ryFindSide(at + 1, end, RyCutSide::Undecided)) {
             const int column = int(at - begin);
             for (int x = std::max(column - 1, 0); x <= std::min(column + 1, columns - 1); ++x)
                 isNeeded[std::size_t(x)] = true;

@@ -27,15 +27,28 @@ public:
     RyBandCut(const QImage &picture, const QImage &lasso, const RyReducedPicture &reduced,
               const RyColorModels &models, const RyDepthPrior &prior);
 
-    /// The sides of all pixels of the frame's area. Constraints are obeyed to the pixel.
+    /// A cut of the same pixels, and the cells in which another one may differ from it.
+    struct Known
+    {
+        const std::vector<RyCutSide> &pixels;
+        std::vector<quint8> isOpen; // 0 or 1
+    };
+
+    /// Cells on both sides of the first outline that are decided again.
+    int radius() const;
+
+    /// The sides of all pixels of the frame's area. Constraints are obeyed to the pixel. What is
+    /// known already and not open stays as it is.
     std::vector<RyCutSide> decided(const std::vector<RyCutSide> &cells,
-                                   const RyCutConstraints &constraints) const;
+                                   const RyCutConstraints &constraints,
+                                   const Known *known = nullptr) const;
 
 private:
     using Sides = std::vector<RyCutSide>;
     using Ratios = std::function<float(const RyLabColor &color)>;
 
     Sides divided(const RyCutFrame &cells, const Sides &sides, const RyCutFrame &level) const;
+    void takeOver(const Known &known, const RyCutFrame &level, Sides &sides) const;
     Sides cutAgain(const RyCutFrame &level, Sides sides, const Ratios &ratios) const;
     void convertRow(const RyCutFrame &level, const Sides &sides, int row, RyLabColor *colors) const;
 

@@ -65,27 +65,55 @@ void RyCutConstraints::read(int row, int left, int right, RyCutSide *out) const
     });
 }
 
-std::vector<RyCutSide> RyCutConstraints::ofCells(const RyCutFrame &frame) const
+/// Visits what is fixed within an area, tile by tile: the row, the first column, how many, the sides.
+template <typename Visit>
+void RyCutConstraints::forEachFixedRow(const QRect &area, Visit visit) const
 {
-    const QRect area = frame.area();
-    std::vector<RyCutSide> sides(std::size_t(frame.cellCount()), RyCutSide::Undecided);
-    std::vector<RyCutSide> line(std::size_t(area.width()));
-    for (int row = 0; row < frame.rows(); ++row) {
-        std::vector<int> balance(std::size_t(frame.columns()), 0);
-        const QRect pixels = frame.pixelsOf(0, row);
-        for (int y = pixels.top(); y <= pixels.bottom(); ++y) {
-            read(area.top() + y, area.left(), area.left() + area.width(), line.data());
-            for (int x = 0; x < area.width(); ++x) {
-                const auto column = std::size_t(x / frame.cellSize());
-                balance[column] += line[std::size_t(x)] == RyCutSide::Object;
-                balance[column] -= line[std::size_t(x)] == RyCutSide::Background;
-            }
-        }
-        RyCutSide *const out = sides.data() + std::size_t(row) * balance.size();
-        for (std::size_t column = 0; column < balance.size(); ++column) {
-            if (balance[column] != 0)
-                out[column] = balance[column] > 0 ? RyCutSide::Object : RyCutSide::Background;
+    const int columns = (m_size.width() + tileSide - 1) / tileSide;
+    for (qsizetype index = 0; index < m_tiles.size(); ++index) {
+        const QByteArray &tile = m_tiles.at(index);
+        if (tile.isEmpty())
+            continue;
+        const QPoint corner(int(index) % columns * tileSide, int(index) / columns * tileSide);
+        const QRect part = QRect(corner, QSize(tileSide, tileSide)) & area;
+        for (int y = part.top(); y <= part.bottom(); ++y) {
+            const auto *const sides =
+                    reinterpret_cast<const RyCutSide *>(tile.constData()) +
+                    std::size_t((y - corner.y()) * tileSide + part.left() - corner.x());
+            visit(y, part.left(), part.width(), sides);
         }
     }
-    return sides;
+}
+
+std::vector<RyCutSide> RyCutConstraints::ofCells(const RyCutFrame &frame) const
+{
+    const QPoint origin = frame.area().topLeft();
+    std::vector<int> balance(std::size_t(frame.cellCount()), 0);
+    forEachFixedRow(frame.area(), [&](int y, int left, int count, const RyCutSide *sides) {
+        int *const row = balance.data() + frame.cellAt(0, y - origin.y());
+        for (int i = 0; i < count; ++i) {
+            int &cell = row[(left - origin.x() + i) / frame.cellSize()];
+            cell += sides[i] == RyCutSide::Object;
+            cell -= sides[i] == RyCutSide::Background;
+        }
+    });
+    std::vector<RyCutSide> cells(balance.size(), RyCutSide::Undecided);
+    std::transform(balance.begin(), balance.end(), cells.begin(), [](int sum) {
+        if (sum == 0)
+            return RyCutSide::Undecided;
+        return sum > 0 ? RyCutSide::Object : RyCutSide::Background;
+    });
+    return cells;
+}
+
+std::vector<quint8> RyCutConstraints::touchedCells(const RyCutFrame &frame) const
+{
+    const QPoint origin = frame.area().topLeft();
+    std::vector<quint8> cells(std::size_t(frame.cellCount()), 0);
+    forEachFixedRow(frame.area(), [&](int y, int left, int count, const RyCutSide *sides) {
+        quint8 *const row = cells.data() + frame.cellAt(0, y - origin.y());
+        for (int i = 0; i < count; ++i)
+            row[(left - origin.x() + i) / frame.cellSize()] |= sides[i] != RyCutSide::Undecided;
+    });
+    return cells;
 }

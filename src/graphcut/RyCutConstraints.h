@@ -41,6 +41,8 @@ public:
     /// The sides of a frame's cells: a cell is on the side that most of what is fixed in it is on, and
     /// undecided where nothing is, or as much on both.
     std::vector<RyCutSide> ofCells(const RyCutFrame &frame) const;
+    /// 1 for a cell in which anything is fixed, else 0.
+    std::vector<quint8> touchedCells(const RyCutFrame &frame) const;
 
     friend bool operator==(const RyCutConstraints &, const RyCutConstraints &) = default;
 
@@ -49,6 +51,8 @@ private:
 
     template <typename Visit>
     void forEachPiece(int row, int left, int right, Visit visit) const;
+    template <typename Visit>
+    void forEachFixedRow(const QRect &area, Visit visit) const;
 
     QSize m_size;
     bool m_isInverted = false;

@@ -1,7 +1,7 @@
 #include "graphcut/RyGraphCut.h"
 
 #include "graphcut/RyBandCut.h"
-#include "graphcut/RyContrastCut.h"
+#include "graphcut/RyDistanceTransform.h"
 #include "graphcut/RyLassoMargin.h"
 #include "graphcut/RyMaskParts.h"
 
@@ -14,18 +14,24 @@ constexpr int refitsToConstraints = 1;
 constexpr float shareOfPrior = 0.1F; // in what models are fitted to; the rest is the cut's
 constexpr float weightOfColors = 0.7F;
 constexpr double sharpness = 0.6;
+constexpr float certainty = 1e3F;    // more than all neighbours can say against it
 constexpr double leastObject = 0.02; // of what was to be expected; less is as good as nothing
 
-/// Decides all undecided cells by colour, depth and contrast.
+/// Decides all undecided cells by colour, depth and contrast, and as some are fixed.
 std::vector<RyCutSide> decide(RyContrastCut &graph, const RyColorBins &bins,
-                              const RyColorModels &models, const RyDepthPrior &prior)
+                              const RyColorModels &models, const RyDepthPrior &prior,
+                              const std::vector<RyCutSide> *fixed = nullptr)
 {
     std::vector<float> ratios;
     ratios.reserve(std::size_t(bins.count()));
     for (const RyColorBins::Color &color : bins.colors())
         ratios.push_back(weightOfColors * models.logRatio(color));
-    return graph.decided(
-            [&](int cell) { return ratios[std::size_t(bins.binOf(cell))] + prior.logOdds(cell); });
+    return graph.decided([&](int cell) {
+        const RyCutSide side = fixed ? (*fixed)[std::size_t(cell)] : RyCutSide::Undecided;
+        if (side != RyCutSide::Undecided)
+            return side == RyCutSide::Object ? certainty : -certainty;
+        return ratios[std::size_t(bins.binOf(cell))] + prior.logOdds(cell);
+    });
 }
 
 double objectCount(const std::vector<RyCutSide> &sides)
@@ -41,16 +47,17 @@ RyGraphCut::RyGraphCut(const QImage &picture, const RyCutFrame &frame, const QIm
     , m_reduced(picture, frame, lasso)
     , m_bins(m_reduced.colors())
     , m_prior(m_reduced, RyLassoMargin(m_reduced, m_bins).units())
+    , m_graph(undecided(), m_reduced.colors().data(), frame.columns(), frame.rows(), sharpness)
     , m_models(firstModels())
+    , m_cells(decide(m_graph, m_bins, m_models, m_prior))
 {
-    RyContrastCut graph(undecided(), m_reduced.colors().data(), frame.columns(), frame.rows(),
-                        sharpness);
-    m_cells = decide(graph, m_bins, m_models, m_prior);
     for (int refit = 0; refit < refits; ++refit) {
         m_prior.follow(m_reduced, m_cells);
         m_models = modelsOf(m_cells);
-        m_cells = decide(graph, m_bins, m_models, m_prior);
+        m_cells = decide(m_graph, m_bins, m_models, m_prior);
     }
+    m_cleanCells = cleaned(m_cells, nullptr);
+    m_pixels = refined(m_cleanCells, m_models);
 }
 
 /// Of the sides that the depth alone makes likely.
@@ -98,37 +105,78 @@ RyGraphCut::Sides RyGraphCut::undecided() const
 
 std::vector<RyCutSide> RyGraphCut::cut(const RyCutConstraints &constraints) const
 {
-    if (!(m_reduced.greatestDepth() > 0.0F)) // too thin for a cell: all that it covers
-        return sidesOfCells(Sides(m_cells.size(), RyCutSide::Object), constraints);
     if (constraints.isEmpty())
-        return refined(cleaned(m_cells, nullptr), m_models, constraints);
+        return m_pixels;
+    if (isThin())
+        return sidesOfCells(Sides(m_cells.size(), RyCutSide::Object), constraints);
     const Sides fixed = constraints.ofCells(frame());
+    RyColorModels models;
+    const Sides cells = cleaned(cellsUnder(fixed, models), &fixed);
+    return refinedAgain(cells, models, constraints);
+}
+
+/// What is fixed takes part as cells that nothing can win over; where no cell takes part, the graph
+/// has to be another one.
+RyGraphCut::Sides RyGraphCut::cellsUnder(const Sides &fixed, RyColorModels &models) const
+{
     Sides start = undecided();
     Sides cells = m_cells;
+    bool fitsGraph = true;
     for (std::size_t cell = 0; cell < fixed.size(); ++cell) {
-        if (fixed[cell] != RyCutSide::Undecided)
-            start[cell] = cells[cell] = fixed[cell];
+        if (fixed[cell] == RyCutSide::Undecided)
+            continue;
+        fitsGraph &= start[cell] == RyCutSide::Undecided || start[cell] == fixed[cell];
+        start[cell] = cells[cell] = fixed[cell];
     }
-    RyContrastCut graph(std::move(start), m_reduced.colors().data(), frame().columns(),
-                        frame().rows(), sharpness);
-    RyColorModels models;
+    RyContrastCut graph = fitsGraph ? m_graph
+                                    : RyContrastCut(std::move(start), m_reduced.colors().data(),
+                                                    frame().columns(), frame().rows(), sharpness);
     for (int refit = 0; refit <= refitsToConstraints; ++refit) {
         models = modelsOf(cells);
-        cells = decide(graph, m_bins, models, m_prior);
+        cells = decide(graph, m_bins, models, m_prior, &fixed);
     }
-    return refined(cleaned(std::move(cells), &fixed), models, constraints);
+    return cells;
 }
 
 /// At full size. Of a small object the band is all there is, and where colours say little a cut
 /// round nothing is the cheapest one: its cells are the answer then.
-RyGraphCut::Sides RyGraphCut::refined(const Sides &cells, const RyColorModels &models,
-                                      const RyCutConstraints &constraints) const
+RyGraphCut::Sides RyGraphCut::refined(const Sides &cells, const RyColorModels &models) const
+{
+    if (isThin())
+        return sidesOfCells(Sides(m_cells.size(), RyCutSide::Object), {});
+    Sides sides = RyBandCut(m_picture, m_lasso, m_reduced, models, m_prior).decided(cells, {});
+    return isWorthwhile(sides, cells) ? sides : sidesOfCells(cells, {});
+}
+
+/// As refined(), but what is far from all changes stays as it is.
+RyGraphCut::Sides RyGraphCut::refinedAgain(const Sides &cells, const RyColorModels &models,
+                                           const RyCutConstraints &constraints) const
 {
     const RyBandCut band(m_picture, m_lasso, m_reduced, models, m_prior);
-    Sides sides = band.decided(cells, constraints);
+    const RyBandCut::Known known{m_pixels, cellsToOpen(cells, constraints, 2 * band.radius() + 1)};
+    Sides sides = band.decided(cells, constraints, &known);
+    return isWorthwhile(sides, cells) ? sides : sidesOfCells(cells, constraints);
+}
+
+bool RyGraphCut::isWorthwhile(const Sides &pixels, const Sides &cells) const
+{
     const double expected = objectCount(cells) * frame().cellSize() * frame().cellSize();
-    const bool isFound = objectCount(sides) > leastObject * expected;
-    return isFound ? sides : sidesOfCells(cells, constraints);
+    return objectCount(pixels) > leastObject * expected;
+}
+
+/// Those within reach of a cell that is on another side now, or in which something is fixed.
+std::vector<quint8> RyGraphCut::cellsToOpen(const Sides &cells, const RyCutConstraints &constraints,
+                                            int reach) const
+{
+    std::vector<quint8> changed = constraints.touchedCells(frame());
+    for (std::size_t cell = 0; cell < cells.size(); ++cell)
+        changed[cell] |= cells[cell] != m_cleanCells[cell];
+    const std::vector<float> distances =
+            RyDistanceTransform::toSites(changed, frame().columns(), frame().rows());
+    std::vector<quint8> isOpen(changed.size());
+    std::transform(distances.begin(), distances.end(), isOpen.begin(),
+                   [reach](float distance) { return quint8(distance <= float(reach)); });
+    return isOpen;
 }
 
 /// Without crumbs and pinholes.

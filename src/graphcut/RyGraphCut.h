@@ -2,6 +2,7 @@
 
 #include "graphcut/RyColorBins.h"
 #include "graphcut/RyColorModels.h"
+#include "graphcut/RyContrastCut.h"
 #include "graphcut/RyCutConstraints.h"
 #include "graphcut/RyCutFrame.h"
 #include "graphcut/RyCutSide.h"
@@ -32,7 +33,7 @@
 class RyGraphCut
 {
 public:
-    /// Analyses and cuts at reduced size. The picture has 32 bits a pixel; the lasso is a picture of
+    /// Analyses and cuts. The picture has 32 bits a pixel; the lasso is a picture of
     /// the frame's area, Format_Grayscale8: 0 outside. The frame must not be empty.
     RyGraphCut(const QImage &picture, const RyCutFrame &frame, const QImage &lasso);
 
@@ -40,19 +41,26 @@ public:
     const RyCutFrame &frame() const { return m_reduced.frame(); }
 
     /// The cut at full size. With constraints, the models are fitted to them as well; where they
-    /// fix a pixel, its side is theirs.
+    /// fix a pixel, its side is theirs. Only what they change is cut anew at full size.
     std::vector<RyCutSide> cut(const RyCutConstraints &constraints) const;
 
 private:
     using Sides = std::vector<RyCutSide>;
 
+    /// Too thin for a cell: the object is all that the lasso covers.
+    bool isThin() const { return !(m_reduced.greatestDepth() > 0.0F); }
     RyColorModels firstModels() const;
     RyColorModels modelsOf(const Sides &cells) const;
     Sides undecided() const;
     Sides cleaned(Sides cells, const Sides *fixed) const;
     Sides orShrunkLasso(Sides cells, const Sides *fixed) const;
-    Sides refined(const Sides &cells, const RyColorModels &models,
-                  const RyCutConstraints &constraints) const;
+    Sides cellsUnder(const Sides &fixed, RyColorModels &models) const;
+    Sides refined(const Sides &cells, const RyColorModels &models) const;
+    Sides refinedAgain(const Sides &cells, const RyColorModels &models,
+                       const RyCutConstraints &constraints) const;
+    bool isWorthwhile(const Sides &pixels, const Sides &cells) const;
+    std::vector<quint8> cellsToOpen(const Sides &cells, const RyCutConstraints &constraints,
+                                    int reach) const;
     Sides sidesOfCells(const Sides &cells, const RyCutConstraints &constraints) const;
 
     const QImage m_picture;
@@ -60,6 +68,10 @@ private:
     const RyReducedPicture m_reduced;
     const RyColorBins m_bins;
     RyDepthPrior m_prior;
+    RyContrastCut m_graph;
+    // Without constraints:
     RyColorModels m_models;
-    Sides m_cells; // at reduced size, without constraints
+    Sides m_cells;
+    Sides m_cleanCells;
+    Sides m_pixels;
 };

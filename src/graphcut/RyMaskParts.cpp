@@ -68,11 +68,11 @@ private:
     void appendRuns(const RyCutSide *pixels, int width, int row, RyCutSide side)
     {
         const RyCutSide *const end = pixels + width;
-        for (const RyCutSide *at = std::find(pixels, end, side); at != end;) {
+        for (const RyCutSide *at = ryFindSide(pixels, end, side); at != end;) {
             const RyCutSide *const stop =
                     std::find_if(at, end, [side](RyCutSide other) { return other != side; });
             m_runs.push_back({row, int(at - pixels), int(stop - pixels), int(m_runs.size())});
-            at = std::find(stop, end, side);
+            at = ryFindSide(stop, end, side);
         }
     }
 

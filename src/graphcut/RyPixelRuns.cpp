@@ -20,8 +20,8 @@ void RyPixelRuns::addRow(const RyCutSide *sides, int row)
     const auto isDecided = [](RyCutSide side) { return side != RyCutSide::Undecided; };
     const RyCutSide *const end = sides + m_width;
     const RyCutSide *lastEnd = nullptr;
-    for (const RyCutSide *begin = std::find(sides, end, RyCutSide::Undecided); begin != end;
-         begin = std::find(lastEnd, end, RyCutSide::Undecided)) {
+    for (const RyCutSide *begin = ryFindSide(sides, end, RyCutSide::Undecided); begin != end;
+         begin = ryFindSide(lastEnd, end, RyCutSide::Undecided)) {
         const bool isFarFromLast = !lastEnd || begin - lastEnd > 1;
         lastEnd = std::find_if(begin, end, isDecided);
         const Run run{row, int(begin - sides), int(lastEnd - sides), m_nextNode + isFarFromLast};
