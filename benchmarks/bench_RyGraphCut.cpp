@@ -7,25 +7,15 @@ static std::shared_ptr<const RyGraphCut> analysed(const BenchmarkPicture &pictur
     return RyGraphFirstCut::analyse(picture.image.imageRGB(), picture.lasso);
 }
 
-/// Models, margin and the cuts at reduced size.
-static void graphCutAtReducedSize(benchmark::State &state)
+/// From the lasso to the sides of all pixels.
+static void graphCut(benchmark::State &state)
 {
     const BenchmarkPicture &picture = BenchmarkPicture::forState(state);
     for (auto _ : state)
         benchmark::DoNotOptimize(analysed(picture));
     countLassoPixels(state);
 }
-BENCHMARK(graphCutAtReducedSize)->Apply(forEachLasso)->UseRealTime();
-
-/// From there to the pixels.
-static void graphCutInBands(benchmark::State &state)
-{
-    const auto graphCut = analysed(BenchmarkPicture::forState(state));
-    for (auto _ : state)
-        benchmark::DoNotOptimize(graphCut->cut({}));
-    countLassoPixels(state);
-}
-BENCHMARK(graphCutInBands)->Apply(forEachLasso)->UseRealTime();
+BENCHMARK(graphCut)->Apply(forEachLasso)->UseRealTime();
 
 /// Anew under a correction of 40 pixels' width, down to the mask.
 static void recutUnderConstraints(benchmark::State &state)
