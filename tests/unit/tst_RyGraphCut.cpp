@@ -31,6 +31,7 @@ private Q_SLOTS:
     void takesStrangeLassos();
     void obeysConstraints_data();
     void obeysConstraints();
+    void leavesAloneWhatIsFarFromCorrections();
 };
 
 namespace {
@@ -335,6 +336,26 @@ void tst_RyGraphCut::obeysConstraints()
             QCOMPARE(wrong, 0);
             QVERIFY(seed > 0 || object > before / 2);
         }
+}
+
+/// Also where models that have learnt from the correction would put the outline a little elsewhere.
+void tst_RyGraphCut::leavesAloneWhatIsFarFromCorrections()
+{
+    const QImage picture = Samples::photograph(QStringLiteral("coffee.png"), 600)
+                                   .convertToFormat(QImage::Format_RGB32);
+    QPainterPath lasso;
+    lasso.addEllipse(QRectF(60, 8, 440, 384));
+    const auto graphCut = RyGraphFirstCut::analyse(picture, lasso);
+    const QImage first = sidesAsMask(*graphCut, {});
+    const QRect corrected(90, 200, 20, 12); // the saucer's rim is background now
+    RyCutConstraints constraints(picture.size());
+    for (int y = corrected.top(); y <= corrected.bottom(); ++y)
+        constraints.fix(y, corrected.left(), corrected.right() + 1, false);
+    const QImage second = sidesAsMask(*graphCut, constraints);
+    const QRect near(60, 150, 140, 130);
+    const QRect far(400, 0, 200, 400);
+    QVERIFY(second.copy(near) != first.copy(near));
+    QCOMPARE(second.copy(far), first.copy(far));
 }
 
 QTEST_GUILESS_MAIN(tst_RyGraphCut)
