@@ -48,6 +48,12 @@ struct Grid
     QPoint seed;
 };
 
+void onGrids(benchmark::internal::Benchmark *benchmark)
+{
+    benchmark->Args({768, 768})->Args({1800, 1200})->Args({6000, 4500});
+    benchmark->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
+}
+
 void waitForWire(const RyIntelligentScissors &scissors, const QPointF &point)
 {
     while (!scissors.containsWireToPoint(point))
@@ -118,13 +124,7 @@ static void wholeSearch(benchmark::State &state)
     }
     ScissorsBenchmark::countPoints(state);
 }
-BENCHMARK(wholeSearch)
-        ->Args({768, 768})
-        ->Args({1800, 1200})
-        ->Args({6000, 4500})
-        ->Unit(benchmark::kMillisecond)
-        ->MeasureProcessCPUTime()
-        ->UseRealTime();
+BENCHMARK(wholeSearch)->Apply(onGrids);
 
 /// From a photograph, or from a later seed on it, to a wire to the corner that is farthest away.
 static void farthestCorner(benchmark::State &state)
@@ -159,13 +159,7 @@ static void wholeSearchWrittenOut(benchmark::State &state)
                         .order.size());
     ScissorsBenchmark::countPoints(state);
 }
-BENCHMARK(wholeSearchWrittenOut)
-        ->Args({768, 768})
-        ->Args({1800, 1200})
-        ->Args({6000, 4500})
-        ->Unit(benchmark::kMillisecond)
-        ->MeasureProcessCPUTime()
-        ->UseRealTime();
+BENCHMARK(wholeSearchWrittenOut)->Apply(onGrids);
 
 /// The same without anything that makes it usable: see CompactSearch.
 static void wholeSearchCompact(benchmark::State &state)
@@ -176,13 +170,7 @@ static void wholeSearchCompact(benchmark::State &state)
         benchmark::DoNotOptimize(search.run(grid.seed));
     ScissorsBenchmark::countPoints(state);
 }
-BENCHMARK(wholeSearchCompact)
-        ->Args({768, 768})
-        ->Args({1800, 1200})
-        ->Args({6000, 4500})
-        ->Unit(benchmark::kMillisecond)
-        ->MeasureProcessCPUTime()
-        ->UseRealTime();
+BENCHMARK(wholeSearchCompact)->Apply(onGrids);
 
 /// A wire of some thousand points: across a grid all of whose rows but one cost more.
 static void bestWire(benchmark::State &state)
