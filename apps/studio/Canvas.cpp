@@ -134,6 +134,8 @@ void Canvas::updateOverlay(const QRectF &pictureArea)
 void Canvas::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
+    if (m_document.hasPicture())
+        prepareTiles(event->region());
     const QColor surround = palette().color(QPalette::Window).darker(115);
     for (const QRect &area : event->region()) {
         painter.setClipRect(area);
@@ -146,14 +148,30 @@ void Canvas::paintEvent(QPaintEvent *event)
         m_tool->paint(painter, m_view);
 }
 
-void Canvas::paintTiles(QPainter &painter, const QRect &widgetArea)
+/// In pixels of the screen, counted from the picture's corner.
+QRect Canvas::onTiles(const QRect &widgetArea) const
 {
     const double ratio = m_view.devicePixelRatio;
     const QRectF onScreen(QPointF(widgetArea.topLeft()) * ratio, QSizeF(widgetArea.size()) * ratio);
+    return onScreen.toAlignedRect().translated(-m_view.origin);
+}
+
+/// For all areas at once: each of them may not take the time of a frame.
+void Canvas::prepareTiles(const QRegion &widgetRegion)
+{
+    QList<QRect> areas;
+    for (const QRect &area : widgetRegion)
+        areas.append(onTiles(area));
+    m_tiles.prepare(areas);
+}
+
+void Canvas::paintTiles(QPainter &painter, const QRect &widgetArea)
+{
+    const double ratio = m_view.devicePixelRatio;
     painter.save();
     painter.scale(1.0 / ratio, 1.0 / ratio);
     painter.translate(m_view.origin);
-    m_tiles.paint(painter, onScreen.toAlignedRect().translated(-m_view.origin));
+    m_tiles.paint(painter, onTiles(widgetArea));
     painter.restore();
 }
 

@@ -102,6 +102,8 @@ private:
     void pinch(QGestureEvent &event);
     bool nativeGesture(const QNativeGestureEvent &event);
     void updateCursor();
+    QRect onTiles(const QRect &widgetArea) const;
+    void prepareTiles(const QRegion &widgetRegion);
     void paintTiles(QPainter &painter, const QRect &widgetArea);
 
     Document &m_document;

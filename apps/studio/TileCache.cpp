@@ -2,14 +2,19 @@
 
 #include "TileRenderer.h"
 
+#include <QDeadlineTimer>
+#include <QMutexLocker>
 #include <QPainter>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
+
+using namespace std::chrono_literals;
 
 namespace {
 
-constexpr qint64 frameBudgetMs = 8;  // half a frame: the other half is for putting it on the screen
+constexpr auto frameBudget = 8ms;    // half a frame: the other half is for putting it on the screen
 constexpr qsizetype mostTiles = 400; // 100 MB
 
 } // namespace
@@ -89,34 +94,92 @@ QList<QPoint> TileCache::placesIn(const QRect &area)
 
 bool TileCache::isUpToDate() const
 {
-    const QList<QPoint> places = placesIn(m_viewport & sceneRect());
+    return isUpToDate(placesIn(m_viewport & sceneRect()));
+}
+
+bool TileCache::isUpToDate(const QList<QPoint> &places) const
+{
     return std::all_of(places.begin(), places.end(), [this](const QPoint &place) {
         const auto tile = m_tiles.find(place);
         return tile != m_tiles.end() && tile->drawn == tile->wanted;
     });
 }
 
+void TileCache::prepare(const QList<QRect> &areas)
+{
+    QList<QPoint> places;
+    for (const QRect &area : areas)
+        places += placesIn(area & sceneRect());
+    waitFor(places);
+}
+
 void TileCache::paint(QPainter &painter, const QRect &area)
 {
-    QElapsedTimer timer;
-    timer.start();
     for (const QPoint &place : placesIn(area & sceneRect()))
-        paintTile(painter, place, timer.elapsed() < frameBudgetMs);
+        paintTile(painter, place);
     if (!m_formerTiles.isEmpty() && isUpToDate())
         m_formerTiles.clear();
     forgetOldTiles();
 }
 
-void TileCache::paintTile(QPainter &painter, const QPoint &place, bool hasTime)
+void TileCache::request(const QPoint &place)
+{
+    Tile &tile = m_tiles[place];
+    if (tile.drawn == tile.wanted || tile.requested > tile.drawn)
+        return; // one at a time, or strokes would leave threads that are busy ever further behind
+    tile.requested = tile.wanted;
+    m_pool.start([this, scene = m_scene, rect = rectOf(place), place, scale = m_scale,
+                  version = tile.wanted] {
+        const QImage image = TileRenderer::render(*scene, rect, scale);
+        const QMutexLocker lock(&m_mutex);
+        m_drawn.append({place, version, scale, image});
+        m_hasDrawn.wakeOne();
+        QMetaObject::invokeMethod(this, &TileCache::takeDrawn, Qt::QueuedConnection);
+    });
+}
+
+void TileCache::waitFor(const QList<QPoint> &places)
+{
+    const QDeadlineTimer frameEnd(frameBudget, Qt::PreciseTimer);
+    while (true) {
+        takeDrawn();
+        for (const QPoint &place : places)
+            request(place);
+        if (isUpToDate(places) || frameEnd.hasExpired())
+            return;
+        QMutexLocker lock(&m_mutex);
+        while (m_drawn.isEmpty() && m_hasDrawn.wait(&m_mutex, frameEnd)) {
+        }
+    }
+}
+
+void TileCache::takeDrawn()
+{
+    QList<DrawnTile> drawn;
+    {
+        const QMutexLocker lock(&m_mutex);
+        drawn.swap(m_drawn);
+    }
+    for (const DrawnTile &tile : std::as_const(drawn))
+        take(tile);
+}
+
+void TileCache::take(const DrawnTile &drawn)
+{
+    const auto tile = m_tiles.find(drawn.place);
+    if (drawn.scale != m_scale || tile == m_tiles.end() || drawn.version <= tile->drawn)
+        return; // nobody asks for it any more
+    tile->image = drawn.image;
+    tile->drawn = drawn.version;
+    if (std::exchange(tile->isShownOld, false))
+        Q_EMIT changed(rectOf(drawn.place));
+}
+
+void TileCache::paintTile(QPainter &painter, const QPoint &place)
 {
     const QRect rect = rectOf(place);
     Tile &tile = m_tiles[place];
-    if (tile.drawn != tile.wanted && hasTime) {
-        tile.image = TileRenderer::render(*m_scene, rect, m_scale);
-        tile.drawn = tile.wanted;
-    }
-    if (tile.drawn != tile.wanted)
-        request(place, tile);
+    tile.isShownOld = tile.isShownOld || tile.drawn != tile.wanted;
     if (tile.image.isNull())
         paintPlaceholder(painter, rect);
     else
@@ -141,29 +204,6 @@ void TileCache::paintPlaceholder(QPainter &painter, const QRect &rect) const
             wanted.intersects(QRectF(tile.key() * side, QSize(side, side))))
             painter.drawImage(tile.key() * side, tile->image);
     painter.restore();
-}
-
-void TileCache::request(const QPoint &place, Tile &tile)
-{
-    if (tile.requested == tile.wanted)
-        return;
-    tile.requested = tile.wanted;
-    m_pool.start([this, scene = m_scene, rect = rectOf(place), place, scale = m_scale,
-                  version = tile.wanted] {
-        const QImage image = TileRenderer::render(*scene, rect, scale);
-        QMetaObject::invokeMethod(
-                this, [=, this] { take(place, version, scale, image); }, Qt::QueuedConnection);
-    });
-}
-
-void TileCache::take(const QPoint &place, quint64 version, double scale, const QImage &image)
-{
-    const auto tile = m_tiles.find(place);
-    if (scale != m_scale || tile == m_tiles.end() || version <= tile->drawn)
-        return; // nobody asks for it any more
-    tile->image = image;
-    tile->drawn = version;
-    Q_EMIT changed(rectOf(place));
 }
 
 void TileCache::forgetOldTiles()
