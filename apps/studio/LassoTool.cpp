@@ -209,7 +209,7 @@ void LassoTool::paintOpen(QPainter &painter, const ViewTransform &view) const
     if (m_isDragging && m_parts.size() == 1)
         return;
     OverlayLine::draw(painter, {line.last(), pointer}, Qt::DotLine);
-    painter.setPen(QPen(QColor(0, 0, 0, 200), 1.0));
+    painter.setPen(QPen(OverlayLine::rimColor, 1.0));
     for (const qsizetype part : m_parts) {
         const bool closes = part == 0 && m_points.size() >= fewestPoints &&
                             distance(line.first(), pointer) < closingRadius;

@@ -53,7 +53,7 @@ void OverlayLine::draw(QPainter &painter, const QPolygonF &line, Qt::PenStyle st
     const QRectF area = painter.clipBoundingRect().adjusted(-margin, -margin, margin, margin);
     const QList<QPolygonF> parts =
             style == Qt::SolidLine ? partsWithin(area, thinned(line)) : QList<QPolygonF>{line};
-    painter.setPen(QPen(QColor(0, 0, 0, 170), 3.0, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
+    painter.setPen(QPen(rimColor, 3.0, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
     for (const QPolygonF &part : parts)
         painter.drawPolyline(part);
     painter.setPen(QPen(Qt::white, 1.3, style, Qt::FlatCap, Qt::BevelJoin));

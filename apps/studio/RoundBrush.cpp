@@ -1,5 +1,6 @@
 #include "RoundBrush.h"
 
+#include "OverlayLine.h"
 #include "StudioSettings.h"
 
 #include <QHBoxLayout>
@@ -106,7 +107,7 @@ void RoundBrush::paint(QPainter &painter, const ViewTransform &view, const QPoin
     const double radius = std::max(smallestShown, width() * view.widgetScale() / 2.0);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(QColor(0, 0, 0, 160), 2.6));
+    painter.setPen(QPen(OverlayLine::rimColor, 2.6));
     painter.drawEllipse(view.toWidget(centre), radius, radius);
     painter.setPen(QPen(Qt::white, 1.2));
     painter.drawEllipse(view.toWidget(centre), radius, radius);

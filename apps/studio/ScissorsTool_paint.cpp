@@ -53,7 +53,7 @@ void ScissorsTool::paintNodes(QPainter &painter, const QTransform &toWidget) con
 {
     const WirePath &path = m_editor.path();
     const qsizetype marked = path.nodeNear(m_pointer, m_nodeRadius);
-    painter.setPen(QPen(QColor(0, 0, 0, 200), 1.0));
+    painter.setPen(QPen(OverlayLine::rimColor, 1.0));
     for (qsizetype i = 0; i < path.nodes().size(); ++i) {
         const bool isMarked = i == marked;
         const bool closes = i == 0 && path.canClose();

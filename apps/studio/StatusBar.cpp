@@ -1,9 +1,9 @@
 #include "StatusBar.h"
 
+#include "ProgressBar.h"
 #include "VectorIcon.h"
 
 #include <QLabel>
-#include <QProgressBar>
 #include <QToolButton>
 
 #include <cmath>
@@ -13,7 +13,7 @@ StatusBar::StatusBar(QWidget *parent)
     , m_hint(new QLabel)
     , m_size(new QLabel)
     , m_zoom(new QLabel)
-    , m_progress(new QProgressBar)
+    , m_progress(new ProgressBar)
     , m_cancel(new QToolButton)
 {
     m_hint->setAccessibleName(tr("Hint"));
@@ -70,7 +70,8 @@ void StatusBar::setZoom(double scale)
 
 void StatusBar::beginProgress(const QString &what)
 {
-    m_progress->setRange(0, 0);
+    m_progress->setRange(0, 1); // so that the text is there; bars without an end have none
+    m_progress->showValue(0);
     m_progress->setFormat(what);
     m_progress->show();
     m_cancel->show();
@@ -79,7 +80,7 @@ void StatusBar::beginProgress(const QString &what)
 void StatusBar::setProgress(int currentStep, int totalSteps)
 {
     m_progress->setRange(0, totalSteps);
-    m_progress->setValue(currentStep);
+    m_progress->showValue(currentStep);
 }
 
 void StatusBar::endProgress()

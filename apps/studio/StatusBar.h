@@ -3,7 +3,7 @@
 #include <QStatusBar>
 
 class QLabel;
-class QProgressBar;
+class ProgressBar;
 class QToolButton;
 
 /// What the current tool does, how far a computation is, the picture's size and the scale.
@@ -31,6 +31,6 @@ private:
     QLabel *const m_hint;
     QLabel *const m_size;
     QLabel *const m_zoom;
-    QProgressBar *const m_progress;
+    ProgressBar *const m_progress;
     QToolButton *const m_cancel;
 };
