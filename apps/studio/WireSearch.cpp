@@ -30,11 +30,27 @@ WireSearch::WireSearch(QObject *parent)
             m_pulse.stop();
         Q_EMIT advanced();
     });
+    m_thread.setObjectName(QStringLiteral("WireSearch"));
+    m_scissors.moveToThread(&m_thread);
+    m_thread.start();
+}
+
+WireSearch::~WireSearch()
+{
+    ++m_seedNumber; // what is still to begin need not
+    m_thread.quit();
+    m_thread.wait();
+}
+
+template <typename Work>
+void WireSearch::inItsThread(const Work &work)
+{
+    QMetaObject::invokeMethod(&m_scissors, work, Qt::QueuedConnection);
 }
 
 void WireSearch::setEdges(const QImage &edges)
 {
-    m_scissors.setup(edges);
+    inItsThread([this, edges] { m_scissors.setup(edges); });
     m_size = edges.size();
     m_seed.reset();
     m_pulse.stop();
@@ -45,20 +61,31 @@ void WireSearch::setSeed(const QPointF &seed)
     if (!isReady() || m_seed == seed)
         return;
     m_seed = seed;
-    m_scissors.initializeSeed(seed);
+    inItsThread([this, seed, number = ++m_seedNumber] {
+        if (number != m_seedNumber)
+            return; // there is another one already
+        m_scissors.initializeSeed(seed);
+        m_begunSeed = number;
+    });
     m_pulse.start();
 }
 
 void WireSearch::stop()
 {
-    m_scissors.stopRunning();
+    ++m_seedNumber;
+    inItsThread([this] { m_scissors.stopRunning(); });
     m_seed.reset(); // it would have to begin again
     m_pulse.stop();
 }
 
+bool WireSearch::isSearching() const
+{
+    return m_seed && (!hasBegun() || m_scissors.isSearching());
+}
+
 QPolygonF WireSearch::wireTo(const QPointF &target)
 {
-    if (!m_seed || !m_scissors.containsWireToPoint(target))
+    if (!m_seed || !hasBegun() || !m_scissors.containsWireToPoint(target))
         return {};
     const QList<QPoint> wire = m_scissors.bestWire(target);
     return QPolygonF(QList<QPointF>(wire.begin(), wire.end()));

@@ -6,15 +6,18 @@
 #include <QObject>
 #include <QPointF>
 #include <QPolygonF>
+#include <QThread>
 #include <QTimer>
 
+#include <atomic>
 #include <optional>
 
 /**
  * Wires from one seed to wherever the search has come so far.
  *
  * Input    a picture of edges; points in its pixels, which snapped() moves to where wires end.
- * Threads  the GUI thread, which never waits for the search.
+ * Threads  the GUI thread, which never waits: the scissors live in a thread of their own, since to
+ *          begin anew they wait until the search before has ended.
  */
 class WireSearch : public QObject
 {
@@ -22,6 +25,7 @@ class WireSearch : public QObject
 
 public:
     explicit WireSearch(QObject *parent = nullptr);
+    ~WireSearch() override;
 
     void setEdges(const QImage &edges);
     bool isReady() const { return !m_size.isEmpty(); }
@@ -32,7 +36,7 @@ public:
     /// From the seed to the point, both included; empty while it is not known.
     QPolygonF wireTo(const QPointF &target);
     /// What is not known then will not be found any more.
-    bool isSearching() const { return m_scissors.isSearching(); }
+    bool isSearching() const;
 
     /// The end of every wire to this point, within a picture of this size.
     static QPointF snapped(const QPointF &point, const QSize &size);
@@ -41,8 +45,15 @@ Q_SIGNALS:
     void advanced(); ///< while it searches, and once after
 
 private:
-    RyIntelligentScissors m_scissors;
+    template <typename Work>
+    void inItsThread(const Work &work);
+    bool hasBegun() const { return m_begunSeed == m_seedNumber; }
+
+    QThread m_thread;
+    RyIntelligentScissors m_scissors; // lives in m_thread, and answers in ours as well
     QSize m_size;
     std::optional<QPointF> m_seed;
+    std::atomic<quint64> m_seedNumber = 0; // written by the GUI thread
+    std::atomic<quint64> m_begunSeed = 0;  // written by m_thread, once the scissors know of it
     QTimer m_pulse;
 };
