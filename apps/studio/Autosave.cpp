@@ -8,6 +8,7 @@
 #include <QUuid>
 
 #include <chrono>
+#include <utility>
 
 using namespace std::chrono_literals;
 
@@ -92,8 +93,12 @@ void Autosave::update()
 
 void Autosave::write()
 {
-    if (!m_document.isModified() || !m_document.hasCut() || !lock())
+    if (!m_document.isModified() || !m_document.hasCut())
         return;
+    if (!m_lock) {
+        lock();
+        return;
+    }
     OpenedPicture picture = m_document.opened();
     if (picture.fileName.isEmpty()) {
         picture.fileName = m_picture.pictureFile;
@@ -103,17 +108,29 @@ void Autosave::write()
     m_saver.save(sessionOf(m_name), m_document.gestures(), picture);
 }
 
-bool Autosave::lock()
+/// Beside the event loop, for a lock is written through to the disk. What is to be kept follows.
+void Autosave::lock()
 {
-    if (m_lock)
-        return true;
-    auto lock = lockFor(m_name);
-    if (!QDir().mkpath(folder()) || !lock->tryLock()) {
+    if (std::exchange(m_isLocking, true))
+        return;
+    m_pool.start([this, name = m_name] {
+        std::shared_ptr<QLockFile> lock = lockFor(name);
+        if (!QDir().mkpath(folder()) || !lock->tryLock())
+            lock.reset();
+        QMetaObject::invokeMethod(
+                this, [this, name, lock] { takeLock(name, lock); }, Qt::QueuedConnection);
+    });
+}
+
+void Autosave::takeLock(const QString &name, const std::shared_ptr<QLockFile> &lock)
+{
+    m_isLocking = false;
+    if (!lock) {
         complain(tr("Unsaved work cannot be kept in “%1”.").arg(folder()));
-        return false;
+    } else if (!m_lock && name == m_name) {
+        m_lock = lock;
+        m_document.isModified() ? write() : removeOwn();
     }
-    m_lock = std::move(lock);
-    return true;
 }
 
 void Autosave::removeOwn()

@@ -5,6 +5,7 @@
 #include <QLockFile>
 #include <QObject>
 #include <QStringList>
+#include <QThreadPool>
 #include <QTimer>
 
 #include <map>
@@ -18,7 +19,7 @@ class Document;
  * File     a session for each program that runs, in rycut-studio/ of the XDG state folder, under a
  *          lock that tells whether its program is still there. It goes once nothing is unsaved.
  * Errors   logged, each once; work goes on.
- * Threads  the GUI thread; files are written beside it.
+ * Threads  the GUI thread; files are written and locked beside it.
  */
 class Autosave : public QObject
 {
@@ -41,18 +42,21 @@ public:
 private:
     void update();
     void write();
-    bool lock();
+    void lock();
+    void takeLock(const QString &name, const std::shared_ptr<QLockFile> &lock);
     void removeOwn();
     void removeFiles(const QString &name);
     void complain(const QString &sentence);
 
     Document &m_document;
     QString m_name;                    // of this program's files, without suffix
-    std::unique_ptr<QLockFile> m_lock; // while there is something to keep
+    std::shared_ptr<QLockFile> m_lock; // while there is something to keep
+    bool m_isLocking = false;
     std::map<QString, std::unique_ptr<QLockFile>> m_takenOver; // by name
     bool m_isWanted = false;                                   // what has been or is being written
     bool m_hasComplained = false;
     SessionFile::Saved m_picture; // where the picture is, if it has no file of its own
     QTimer m_timer;
     SessionSaver m_saver;
+    QThreadPool m_pool; // last: its tasks end before anything else goes
 };

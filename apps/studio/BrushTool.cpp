@@ -5,7 +5,7 @@
 
 BrushTool::BrushTool(Document &document, QObject *parent)
     : StrokeTool(document, Document::StrokeKind::Regions,
-                 StudioSettings::instance().regionBrushWidth, parent)
+                 StudioSettings::instance().regionBrushWidth(), parent)
     , m_highlight(document)
 {
     connect(&document, &Document::regionsChanged, this, &BrushTool::brushMoved);

@@ -78,6 +78,7 @@ private:
     void showTool(Tool *tool);
     void cancel();
     void showPreferences();
+    void savePreferences();
     void showHelp();
     void complain(const QString &sentence);
     void updateActions();

@@ -37,11 +37,24 @@ void MainWindow::showPreferences()
 {
     auto *const dialog = new PreferencesDialog(*m_shortcuts, this); // deletes itself
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &QDialog::accepted, this, [this] {
-        if (const QString error = RySettings::saveError(); !error.isEmpty())
-            complain(error);
-    });
+    connect(dialog, &QDialog::accepted, this, &MainWindow::savePreferences);
     dialog->open();
+}
+
+/// The library's are saved by now, ours are so later.
+void MainWindow::savePreferences()
+{
+    const auto tell = [this](const QString &error) {
+        if (!error.isEmpty())
+            complain(error);
+    };
+    if (const QString error = RySettings::saveError(); !error.isEmpty()) {
+        tell(error);
+        return;
+    }
+    StudioSettings &settings = StudioSettings::instance();
+    connect(&settings, &StudioSettings::saved, this, tell, Qt::SingleShotConnection);
+    settings.saveSettings();
 }
 
 void MainWindow::showHelp()

@@ -103,13 +103,13 @@ QWidget *PreferencesDialog::createDebugFolder()
 
 QWidget *PreferencesDialog::createViewPage()
 {
-    const StudioSettings &settings = StudioSettings::instance();
+    StudioSettings &settings = StudioSettings::instance();
     m_maskColor = new ColorButton(tr("Colour over the background"), settings.maskColor(), true);
     m_maskColor->setObjectName(QStringLiteral("maskColor"));
     m_regionBrush = createBrushWidth(QStringLiteral("regionBrush"), tr("Size of the brush"),
-                                     settings.regionBrushWidth.value());
+                                     settings.regionBrushWidth().value());
     m_pixelBrush = createBrushWidth(QStringLiteral("pixelBrush"), tr("Size of the scribble"),
-                                    settings.pixelBrushWidth.value());
+                                    settings.pixelBrushWidth().value());
     auto *const page = new QWidget;
     auto *const form = new QFormLayout(page);
     form->addRow(tr("Colour over the &background:"), m_maskColor);

@@ -3,8 +3,8 @@
 #include "StudioSettings.h"
 
 ScribbleTool::ScribbleTool(Document &document, QObject *parent)
-    : StrokeTool(document, Document::StrokeKind::Pixels, StudioSettings::instance().pixelBrushWidth,
-                 parent)
+    : StrokeTool(document, Document::StrokeKind::Pixels,
+                 StudioSettings::instance().pixelBrushWidth(), parent)
 {}
 
 ToolDescription ScribbleTool::description() const

@@ -9,12 +9,13 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <QThreadPool>
 
 /**
  * What the program remembers from one start to the next.
  *
  * File     group "Studio" of the file that RySettings describes, errors included.
- * Threads  the GUI thread.
+ * Threads  the GUI thread; the file is written beside it.
  */
 class StudioSettings : public RySettings, public RySingleton<StudioSettings>
 {
@@ -29,8 +30,8 @@ public:
     void clearRecentFiles();
 
     /// Diameters in pixels of the picture.
-    RyConfigItem<int> regionBrushWidth{40, 40, QStringLiteral("regionBrushWidth")};
-    RyConfigItem<int> pixelBrushWidth{12, 12, QStringLiteral("pixelBrushWidth")};
+    RyConfigItem<int> &regionBrushWidth() { return m_items.regionBrushWidth; }
+    RyConfigItem<int> &pixelBrushWidth() { return m_items.pixelBrushWidth; }
 
     /// The library's setting, or its default where a file holds none that makes sense.
     static int longestSideForCutting();
@@ -44,10 +45,12 @@ public:
     QMap<QString, QKeySequence> shortcuts() const;
     void setShortcuts(const QMap<QString, QKeySequence> &shortcuts);
 
-    void loadSettings() override;
+    void loadSettings() override; ///< once all that was to be saved is saved
+    /// As they are now, later: a file that has to survive a crash takes a disk up to 100 ms.
     void saveSettings() override;
 
 Q_SIGNALS:
+    void saved(const QString &error); ///< as RySettings::saveError()
     void recentFilesChanged();
     void maskColorChanged(const QColor &color);
     void brushWidthsChanged();
@@ -56,10 +59,20 @@ private:
     friend class RySingleton<StudioSettings>;
     StudioSettings();
 
-    void setRecentFiles(const QStringList &files);
+    struct Items
+    {
+        RyConfigItem<int> regionBrushWidth{40, 40, QStringLiteral("regionBrushWidth")};
+        RyConfigItem<int> pixelBrushWidth{12, 12, QStringLiteral("pixelBrushWidth")};
+        RyConfigItem<QString> maskColor{{}, {}, QStringLiteral("maskColor")}; // #aarrggbb
+        RyConfigItem<QString> shortcuts{
+                {}, {}, QStringLiteral("shortcuts")}; // name, tab, keys a line
+        RyConfigItem<QString> recentFiles{{}, {}, QStringLiteral("recentFiles")}; // one a line
+    };
 
-    RyConfigItem<QString> m_maskColor{{}, {}, QStringLiteral("maskColor")}; // #aarrggbb
-    RyConfigItem<QString> m_shortcuts{
-            {}, {}, QStringLiteral("shortcuts")}; // name, tab, keys a line
-    RyConfigItem<QString> m_recentFiles{{}, {}, QStringLiteral("recentFiles")}; // one a line
+    void setRecentFiles(const QStringList &files);
+    void write(const Items &items);
+
+    Items m_items;
+    Items m_written;    // those of the thread that writes them
+    QThreadPool m_pool; // last: its task uses all the others
 };

@@ -67,6 +67,7 @@ void tst_StudioHelp::init()
 void tst_StudioHelp::cleanup()
 {
     m_studio.reset();
+    StudioSettings::instance().loadSettings(); // what is still being saved is for this file
 }
 
 void tst_StudioHelp::grab(QWidget &widget, const QString &name)
@@ -132,8 +133,8 @@ void tst_StudioHelp::preferencesPersist()
     QCOMPARE(library.debugFolder(), QDir::temp().filePath(QStringLiteral("elsewhere")));
     QCOMPARE(settings.maskColor(), QColor(200, 10, 20, 99));
     QCOMPARE(library.backgroundColors().at(1), QColor(1, 2, 3));
-    QCOMPARE(settings.regionBrushWidth.value(), 61);
-    QCOMPARE(settings.pixelBrushWidth.value(), 7);
+    QCOMPARE(settings.regionBrushWidth().value(), 61);
+    QCOMPARE(settings.pixelBrushWidth().value(), 7);
     m_studio = std::make_unique<StudioDriver>();
     QCOMPARE(m_studio->action("lasso").shortcut(), QKeySequence(Qt::Key_Q));
     QCOMPARE(m_studio->action("brush").shortcut(), QKeySequence(Qt::Key_B));
