@@ -1,6 +1,7 @@
 #include "CutStep.h"
 
 #include <QMutexLocker>
+#include <QThreadPool>
 
 #include <new>
 #include <utility>
@@ -43,6 +44,12 @@ CutStep::CutStep(const QString &name, const CutState &before, const CutState &af
     , m_after(after)
     , m_restore(restore)
 {}
+
+CutStep::~CutStep()
+{
+    QThreadPool::globalInstance()->start(
+            [before = std::move(m_before), after = std::move(m_after)] {});
+}
 
 void CutStep::compact()
 {
