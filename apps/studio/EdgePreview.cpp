@@ -7,15 +7,15 @@
 
 namespace {
 
-/// White where the background is, as sessions send it, with every degree between.
-QImage asSessionMask(const QImage &alpha)
+/// Opaque where the background is, as sessions send it, with every degree between. In a quarter of
+/// the memory, since nobody asks for the colours of a mask.
+QImage asBackground(const QImage &alpha)
 {
-    constexpr QRgb everyChannel = 0x01010101;
-    QImage mask(alpha.size(), QImage::Format_ARGB32_Premultiplied);
+    QImage mask(alpha.size(), QImage::Format_Alpha8);
     for (int y = 0; y < mask.height(); ++y) {
         const uchar *const in = alpha.constScanLine(y);
-        std::transform(in, in + mask.width(), reinterpret_cast<QRgb *>(mask.scanLine(y)),
-                       [](uchar value) { return everyChannel * uchar(~value); });
+        std::transform(in, in + mask.width(), mask.scanLine(y),
+                       [](uchar value) { return uchar(~value); });
     }
     return mask;
 }
@@ -84,7 +84,7 @@ void EdgePreview::start()
     m_isWorking = true;
     m_pool.start([this, request = m_request, source = m_document.cutoutSource(),
                   stop = m_stop.get_token()] {
-        const QImage mask = asSessionMask(EditedMask::make(source, stop).alpha);
+        const QImage mask = asBackground(EditedMask::make(source, stop).alpha);
         QMetaObject::invokeMethod(
                 this, [this, request, mask] { finish(request, mask); }, Qt::QueuedConnection);
     });

@@ -27,8 +27,8 @@ public:
     explicit EdgePreview(const Document &document, QObject *parent = nullptr);
     ~EdgePreview() override;
 
-    /// Opaque where the background is. At the picture's size, or the session's own when nothing
-    /// changes it; null without a cut.
+    /// Opaque where the background is. At the picture's size and in Format_Alpha8, or the session's
+    /// own when nothing changes it; null without a cut.
     QImage mask() const { return m_mask; }
     bool isUpToDate() const { return !m_isWorking && !m_delay.isActive(); }
 

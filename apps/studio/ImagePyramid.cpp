@@ -17,25 +17,40 @@ QRgb mean(QRgb a, QRgb b, QRgb c, QRgb d)
     return ((low >> 2) & channels) | (((high >> 2) & channels) << 8);
 }
 
-const QRgb *pixels(const QImage &image, int y)
+uchar mean(uchar a, uchar b, uchar c, uchar d)
 {
-    return reinterpret_cast<const QRgb *>(image.constScanLine(y));
+    return uchar((a + b + c + d + 2) / 4);
+}
+
+template <typename Pixel>
+const Pixel *pixels(const QImage &image, int y)
+{
+    return reinterpret_cast<const Pixel *>(image.constScanLine(y));
 }
 
 /// The area is in pixels of the result. At odd borders the last row and column count twice.
-void halve(const QImage &image, QImage &result, const QRect &area)
+template <typename Pixel>
+void halvePixels(const QImage &image, QImage &result, const QRect &area)
 {
     const int lastRow = image.height() - 1;
     const int wholePairs = std::min(area.right() + 1, image.width() / 2);
     for (int y = area.top(); y <= area.bottom(); ++y) {
-        const QRgb *const upper = pixels(image, 2 * y);
-        const QRgb *const lower = pixels(image, std::min(2 * y + 1, lastRow));
-        auto *const out = reinterpret_cast<QRgb *>(result.scanLine(y));
+        const Pixel *const upper = pixels<Pixel>(image, 2 * y);
+        const Pixel *const lower = pixels<Pixel>(image, std::min(2 * y + 1, lastRow));
+        auto *const out = reinterpret_cast<Pixel *>(result.scanLine(y));
         for (int x = area.left(); x < wholePairs; ++x)
             out[x] = mean(upper[2 * x], upper[2 * x + 1], lower[2 * x], lower[2 * x + 1]);
         if (const int last = area.right(); last >= wholePairs)
             out[last] = mean(upper[2 * last], upper[2 * last], lower[2 * last], lower[2 * last]);
     }
+}
+
+void halve(const QImage &image, QImage &result, const QRect &area)
+{
+    if (image.format() == QImage::Format_Alpha8)
+        halvePixels<uchar>(image, result, area);
+    else
+        halvePixels<QRgb>(image, result, area);
 }
 
 QSize halfOf(const QSize &size)
@@ -48,7 +63,7 @@ bool isOpaque(const QImage &picture)
     constexpr QRgb alpha = 0xff000000;
     for (int y = 0; y < picture.height(); ++y) {
         QRgb all = alpha;
-        for (const QRgb *p = pixels(picture, y), *end = p + picture.width(); p != end; ++p)
+        for (const QRgb *p = pixels<QRgb>(picture, y), *end = p + picture.width(); p != end; ++p)
             all &= *p;
         if (all != alpha)
             return false;

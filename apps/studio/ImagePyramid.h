@@ -21,7 +21,8 @@ public:
     };
 
     ImagePyramid() = default;
-    /// Format_RGB32 or Format_ARGB32_Premultiplied; without memory, a pyramid of fewer levels.
+    /// Format_RGB32, Format_ARGB32_Premultiplied or Format_Alpha8; without memory, a pyramid of fewer
+    /// levels.
     explicit ImagePyramid(const QImage &picture);
     /// Of any picture; one without transparency lends its own pixels.
     static ImagePyramid ofPhotograph(const QImage &picture);
@@ -32,7 +33,7 @@ public:
 
     /// The smallest level that is no smaller than the picture at this scale. Not for a null one.
     Level levelFor(double scale) const;
-    /// Another picture of the same size, which differs within the area only.
+    /// Another picture of the same size and format, which differs within the area only.
     void replace(const QImage &picture, const QRect &area);
 
 private:

@@ -9,14 +9,15 @@
 namespace {
 
 /// Encloses all pixels that differ.
+template <typename Pixel>
 QRect difference(const QImage &a, const QImage &b)
 {
     QRect area;
     for (int y = 0; y < a.height(); ++y) {
-        const auto *const rowA = reinterpret_cast<const QRgb *>(a.constScanLine(y));
-        const auto *const rowB = reinterpret_cast<const QRgb *>(b.constScanLine(y));
+        const auto *const rowA = reinterpret_cast<const Pixel *>(a.constScanLine(y));
+        const auto *const rowB = reinterpret_cast<const Pixel *>(b.constScanLine(y));
         const int width = a.width();
-        if (std::memcmp(rowA, rowB, size_t(width) * sizeof(QRgb)) == 0)
+        if (std::memcmp(rowA, rowB, size_t(width) * sizeof(Pixel)) == 0)
             continue;
         const int first = int(std::mismatch(rowA, rowA + width, rowB).first - rowA);
         const int end = width - int(std::mismatch(std::reverse_iterator(rowA + width),
@@ -60,9 +61,13 @@ void MaskLayer::start(const QImage &mask)
 
 MaskLayer::Result MaskLayer::takenIn(ImagePyramid pyramid, const QImage &mask)
 {
-    if (mask.isNull() || mask.size() != pyramid.size())
-        return {ImagePyramid(mask), mask.isNull() ? QRect(QPoint(), pyramid.size()) : mask.rect()};
-    const QRect area = difference(pyramid.picture(), mask);
+    if (mask.isNull())
+        return {ImagePyramid(), QRect(QPoint(), pyramid.size())};
+    if (mask.size() != pyramid.size() || mask.format() != pyramid.picture().format())
+        return {ImagePyramid(mask), mask.rect()};
+    const QRect area = mask.format() == QImage::Format_Alpha8
+                               ? difference<uchar>(pyramid.picture(), mask)
+                               : difference<QRgb>(pyramid.picture(), mask);
     pyramid.replace(mask, area);
     return {pyramid, area};
 }

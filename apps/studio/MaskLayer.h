@@ -23,7 +23,7 @@ public:
     explicit MaskLayer(QObject *parent = nullptr);
     ~MaskLayer() override;
 
-    /// As sessions send it; null without a cut.
+    /// As sessions send it, or in Format_Alpha8; null without a cut.
     void setMask(const QImage &mask);
     const ImagePyramid &pyramid() const { return m_pyramid; }
     /// True when the last mask has been taken in.

@@ -1,3 +1,4 @@
+#include "HeapPolicy.h"
 #include "MainWindow.h"
 #include "PaintThreads.h"
 
@@ -20,6 +21,7 @@ int main(int argc, char *argv[])
                                  QStringLiteral("[picture]"));
     parser.process(application);
 
+    HeapPolicy::returnLargeBlocks();
     PaintThreads::reserve();
     MainWindow window;
     window.show();
