@@ -1,32 +1,35 @@
 #pragma once
 
-#include <QElapsedTimer>
+#include "ThreadStopwatch.h"
+
 #include <QObject>
 #include <QTimer>
 
 #include <algorithm>
+#include <utility>
 
-/// Measures the longest time for which the event loop did not turn.
+/// Measures for how long the event loop did not turn.
 class EventLoopWatch
 {
 public:
     EventLoopWatch()
     {
         m_heartbeat.setTimerType(Qt::PreciseTimer);
-        QObject::connect(&m_heartbeat, &QTimer::timeout, &m_heartbeat, [this] {
-            m_longestMs = std::max(m_longestMs, double(m_sinceBeat.nsecsElapsed()) / 1e6);
-            m_sinceBeat.start();
-        });
-        m_sinceBeat.start();
+        QObject::connect(&m_heartbeat, &QTimer::timeout, &m_heartbeat, [this] { beat(); });
         m_heartbeat.start(1);
     }
 
-    double longestMs() const { return m_longestMs; }
-    /// The longest one since the last call.
-    double lapMs() { return std::exchange(m_longestMs, 0.0); }
+    /// The longest one since the last call, and the one with the most time of the thread's own.
+    ThreadStopwatch::Lap longest() { return std::exchange(m_longest, {}); }
 
 private:
+    void beat()
+    {
+        const ThreadStopwatch::Lap gap = m_stopwatch.lap();
+        m_longest = {std::max(m_longest.ms, gap.ms), std::max(m_longest.ownMs, gap.ownMs)};
+    }
+
     QTimer m_heartbeat;
-    QElapsedTimer m_sinceBeat;
-    double m_longestMs = 0.0;
+    ThreadStopwatch m_stopwatch;
+    ThreadStopwatch::Lap m_longest;
 };

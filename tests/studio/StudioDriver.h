@@ -1,12 +1,16 @@
 #pragma once
 
 #include "Canvas.h"
+#include "HeapPolicy.h"
 #include "MainWindow.h"
 #include "PaintThreads.h"
 
 #include <QAction>
+#include <QDeadlineTimer>
+#include <QEventLoop>
 #include <QMouseEvent>
 #include <QTest>
+#include <QTimer>
 #include <QToolBar>
 #include <QWheelEvent>
 #include <QtMath>
@@ -21,7 +25,8 @@ public:
 
     StudioDriver()
     {
-        PaintThreads::reserve(); // as main() does
+        HeapPolicy::returnLargeBlocks(); // as main() does
+        PaintThreads::reserve();
         window.show();
         const bool isExposed = QTest::qWaitForWindowExposed(&window);
         Q_UNUSED(isExposed)
@@ -49,16 +54,33 @@ public:
     bool open(const QString &fileName)
     {
         window.openFile(fileName);
-        return QTest::qWaitFor(
-                [&] { return document().hasPicture() && document().opened().fileName == fileName; },
-                patienceMs);
+        return waitFor([&] {
+            return document().hasPicture() && document().opened().fileName == fileName;
+        });
     }
 
     /// True when everything is done and drawn.
     bool settle()
     {
-        return QTest::qWaitFor([&] { return !document().isBusy() && canvas().isUpToDate(); },
-                               patienceMs);
+        return waitFor([&] { return !document().isBusy() && canvas().isUpToDate(); });
+    }
+
+    /// The event loop turns whenever it has something to do; QTest's functions let it sleep for up
+    /// to 10 ms, whatever happens. False when patience is at its end.
+    template <typename Predicate>
+    static bool waitFor(const Predicate &isTrue, int mostMs = patienceMs)
+    {
+        const QDeadlineTimer end(mostMs);
+        QTimer alarm; // wakes the loop for another look
+        alarm.start(1);
+        while (!isTrue() && !end.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        return isTrue();
+    }
+
+    static void pause(int ms)
+    {
+        waitFor([] { return false; }, ms);
     }
 
     QPoint onCanvas(const QPointF &point) { return canvas().view().toWidget(point).toPoint(); }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "StudioDriver.h"
+#include "ThreadStopwatch.h"
 
 #include <QClipboard>
-#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QImage>
 #include <QMimeData>
@@ -54,7 +54,7 @@ public:
     {
         return cut() && correct() && layWire() && look() && edges() && undoAndRedo() && cancel();
     }
-    double slowestHoverMs() const { return m_slowestHoverMs; } ///< from the move to the paint
+    ThreadStopwatch::Lap slowestHover() const { return m_slowestHover; } ///< from move to paint
 
 private:
     QPolygonF circle(double share, int points) const
@@ -72,7 +72,7 @@ private:
         m_studio.press(points.first(), button);
         for (const QPointF &point : points) {
             m_studio.move(point, button);
-            QTest::qWait(pauseMs);
+            StudioDriver::pause(pauseMs);
         }
         m_studio.release(points.last(), button);
     }
@@ -110,7 +110,7 @@ private:
         for (const QPointF &point : circle(0.5, 10)) {
             m_studio.move(point);
             m_studio.click(point);
-            QTest::qWait(pauseMs);
+            StudioDriver::pause(pauseMs);
         }
         return done("click");
     }
@@ -122,11 +122,11 @@ private:
         const QPolygonF nodes = circle(1.0, 12);
         for (const QPointF &node : nodes) {
             m_studio.move(node);
-            QTest::qWait(pauseMs);
+            StudioDriver::pause(pauseMs);
             m_studio.click(node);
             for (int i = 1; i < 10; ++i) {
                 m_studio.move(node + (m_centre - node) * i / 20.0);
-                QTest::qWait(pauseMs);
+                StudioDriver::pause(pauseMs);
             }
         }
         m_studio.key(Qt::Key_Return);
@@ -136,22 +136,23 @@ private:
         m_report("drag a node");
         const int steps = m_studio.document().undoStack()->count();
         m_studio.key(Qt::Key_Return);
-        const bool isUsed =
-                QTest::qWaitFor([&] { return m_studio.document().undoStack()->count() > steps; },
-                                StudioDriver::patienceMs);
+        const bool isUsed = StudioDriver::waitFor(
+                [&] { return m_studio.document().undoStack()->count() > steps; });
         return done("use the wire") && isUsed;
     }
 
     void hover(const QPointF &point)
     {
         PaintWatch watch(m_studio.canvas());
-        QElapsedTimer timer;
-        timer.start();
+        const QDeadlineTimer end(StudioDriver::patienceMs);
+        ThreadStopwatch stopwatch;
         m_studio.move(point);
-        while (!watch.isPainted && timer.elapsed() < StudioDriver::patienceMs)
+        while (!watch.isPainted && !end.hasExpired())
             QCoreApplication::processEvents(); // returns when the painting is over
-        m_slowestHoverMs = std::max(m_slowestHoverMs, double(timer.nsecsElapsed()) / 1e6);
-        QTest::qWait(pauseMs);
+        const ThreadStopwatch::Lap lap = stopwatch.lap();
+        m_slowestHover = {std::max(m_slowestHover.ms, lap.ms),
+                          std::max(m_slowestHover.ownMs, lap.ownMs)};
+        StudioDriver::pause(pauseMs);
     }
 
     bool look()
@@ -165,14 +166,14 @@ private:
         m_report("views");
         for (int i = 0; i < 12; ++i) {
             m_studio.canvas().zoomTo(m_studio.canvas().view().scale * 1.25, {400, 300});
-            QTest::qWait(pauseMs);
+            StudioDriver::pause(pauseMs);
         }
         if (!done("zoom"))
             return false;
         QTest::mousePress(&m_studio.canvas(), Qt::MiddleButton, {}, {400, 300});
         for (int i = 0; i < 60; ++i) {
             m_studio.moveOnCanvas(QPointF(400 - 5 * i, 300 - 3 * i), Qt::MiddleButton);
-            QTest::qWait(pauseMs);
+            StudioDriver::pause(pauseMs);
         }
         QTest::mouseRelease(&m_studio.canvas(), Qt::MiddleButton, {}, {100, 120});
         const bool hasPanned = done("pan");
@@ -185,7 +186,7 @@ private:
     {
         const auto set = [this](const char *control, int value) {
             m_studio.window.findChild<QSpinBox *>(QLatin1StringView(control))->setValue(value);
-            QTest::qWait(pauseMs);
+            StudioDriver::pause(pauseMs);
         };
         for (int feather = 1; feather <= 20; ++feather)
             set("edgeFeather", feather);
@@ -199,12 +200,10 @@ private:
             return false;
         QGuiApplication::clipboard()->setText(QStringLiteral("something else"));
         use("copyCutout");
-        const bool isCopied = QTest::qWaitFor(
-                [] {
-                    const QMimeData *const data = QGuiApplication::clipboard()->mimeData();
-                    return data && data->hasImage();
-                },
-                StudioDriver::patienceMs);
+        const bool isCopied = StudioDriver::waitFor([] {
+            const QMimeData *const data = QGuiApplication::clipboard()->mimeData();
+            return data && data->hasImage();
+        });
         m_report("copy");
         return isCopied;
     }
@@ -249,5 +248,5 @@ private:
     const QPointF m_centre;
     const double m_radius;
     const Report m_report;
-    double m_slowestHoverMs = 0.0;
+    ThreadStopwatch::Lap m_slowestHover;
 };

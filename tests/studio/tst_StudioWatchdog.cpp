@@ -9,11 +9,40 @@
 
 namespace {
 
-/// What a person would feel is 50 ms. Machines that build at the same time stop any program for
-/// longer than that, so only what no machine explains fails; the measured gaps are reported.
-constexpr double mostMs = 500.0;
+/// What a person would feel.
+constexpr double promisedGapMs = 50.0;
+constexpr double promisedHoverMs = 33.0;
+/// How much longer things take where other programs use the same processors: they share caches and
+/// memory with us, threads that we wait for wait for them, and a virtual machine stands still
+/// without knowing. Own gaps of up to 45 ms were measured, beside two programs that never rest.
+constexpr double allowance = 2.0;
 
-/// The most memory that the process has had, by the system's account; 0 where it keeps none.
+bool hasSanitizer()
+{
+#ifdef __SANITIZE_ADDRESS__
+    return true;
+#else
+    return false;
+#endif
+}
+
+/// Sanitizers slow us down, which says nothing about what people use.
+constexpr double sanitizerAllowance = 2.0;
+
+double mostMs(double promisedMs)
+{
+    return promisedMs * allowance * (hasSanitizer() ? sanitizerAllowance : 1.0);
+}
+
+/// The system begins anew to account for the most memory that the process has had.
+void forgetPeak()
+{
+    QFile account(QStringLiteral("/proc/self/clear_refs"));
+    if (account.open(QIODevice::WriteOnly))
+        account.write("5");
+}
+
+/// Since then; 0 where the system keeps no account.
 double peakMegabytes()
 {
     QFile status(QStringLiteral("/proc/self/status"));
@@ -24,15 +53,6 @@ double peakMegabytes()
         if (line.startsWith("VmHWM:"))
             return line.simplified().split(' ').at(1).toDouble() / 1024.0;
     return 0.0;
-}
-
-bool hasSanitizer()
-{
-#ifdef __SANITIZE_ADDRESS__
-    return true;
-#else
-    return false;
-#endif
 }
 
 } // namespace
@@ -49,6 +69,7 @@ private Q_SLOTS:
 
 private:
     QString pictureFile(const QSize &size) const;
+    void saveAndOpen(StudioDriver &studio, const StudioScript::Report &report);
 
     QTemporaryDir m_folder;
 };
@@ -66,16 +87,19 @@ QString tst_StudioWatchdog::pictureFile(const QSize &size) const
     return name;
 }
 
+/// Larger pictures take as long as all the rest; what sanitizers and screens of another scale find,
+/// they find on the first one.
 void tst_StudioWatchdog::everyTool_data()
 {
     QTest::addColumn<QSize>("picture");
     QTest::addColumn<int>("longestSide");
-    QTest::addColumn<double>("mostMegabytes"); // of all rows so far
+    QTest::addColumn<double>("mostMegabytes");
     constexpr int usual = RyImageCutterSettings::defaultMaximalImageLength;
-    QTest::addRow("12 megapixels") << QSize(4000, 3000) << usual << 1024.0;
-    // Opening the session again holds two pictures for a moment: 1,050 were measured.
-    QTest::addRow("24 megapixels") << QSize(6000, 4000) << usual << 1280.0;
-    QTest::addRow("12 megapixels, cut at full size") << QSize(4000, 3000) << 4000 << 1536.0;
+    QTest::addRow("12 megapixels") << QSize(4000, 3000) << usual << 512.0;
+    if (hasSanitizer() || qGuiApp->devicePixelRatio() > 1.0)
+        return;
+    QTest::addRow("24 megapixels") << QSize(6000, 4000) << usual << 1024.0;
+    QTest::addRow("12 megapixels, cut at full size") << QSize(4000, 3000) << 4000 << 1280.0;
 }
 
 void tst_StudioWatchdog::everyTool()
@@ -85,34 +109,39 @@ void tst_StudioWatchdog::everyTool()
     QFETCH(double, mostMegabytes);
     RyImageCutterSettings::instance().setMaximalImageLength(longestSide);
     const QString file = pictureFile(picture);
+    forgetPeak();
     StudioDriver studio;
     EventLoopWatch watch;
     const auto report = [&watch](const char *what) {
-        const double ms = watch.lapMs();
-        qInfo("%-16s longest gap %6.1f ms", what, ms);
-        QVERIFY2(ms < mostMs, what);
+        const ThreadStopwatch::Lap gap = watch.longest();
+        qInfo("%-26s longest gap %6.1f ms, %6.1f ms without waiting for a processor", what, gap.ms,
+              gap.ownMs);
+        QVERIFY2(gap.ownMs < mostMs(promisedGapMs), what);
     };
     QVERIFY(studio.open(file));
     QVERIFY(studio.settle());
     report("open");
     StudioScript script(studio, picture, report);
     QVERIFY(script.run());
+    saveAndOpen(studio, report);
+    const ThreadStopwatch::Lap hover = script.slowestHover();
+    qInfo("from pointer to paint %.1f ms at most, %.1f ms without waiting, %.0f MB of memory",
+          hover.ms, hover.ownMs, peakMegabytes());
+    QVERIFY(hover.ownMs < mostMs(promisedHoverMs));
+    QVERIFY(hasSanitizer() || peakMegabytes() < mostMegabytes);
+}
 
+void tst_StudioWatchdog::saveAndOpen(StudioDriver &studio, const StudioScript::Report &report)
+{
     const QString session = m_folder.filePath(QStringLiteral("work.session"));
     studio.window.sessions().saveTo(session);
-    QVERIFY(QTest::qWaitFor([&] { return !studio.window.isWindowModified(); },
-                            StudioDriver::patienceMs));
+    QVERIFY(StudioDriver::waitFor([&] { return !studio.window.isWindowModified(); }));
     report("save the session");
     studio.window.openFile(session);
-    QVERIFY(QTest::qWaitFor([&] { return studio.document().isReplaying(); },
-                            StudioDriver::patienceMs));
-    QVERIFY(QTest::qWaitFor([&] { return !studio.document().isReplaying(); },
-                            StudioDriver::patienceMs));
+    QVERIFY(StudioDriver::waitFor([&] { return studio.document().isReplaying(); }));
+    QVERIFY(StudioDriver::waitFor([&] { return !studio.document().isReplaying(); }));
     QVERIFY(studio.settle());
     report("open the session");
-    qInfo("from pointer to paint %.1f ms at most, %.0f MB of memory at most",
-          script.slowestHoverMs(), peakMegabytes());
-    QVERIFY(hasSanitizer() || peakMegabytes() < mostMegabytes);
 }
 
 QTEST_MAIN(tst_StudioWatchdog)
