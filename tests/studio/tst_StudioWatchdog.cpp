@@ -5,7 +5,10 @@
 #include "settings/RyImageCutterSettings.h"
 
 #include <QFile>
+#include <QSet>
 #include <QTemporaryDir>
+
+#include <utility>
 
 namespace {
 
@@ -69,9 +72,11 @@ private Q_SLOTS:
 
 private:
     QString pictureFile(const QSize &size) const;
+    void useEveryTool(const QString &file, const QSize &picture);
     void saveAndOpen(StudioDriver &studio, const StudioScript::Report &report);
 
     QTemporaryDir m_folder;
+    QSet<QString> m_tooLong; // what has been
 };
 
 void tst_StudioWatchdog::initTestCase()
@@ -102,21 +107,36 @@ void tst_StudioWatchdog::everyTool_data()
     QTest::addRow("12 megapixels, cut at full size") << QSize(4000, 3000) << 4000 << 1280.0;
 }
 
+/// What is too long is measured again: a machine that stood still does so elsewhere next time, or not
+/// at all, and a fault of ours is where it was.
 void tst_StudioWatchdog::everyTool()
 {
     QFETCH(QSize, picture);
     QFETCH(int, longestSide);
-    QFETCH(double, mostMegabytes);
     RyImageCutterSettings::instance().setMaximalImageLength(longestSide);
     const QString file = pictureFile(picture);
+    useEveryTool(file, picture);
+    if (m_tooLong.isEmpty() || QTest::currentTestFailed())
+        return;
+    const QSet<QString> before = std::exchange(m_tooLong, {});
+    useEveryTool(file, picture);
+    const QSet<QString> twice = QSet(before).intersect(m_tooLong);
+    m_tooLong.clear();
+    QVERIFY2(twice.isEmpty(), qPrintable(twice.values().join(QStringLiteral(", "))));
+}
+
+void tst_StudioWatchdog::useEveryTool(const QString &file, const QSize &picture)
+{
+    QFETCH(double, mostMegabytes);
     forgetPeak();
     StudioDriver studio;
     EventLoopWatch watch;
-    const auto report = [&watch](const char *what) {
+    const auto report = [this, &watch](const char *what) {
         const ThreadStopwatch::Lap gap = watch.longest();
         qInfo("%-26s longest gap %6.1f ms, %6.1f ms without waiting for a processor", what, gap.ms,
               gap.ownMs);
-        QVERIFY2(gap.ownMs < mostMs(promisedGapMs), what);
+        if (gap.ownMs >= mostMs(promisedGapMs))
+            m_tooLong += QString::fromLatin1(what);
     };
     QVERIFY(studio.open(file));
     QVERIFY(studio.settle());
@@ -127,7 +147,8 @@ void tst_StudioWatchdog::everyTool()
     const ThreadStopwatch::Lap hover = script.slowestHover();
     qInfo("from pointer to paint %.1f ms at most, %.1f ms without waiting, %.0f MB of memory",
           hover.ms, hover.ownMs, peakMegabytes());
-    QVERIFY(hover.ownMs < mostMs(promisedHoverMs));
+    if (hover.ownMs >= mostMs(promisedHoverMs))
+        m_tooLong += QStringLiteral("from pointer to paint");
     QVERIFY(hasSanitizer() || peakMegabytes() < mostMegabytes);
 }
 
