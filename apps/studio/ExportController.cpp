@@ -2,6 +2,7 @@
 
 #include "Document.h"
 #include "ExportDialog.h"
+#include "cutout/EdgeColours.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -79,7 +80,7 @@ QAction *ExportController::createAction(const QString &id, const QString &text,
 CutoutPicture::Options ExportController::suggestedOptions() const
 {
     const EdgeSettings &edges = m_document.edgeSettings();
-    const int softRim = edges.feather > 0 ? EdgeSettings::usualRim : 0;
+    const int softRim = edges.feather > 0 ? EdgeColours::usualRimPixels : 0;
     return {.cleanPixels = edges.clean > 0 ? edges.clean : softRim,
             .crop = m_crops,
             .background = m_background};

@@ -1,7 +1,7 @@
 #include "ExportDialog.h"
 
 #include "ColorIcon.h"
-#include "EdgeSettings.h"
+#include "cutout/EdgeColours.h"
 #include "settings/RyImageCutterSettings.h"
 
 #include <QCheckBox>
@@ -45,7 +45,7 @@ QString explanation(ExportKind kind)
 ExportDialog::ExportDialog(ExportKind kind, const CutoutPicture::Options &options, QWidget *parent)
     : QDialog(parent)
     , m_kind(kind)
-    , m_rimPixels(options.cleanPixels > 0 ? options.cleanPixels : EdgeSettings::usualRim)
+    , m_rimPixels(options.cleanPixels > 0 ? options.cleanPixels : EdgeColours::usualRimPixels)
     , m_crop(new QCheckBox(tr("C&rop to the object")))
 {
     setWindowTitle(title(kind));

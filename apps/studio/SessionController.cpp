@@ -55,16 +55,20 @@ void SessionController::open(const QString &fileName)
     m_opener.open(QFileInfo(fileName).absoluteFilePath(), StudioSettings::longestSideForCutting());
 }
 
-void SessionController::play(const OpenedPicture &picture, const QList<ReplayStep> &steps)
+void SessionController::play(const OpenedPicture &picture, const QList<ReplayStep> &steps,
+                             const EdgeSettings &edges)
 {
     Q_EMIT pictureOpened(picture);
     m_fileName = m_restored.isEmpty() ? m_opener.fileName() : QString();
+    m_playedEdges = edges; // masks that nobody sees for long are not worked on
     m_document.replay(steps);
 }
 
 void SessionController::endReplay(bool isComplete)
 {
     const QString restored = std::exchange(m_restored, QString());
+    if (isComplete)
+        m_document.setEdgeSettings(m_playedEdges, tr("Edge as Saved"));
     if (!isComplete) {
         m_fileName.clear(); // what is there now is not what the file tells
     } else if (restored.isEmpty()) {
@@ -105,7 +109,8 @@ void SessionController::saveTo(const QString &fileName)
 {
     m_savedFile = QFileInfo(fileName).absoluteFilePath();
     m_savedIndex = m_document.undoStack()->index();
-    m_saver.save(m_savedFile, m_document.gestures(), m_document.opened());
+    m_savedEdges = m_document.edgeSettings();
+    m_saver.save(m_savedFile, m_document.gestures(), m_savedEdges, m_document.opened());
 }
 
 void SessionController::finishSaving(const SessionFile::Saved &result)
@@ -114,7 +119,9 @@ void SessionController::finishSaving(const SessionFile::Saved &result)
         return; // another one is being saved by now
     m_fileName = result.fileName;
     m_document.setPictureFile(result.pictureFile, result.pictureSha256);
-    if (m_document.undoStack()->index() == m_savedIndex)
+    const bool isUnchanged = m_document.undoStack()->index() == m_savedIndex &&
+                             m_document.edgeSettings() == m_savedEdges; // sliders go on in a step
+    if (isUnchanged)
         m_document.setSaved();
     Q_EMIT saved(result.fileName);
 }

@@ -56,7 +56,8 @@ private:
     bool saveAs();
     bool saveAndWait();
     void finishSaving(const SessionFile::Saved &result);
-    void play(const OpenedPicture &picture, const QList<ReplayStep> &steps);
+    void play(const OpenedPicture &picture, const QList<ReplayStep> &steps,
+              const EdgeSettings &edges);
     void endReplay(bool isComplete);
     void askForPicture();
     void askAboutDifference();
@@ -69,6 +70,8 @@ private:
     QString m_restored;   // what the opener reads is a session that a crash left
     QString m_savedFile;  // while it is written
     int m_savedIndex = 0; // of the document's steps, when that began
+    EdgeSettings m_savedEdges;
+    EdgeSettings m_playedEdges; // of the session that is played, for its end
     bool m_isAsking = false;
     Autosave m_autosave;
     SessionOpener m_opener;

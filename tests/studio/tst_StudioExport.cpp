@@ -5,6 +5,7 @@
 #include "ExportDialog.h"
 #include "Exporter.h"
 #include "RySettings.h"
+#include "cutout/EdgeColours.h"
 #include "cutout/EdgeOperations.h"
 #include "cutout/MaskImage.h"
 #include "cutout/MaskOutline.h"
@@ -399,7 +400,7 @@ void tst_StudioExport::clipboard()
     QTRY_VERIFY(data()->hasImage());
     const QImage expected =
             CutoutPicture::compose(m_studio->document().picture(), expectedMask(),
-                                   {.cleanPixels = EdgeSettings::usualRim, .crop = true});
+                                   {.cleanPixels = EdgeColours::usualRimPixels, .crop = true});
     QCOMPARE(qvariant_cast<QImage>(data()->imageData()), expected);
     QCOMPARE(QImage::fromData(data()->data(QStringLiteral("image/png")), "png")
                      .convertToFormat(expected.format()),

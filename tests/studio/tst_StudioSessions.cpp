@@ -1,6 +1,7 @@
 #include "StudioDriver.h"
 
 #include "Autosave.h"
+#include "EditedMask.h"
 #include "RySettings.h"
 #include "support/TestPictures.h"
 
@@ -43,12 +44,22 @@ void work(StudioDriver &studio)
     QVERIFY(studio.settle());
 }
 
-QImage alphaOf(const QImage &sessionMask)
+/// As the edge controls do.
+void workOnEdge(StudioDriver &studio)
 {
-    QImage mask = sessionMask.convertToFormat(QImage::Format_Alpha8);
-    mask.reinterpretAsFormat(QImage::Format_Grayscale8);
-    mask.invertPixels();
-    return mask;
+    EdgeSettings edges;
+    edges.drop = 40;
+    edges.grow = -2;
+    edges.feather = 3;
+    studio.document().setEdgeSettings(edges, u"Feather"_s);
+    edges.clean = 4;
+    studio.document().setEdgeSettings(edges, u"Clean"_s);
+}
+
+/// As it is exported.
+QImage maskOf(const Document &document)
+{
+    return EditedMask::make(document.cutoutSource(), {}).alpha;
 }
 
 QStringList keptSessions()
@@ -103,6 +114,7 @@ int tst_StudioSessions::beKilled()
     if (!studio.open(qEnvironmentVariable("RY_VICTIM_PICTURE")))
         return 1;
     work(studio);
+    workOnEdge(studio);
     return QTest::qWaitFor([] { return false; }, StudioDriver::patienceMs);
 }
 
@@ -165,25 +177,31 @@ void tst_StudioSessions::answer(QMessageBox::StandardButton button)
 void tst_StudioSessions::savedSessionsComeBack_data()
 {
     QTest::addColumn<QString>("picture");
-    QTest::addRow("beside its picture") << u"my #1 cup.png"_s;
-    QTest::addRow("elsewhere") << u"elsewhere/cup.png"_s;
+    QTest::addColumn<bool>("hasEdges");
+    QTest::addRow("beside its picture") << u"my #1 cup.png"_s << false;
+    QTest::addRow("elsewhere") << u"elsewhere/cup.png"_s << false;
+    QTest::addRow("with its edge") << u"cup.png"_s << true;
 }
 
 void tst_StudioSessions::savedSessionsComeBack()
 {
     QFETCH(QString, picture);
+    QFETCH(bool, hasEdges);
     QVERIFY(QDir().mkpath(QFileInfo(path(picture)).absolutePath()));
     QVERIFY(QFile::copy(coffee, path(picture)));
     QVERIFY(m_studio->open(path(picture)));
     work(*m_studio);
+    if (hasEdges)
+        workOnEdge(*m_studio);
     QVERIFY(m_studio->window.isWindowModified());
     const QString session = path(u"saved.session"_s);
     QVERIFY(save(session));
     QVERIFY(!m_studio->window.isWindowModified());
-    const QImage mask = alphaOf(m_studio->document().mask());
+    const QImage mask = maskOf(m_studio->document());
     QCOMPARE(replayed(session, path(picture)), mask);
 
-    const int steps = m_studio->document().undoStack()->index();
+    const int steps = m_studio->document().undoStack()->index() - (hasEdges ? 1 : 0);
+    const EdgeSettings edges = m_studio->document().edgeSettings();
     const QByteArray gestures = [&] {
         GestureFile file;
         file.gestures = m_studio->document().gestures();
@@ -192,8 +210,9 @@ void tst_StudioSessions::savedSessionsComeBack()
     m_studio = std::make_unique<StudioDriver>();
     QVERIFY(openSession(session));
     Document &document = m_studio->document();
-    QCOMPARE(alphaOf(document.mask()), mask);
+    QCOMPARE(maskOf(document), mask);
     QVERIFY(!document.isModified());
+    QVERIFY(document.edgeSettings() == edges);
     QCOMPARE(document.opened().fileName, path(picture));
     QCOMPARE(document.undoStack()->index(), steps);
     GestureFile again;
@@ -202,7 +221,7 @@ void tst_StudioSessions::savedSessionsComeBack()
     document.undo();
     QVERIFY(m_studio->settle());
     QVERIFY(document.isModified());
-    QVERIFY(alphaOf(document.mask()) != mask);
+    QVERIFY(maskOf(document) != mask);
 }
 
 void tst_StudioSessions::sessionsOfOthersArePlayed_data()
@@ -240,11 +259,7 @@ void tst_StudioSessions::sessionsOfOthersArePlayed()
     const QImage expected = replayed(session, coffee);
     QVERIFY(save(saved));
     QCOMPARE(replayed(saved, coffee), expected);
-    const QImage mask = alphaOf(m_studio->document().mask());
-    if (mask.size() == expected.size())
-        QCOMPARE(mask, expected);
-    else
-        QCOMPARE(mask.width(), 300);
+    QCOMPARE(maskOf(m_studio->document()), expected);
 }
 
 void tst_StudioSessions::pastedPicturesAreSavedAlong()
@@ -362,7 +377,7 @@ void tst_StudioSessions::restoresAfterACrash()
     QVERIFY(!m_studio->document().hasPicture());
     const auto isWhole = [] {
         QFile file(Autosave::folder() + u'/' + keptSessions().value(0));
-        return file.open(QIODevice::ReadOnly) && file.readAll().contains("area fg");
+        return file.open(QIODevice::ReadOnly) && file.readAll().contains("clean 4");
     };
     QTRY_VERIFY_WITH_TIMEOUT(isWhole(), StudioDriver::patienceMs);
     victim.kill();
@@ -376,7 +391,7 @@ void tst_StudioSessions::restoresAfterACrash()
         QVERIFY(m_studio->settle());
         QVERIFY(m_studio->window.isWindowModified());
         QCOMPARE(m_studio->document().opened().fileName, coffee);
-        const QImage mask = alphaOf(m_studio->document().mask());
+        const QImage mask = maskOf(m_studio->document());
         QVERIFY(save(path(u"restored.session"_s)));
         QCOMPARE(replayed(path(u"restored.session"_s), coffee), mask);
     }
