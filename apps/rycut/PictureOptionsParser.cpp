@@ -23,7 +23,10 @@ struct EdgeHelp
 QList<EdgeHelp> edgeHelp()
 {
     const QString length = QString::number(EdgeOptions::mostPixels);
-    return {{u"Drop pieces of the object with fewer pixels."_s, u"pixels"_s},
+    return {{u"Drop pieces of the object with fewer pixels. Default for all of the edge: 0, or "
+             u"what a "
+             "session file says."_s,
+             u"pixels"_s},
             {u"Fill holes with fewer pixels."_s, u"pixels"_s},
             {u"Round the edge, up to %1."_s.arg(length), u"radius"_s},
             {u"Move the edge outwards; below 0 inwards, to ±%1."_s.arg(length), u"pixels"_s},

@@ -11,6 +11,7 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QImageReader>
 #include <QMessageBox>
@@ -147,6 +148,16 @@ void MainWindow::connectSessions()
         m_statusBar->endProgress();
         updateActions();
     });
+}
+
+void MainWindow::begin(const QString &fileName)
+{
+    const QFileInfo file(fileName);
+    const bool isRestoring = m_sessions.offerToRestore(file.fileName());
+    if (isRestoring && file.isFile())
+        StudioSettings::instance().addRecentFile(file.absoluteFilePath());
+    else if (!isRestoring && !fileName.isEmpty())
+        openFile(fileName);
 }
 
 void MainWindow::openFile(const QString &fileName)

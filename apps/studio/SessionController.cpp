@@ -3,6 +3,7 @@
 #include "Document.h"
 #include "StudioSettings.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QDir>
 #include <QEventLoop>
@@ -178,26 +179,39 @@ void SessionController::askAboutDifference()
         m_opener.cancel();
 }
 
-void SessionController::offerToRestore()
+QMessageBox::StandardButton SessionController::askWhetherToRestore(const QString &session,
+                                                                   const QString &otherFile)
+{
+    const QString when =
+            QLocale().toString(QFileInfo(session).lastModified(), QLocale::ShortFormat);
+    QMessageBox box(QMessageBox::Question, tr("Restore a Cut"),
+                    tr("RyCut Studio ended unexpectedly. A cut was kept that had not been saved, "
+                       "as it was on %1. Restore it?")
+                            .arg(when),
+                    QMessageBox::Yes | QMessageBox::Discard | QMessageBox::Cancel, m_window);
+    box.setDefaultButton(QMessageBox::Yes);
+    box.button(QMessageBox::Yes)->setText(tr("&Restore"));
+    box.button(QMessageBox::Cancel)->setText(tr("Not &Now"));
+    if (!otherFile.isEmpty())
+        box.setInformativeText(tr("“%1” is opened unless you restore the cut; then it waits under "
+                                  "Open Recent. Not Now keeps the cut for the next start.")
+                                       .arg(otherFile));
+    return QMessageBox::StandardButton(box.exec());
+}
+
+bool SessionController::offerToRestore(const QString &otherFile)
 {
     const QStringList sessions = m_autosave.takeOver();
     for (const QString &session : sessions) {
-        const QString when =
-                QLocale().toString(QFileInfo(session).lastModified(), QLocale::ShortFormat);
-        const auto answer = QMessageBox::question(
-                m_window, tr("Restore a Cut"),
-                tr("RyCut Studio ended unexpectedly. A cut was kept that had not been saved, as it "
-                   "was on %1. Restore it?")
-                        .arg(when),
-                QMessageBox::Yes | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Yes);
-        if (answer == QMessageBox::Discard) {
-            m_autosave.remove(session);
-        } else {
-            if (answer == QMessageBox::Yes) {
-                m_opener.open(session, StudioSettings::longestSideForCutting());
-                m_restored = session;
-            }
-            return; // the others are offered next time
+        const auto answer = askWhetherToRestore(session, otherFile);
+        if (answer == QMessageBox::Cancel)
+            return false; // all that is left is offered next time
+        if (answer == QMessageBox::Yes) {
+            m_opener.open(session, StudioSettings::longestSideForCutting());
+            m_restored = session;
+            return true;
         }
+        m_autosave.remove(session);
     }
+    return false;
 }

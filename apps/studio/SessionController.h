@@ -4,6 +4,7 @@
 #include "SessionOpener.h"
 #include "SessionSaver.h"
 
+#include <QMessageBox>
 #include <QObject>
 #include <QString>
 
@@ -40,8 +41,9 @@ public:
     /// Asks whether unsaved work shall be saved or thrown away, and saves it. False when it has to
     /// stay.
     bool mayDiscardChanges();
-    /// Offers what programs have left that did not end in an orderly way.
-    void offerToRestore();
+    /// Offers what programs have left that did not end in an orderly way; true when some of it is
+    /// being opened. The file, if any, is what is opened else.
+    bool offerToRestore(const QString &otherFile = {});
 
 Q_SIGNALS:
     void isOpeningChanged(bool isOpening);
@@ -59,6 +61,8 @@ private:
     void play(const OpenedPicture &picture, const QList<ReplayStep> &steps,
               const EdgeSettings &edges);
     void endReplay(bool isComplete);
+    QMessageBox::StandardButton askWhetherToRestore(const QString &session,
+                                                    const QString &otherFile);
     void askForPicture();
     void askAboutDifference();
 

@@ -3,6 +3,7 @@
 #include "Autosave.h"
 #include "EditedMask.h"
 #include "RySettings.h"
+#include "StudioSettings.h"
 #include "support/TestPictures.h"
 
 #include <QAbstractButton>
@@ -60,6 +61,12 @@ void workOnEdge(StudioDriver &studio)
 QImage maskOf(const Document &document)
 {
     return EditedMask::make(document.cutoutSource(), {}).alpha;
+}
+
+QByteArray contentsOf(const QString &fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QStringList keptSessions()
@@ -338,9 +345,7 @@ void tst_StudioSessions::unsavedWorkIsSavedOnRequest()
     QVERIFY(m_studio->settle());
     answer(QMessageBox::Save);
     QVERIFY(m_studio->window.close());
-    QFile file(session);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QVERIFY(file.readAll().contains("invert"));
+    QVERIFY(contentsOf(session).contains("invert"));
 }
 
 void tst_StudioSessions::keepsWhatIsUnsaved()
@@ -358,14 +363,20 @@ void tst_StudioSessions::keepsWhatIsUnsaved()
 void tst_StudioSessions::restoresAfterACrash_data()
 {
     QTest::addColumn<QMessageBox::StandardButton>("button");
-    QTest::addRow("restored") << QMessageBox::Yes;
-    QTest::addRow("discarded") << QMessageBox::Discard;
-    QTest::addRow("left") << QMessageBox::Cancel;
+    QTest::addColumn<QString>("named"); // the picture that the program is started with
+    const QString rocket = QStringLiteral(RY_SAMPLES_DIR "/rocket.jpg");
+    QTest::addRow("restored") << QMessageBox::Yes << QString();
+    QTest::addRow("discarded") << QMessageBox::Discard << QString();
+    QTest::addRow("left") << QMessageBox::Cancel << QString();
+    QTest::addRow("restored instead of a picture") << QMessageBox::Yes << rocket;
+    QTest::addRow("discarded for a picture") << QMessageBox::Discard << rocket;
+    QTest::addRow("left for a picture") << QMessageBox::Cancel << rocket;
 }
 
 void tst_StudioSessions::restoresAfterACrash()
 {
     QFETCH(QMessageBox::StandardButton, button);
+    QFETCH(QString, named);
     const bool isRestored = button == QMessageBox::Yes;
     QProcess victim;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -373,20 +384,22 @@ void tst_StudioSessions::restoresAfterACrash()
     victim.setProcessEnvironment(environment);
     victim.start(QCoreApplication::applicationFilePath());
     QTRY_COMPARE_WITH_TIMEOUT(keptSessions().size(), 1, StudioDriver::patienceMs);
-    m_studio->window.sessions().offerToRestore(); // nothing is offered that somebody works on
+    m_studio->window.begin({}); // nothing is offered that somebody works on
     QVERIFY(!m_studio->document().hasPicture());
     const auto isWhole = [] {
-        QFile file(Autosave::folder() + u'/' + keptSessions().value(0));
-        return file.open(QIODevice::ReadOnly) && file.readAll().contains("clean 4");
+        return contentsOf(Autosave::folder() + u'/' + keptSessions().value(0)).contains("clean 4");
     };
     QTRY_VERIFY_WITH_TIMEOUT(isWhole(), StudioDriver::patienceMs);
     victim.kill();
     QVERIFY(victim.waitForFinished());
 
     QSignalSpy ended(&m_studio->document(), &Document::replayEnded);
+    const QString session = Autosave::folder() + u'/' + keptSessions().constFirst();
+    const QByteArray kept = contentsOf(session);
     answer(button);
-    m_studio->window.sessions().offerToRestore();
+    m_studio->window.begin(named);
     if (isRestored) {
+        QCOMPARE(StudioSettings::instance().recentFiles().contains(named), !named.isEmpty());
         QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, StudioDriver::patienceMs);
         QVERIFY(m_studio->settle());
         QVERIFY(m_studio->window.isWindowModified());
@@ -395,7 +408,14 @@ void tst_StudioSessions::restoresAfterACrash()
         QVERIFY(save(path(u"restored.session"_s)));
         QCOMPARE(replayed(path(u"restored.session"_s), coffee), mask);
     }
-    QTRY_COMPARE(keptSessions().size(), button == QMessageBox::Cancel ? 1 : 0);
+    const bool isLeft = button == QMessageBox::Cancel;
+    QTRY_COMPARE(keptSessions().size(), isLeft ? 1 : 0);
+    if (named.isEmpty() || isRestored)
+        return;
+    QTRY_COMPARE(m_studio->document().opened().fileName, named);
+    m_studio->drag({{200, 50}, {400, 50}, {400, 300}, {200, 300}}); // its work is kept beside it
+    QTRY_COMPARE_WITH_TIMEOUT(keptSessions().size(), isLeft ? 2 : 1, StudioDriver::patienceMs);
+    QCOMPARE(contentsOf(session), isLeft ? kept : QByteArray());
 }
 
 int main(int argc, char *argv[])
