@@ -42,6 +42,7 @@ ScissorsTool::ScissorsTool(Document &document, QObject *parent)
         Q_EMIT overlayChanged({});
     });
     connect(&m_editor, &WireEditor::changed, this, [this] {
+        mark(nodeUnderPointer(), std::nullopt); // until the pointer moves
         Q_EMIT unfinishedGestureChanged();
         Q_EMIT canApplyChanged(canApply());
     });
@@ -61,16 +62,15 @@ ToolDescription ScissorsTool::description() const
 {
     return {QStringLiteral("scissors"),
             tr("Scissors"),
-            tr("Click along an edge; the first point or Enter closes, Ctrl goes straight. Then "
-               "drag "
+            tr("Click along an edge; the first point or Enter closes, Ctrl goes straight. Drag "
                "points, click the wire for more; Enter again applies."),
             VectorIcon::Shape::Scissors,
             Qt::Key_W,
             {{tr("Click"), tr("sets a point; on the first one, closes the wire")},
-             {tr("Ctrl"), tr("leads straight to the next point")},
+             {tr("Ctrl"), tr("leads straight to the next point, across the wire too")},
              {tr("Backspace, Esc"), tr("take the last point back")},
              {tr("Drag"), tr("moves a point")},
-             {tr("Click on a closed wire"), tr("adds a point there")},
+             {tr("Click on the wire"), tr("adds a point there")},
              {tr("Right click, Del"), tr("remove the point under the pointer")},
              {tr("Enter"), tr("closes the wire; then uses what it encloses")},
              {tr("Double click inside"), tr("uses what the wire encloses")}}};
@@ -149,13 +149,25 @@ void ScissorsTool::pressLeft(const PointerEvent &event)
     m_pressedNode = path.nodeNear(point, radius(nodeRadius, event));
     if (m_pressedNode >= 0)
         return;
-    if (!path.isClosed()) {
-        m_editor.addNode(point, event.modifiers.testFlag(Qt::ControlModifier));
-        m_pressedNode = path.nodes().size() - 1;
-    } else if (const auto place = path.placeNear(point, radius(stretchRadius, event))) {
+    const bool isStraight = event.modifiers.testFlag(Qt::ControlModifier);
+    if (const auto place = placeToInsert(point, radius(stretchRadius, event), isStraight)) {
         m_editor.insertNode(*place);
         m_pressedNode = place->stretch + 1;
+    } else if (!path.isClosed()) {
+        m_editor.addNode(point, isStraight);
+        m_pressedNode = path.nodes().size() - 1;
     }
+}
+
+/// Where a click adds a node to the wire that is there. An open one that crosses itself is led on with
+/// Ctrl.
+std::optional<WirePath::Place> ScissorsTool::placeToInsert(const QPointF &point, double radius,
+                                                           bool leadsOn) const
+{
+    const WirePath &path = m_editor.path();
+    if (leadsOn && !path.isClosed())
+        return std::nullopt;
+    return path.placeNear(point, radius);
 }
 
 void ScissorsTool::move(const PointerEvent &event)
@@ -168,6 +180,7 @@ void ScissorsTool::move(const PointerEvent &event)
     if (m_editor.isMoving())
         m_editor.moveTo(toCut(event.position));
     m_pointer = toCut(event.position);
+    m_markedNode = m_pressedNode;
 }
 
 void ScissorsTool::release(const PointerEvent &event)
@@ -186,11 +199,11 @@ void ScissorsTool::doubleClick(const PointerEvent &event)
 {
     const WirePath &path = m_editor.path();
     const QPointF point = toCut(event.position);
-    const bool isOnWire = path.nodeNear(point, radius(nodeRadius, event)) >= 0 ||
-                          path.placeNear(point, radius(stretchRadius, event));
+    const qsizetype node = path.nodeNear(point, radius(nodeRadius, event));
+    const bool isOnWire = node >= 0 || path.placeNear(point, radius(stretchRadius, event));
     if (path.isClosed() && !isOnWire && path.outline().containsPoint(point, Qt::WindingFill))
         apply();
-    else if (!path.isClosed() && path.canClose())
+    else if (path.canClose() && node == path.nodes().size() - 1)
         m_editor.close(event.modifiers.testFlag(Qt::ControlModifier));
     else
         press(event);
@@ -202,28 +215,50 @@ void ScissorsTool::hover(const PointerEvent &event)
         return;
     m_editor.prepare();
     m_nodeRadius = radius(nodeRadius, event);
-    follow(event.position, event.modifiers.testFlag(Qt::ControlModifier));
+    m_stretchRadius = radius(stretchRadius, event);
+    follow(toCut(event.position), event.modifiers.testFlag(Qt::ControlModifier));
 }
 
-void ScissorsTool::follow(const QPointF &position, bool isStraight)
+void ScissorsTool::follow(const QPointF &point, bool isStraight)
 {
-    const WirePath &path = m_editor.path();
-    const qsizetype before = path.nodeNear(m_pointer, m_nodeRadius);
-    m_pointer = toCut(position);
-    m_editor.leadTo(m_pointer, isStraight);
-    const qsizetype after = path.nodeNear(m_pointer, m_nodeRadius);
-    if (before == after)
-        return;
-    for (const qsizetype node : {before, after}) { // one is no longer marked, another one is
-        if (node >= 0)
-            Q_EMIT overlayChanged(toPicture(QRectF(path.nodes().at(node), QSizeF())));
+    m_pointer = point;
+    const qsizetype node = nodeUnderPointer();
+    const auto place = node < 0 ? placeToInsert(point, m_stretchRadius, isStraight) : std::nullopt;
+    if (place)
+        m_editor.leadNowhere();
+    else
+        m_editor.leadTo(point, isStraight);
+    mark(node, place ? std::optional(place->point) : std::nullopt);
+}
+
+qsizetype ScissorsTool::nodeUnderPointer() const
+{
+    return m_pointer ? m_editor.path().nodeNear(*m_pointer, m_nodeRadius) : -1;
+}
+
+/// What was marked is no longer, unless it is the same.
+void ScissorsTool::mark(qsizetype node, const std::optional<QPointF> &insertion)
+{
+    const auto renew = [this](const QPointF &point) {
+        Q_EMIT overlayChanged(toPicture(QRectF(point, QSizeF())));
+    };
+    const QList<QPointF> &nodes = m_editor.path().nodes();
+    const qsizetype nodeBefore = std::exchange(m_markedNode, node);
+    const auto insertionBefore = std::exchange(m_insertion, insertion);
+    for (const qsizetype index : {nodeBefore, node}) {
+        if (nodeBefore != node && index >= 0 && index < nodes.size())
+            renew(nodes.at(index));
+    }
+    for (const auto &point : {insertionBefore, insertion}) {
+        if (insertionBefore != insertion && point)
+            renew(*point);
     }
 }
 
 void ScissorsTool::leave()
 {
-    m_pointer = QPointF(-1e6, -1e6); // near no node
-    Q_EMIT overlayChanged({});
+    m_pointer.reset();
+    mark(-1, std::nullopt);
 }
 
 bool ScissorsTool::keyPress(const QKeyEvent &event)
@@ -237,11 +272,12 @@ bool ScissorsTool::keyPress(const QKeyEvent &event)
         m_editor.removeLast();
         return true;
     case Qt::Key_Delete:
-        if (const qsizetype node = m_editor.path().nodeNear(m_pointer, m_nodeRadius); node >= 0)
+        if (const qsizetype node = nodeUnderPointer(); node >= 0)
             m_editor.removeNode(node);
         return true;
     case Qt::Key_Control:
-        m_editor.leadTo(m_pointer, true);
+        if (m_pointer)
+            follow(*m_pointer, true);
         return false;
     default:
         return false;
@@ -250,8 +286,8 @@ bool ScissorsTool::keyPress(const QKeyEvent &event)
 
 bool ScissorsTool::keyRelease(const QKeyEvent &event)
 {
-    if (event.key() == Qt::Key_Control)
-        m_editor.leadTo(m_pointer, false);
+    if (event.key() == Qt::Key_Control && m_pointer)
+        follow(*m_pointer, false);
     return false;
 }
 

@@ -6,6 +6,8 @@
 
 #include <QTransform>
 
+#include <optional>
+
 /// Lays a wire along edges from click to click; what it encloses is cut out, or is the mask.
 class ScissorsTool : public Tool
 {
@@ -49,7 +51,11 @@ private:
     bool canApply() const { return m_editor.path().isClosed(); }
     void pressLeft(const PointerEvent &event);
     void closeOrApply();
-    void follow(const QPointF &position, bool isStraight);
+    void follow(const QPointF &point, bool isStraight);
+    void mark(qsizetype node, const std::optional<QPointF> &insertion);
+    std::optional<WirePath::Place> placeToInsert(const QPointF &point, double radius,
+                                                 bool leadsOn) const;
+    qsizetype nodeUnderPointer() const;
     void applyNow();
     QPointF toCut(const QPointF &picturePoint) const { return m_toCut.map(picturePoint); }
     QRectF toPicture(const QRectF &area) const;
@@ -62,8 +68,11 @@ private:
     WireUse m_use = WireUse::Mask; // wires lie on edges, where lassos had better not
     QTransform m_toCut;    // from the picture to the size it is cut at, where wires are laid
     QPolygonF m_beingUsed; // shown until the cut is there; in pixels of the picture
-    QPointF m_pointer;     // in pixels of the wire
-    double m_nodeRadius = 0.0;
+    std::optional<QPointF> m_pointer; // in pixels of the wire; null when it is elsewhere
+    double m_nodeRadius = 0.0;        // about the pointer
+    double m_stretchRadius = 0.0;
+    qsizetype m_markedNode = -1;        // under the pointer
+    std::optional<QPointF> m_insertion; // the node that a click would add to the wire that is there
     QPointF m_pressedOnWidget;
     qsizetype m_pressedNode = -1;
     bool m_isPressed = false;

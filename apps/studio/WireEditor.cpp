@@ -95,6 +95,12 @@ void WireEditor::leadTo(const QPointF &point, bool isStraight)
     updateLead();
 }
 
+void WireEditor::leadNowhere()
+{
+    m_pointer.reset();
+    updateLead();
+}
+
 /// The last wire that was found stays until there is one to where the pointer is now.
 void WireEditor::updateLead()
 {

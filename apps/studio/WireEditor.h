@@ -44,6 +44,7 @@ public:
     };
     const Lead &lead() const { return m_lead; }
     void leadTo(const QPointF &point, bool isStraight);
+    void leadNowhere();
 
     void addNode(const QPointF &point, bool isStraight);
     void close(bool isStraight);

@@ -50,13 +50,16 @@ private Q_SLOTS:
     void closesNearTheFirstNode_data();
     void closesNearTheFirstNode();
     void draggedNodeChangesTwoStretches();
+    void nodesAreInsertedAndRemoved_data();
     void nodesAreInsertedAndRemoved();
+    void controlLeadsAcrossTheWire();
     void clicksFasterThanTheSearch();
     void undoWithinAWire();
     void escapeTakesNodesBack();
 
 private:
-    void layRim();
+    void layRim(bool closes = true);
+    bool isKnown();
     bool isComplete();
     bool isObject(const QPointF &point);
     QPointF node(qsizetype index) { return scissors().editor().path().nodes().at(index); }
@@ -100,17 +103,26 @@ bool tst_StudioScissors::isComplete()
                            StudioDriver::patienceMs);
 }
 
+bool tst_StudioScissors::isKnown()
+{
+    return QTest::qWaitFor([this] { return !scissors().editor().path().firstUnknown(); },
+                           StudioDriver::patienceMs);
+}
+
 bool tst_StudioScissors::isObject(const QPointF &point)
 {
     return qAlpha(m_studio->document().mask().pixel(point.toPoint())) == 0;
 }
 
-void tst_StudioScissors::layRim()
+void tst_StudioScissors::layRim(bool closes)
 {
     for (const QPointF &point : rim) {
         m_studio->move(point);
         m_studio->click(point);
     }
+    QVERIFY(isKnown());
+    if (!closes)
+        return;
     m_studio->move(rim.first());
     m_studio->click(rim.first());
     QVERIFY(isComplete());
@@ -240,22 +252,53 @@ void tst_StudioScissors::draggedNodeChangesTwoStretches()
     QCOMPARE(after.outline(), before.outline());
 }
 
+void tst_StudioScissors::nodesAreInsertedAndRemoved_data()
+{
+    QTest::addColumn<bool>("isClosed");
+    QTest::addRow("open wire") << false;
+    QTest::addRow("closed wire") << true;
+}
+
 void tst_StudioScissors::nodesAreInsertedAndRemoved()
 {
-    layRim();
+    QFETCH(bool, isClosed);
+    layRim(isClosed);
     const WirePath &path = scissors().editor().path();
-    const QPolygonF outline = path.outline();
-    const QPolygonF first = path.stretches().first().line;
-    m_studio->click(first.at(first.size() / 2));
+    const WirePath before = path;
+    const QPointF middle = before.stretches().at(2).line.at(10);
+    m_studio->move(middle);
+    QVERIFY(scissors().editor().lead().guess.isEmpty()); // a click does not lead on
+    m_studio->click(middle);
     QCOMPARE(path.nodes().size(), rim.size() + 1);
-    QCOMPARE(path.outline(), outline); // nothing was searched for
-    m_studio->click(node(1), Qt::RightButton);
-    QCOMPARE(path.nodes().size(), rim.size());
-    QVERIFY(isComplete());
+    QVERIFY(QLineF(node(3), middle).length() < 3.0);
+    QCOMPARE(path.outline(), before.outline()); // nothing was searched for
+    m_studio->drag({middle, middle + QPointF(6, 6), middle + QPointF(20, 20)});
+    QVERIFY(isKnown());
+    for (qsizetype i = 0; i < before.stretches().size(); ++i) {
+        if (i != 2)
+            QCOMPARE(path.stretches().at(i < 2 ? i : i + 1).line, before.stretches().at(i).line);
+    }
+    grab(isClosed ? QStringLiteral("scissors-inserted") : QStringLiteral("scissors-inserted-open"));
+    m_studio->click(node(3), Qt::RightButton);
+    QCOMPARE(path.nodes(), before.nodes());
+    QVERIFY(isKnown());
     m_studio->move(node(5));
     m_studio->key(Qt::Key_Delete);
     QCOMPARE(path.nodes().size(), rim.size() - 1);
-    QVERIFY(isComplete());
+    QVERIFY(isKnown());
+    for (int undone = 0; undone < 4; ++undone)
+        m_studio->action("undo").trigger();
+    QCOMPARE(path.outline(), before.outline());
+}
+
+/// Where it comes near itself, a click would add a point to what is there.
+void tst_StudioScissors::controlLeadsAcrossTheWire()
+{
+    layRim(false);
+    const QPointF middle = scissors().editor().path().stretches().at(2).line.at(10);
+    m_studio->press(middle, Qt::LeftButton, Qt::ControlModifier);
+    m_studio->release(middle);
+    QCOMPARE(node(rim.size()), middle); // the last one
 }
 
 /// Stretches that nobody waited for come later, and the wire is used when all are there.
