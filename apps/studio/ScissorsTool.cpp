@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineF>
 #include <QPushButton>
+#include <QUndoStack>
 
 #include <cmath>
 #include <utility>
@@ -38,9 +39,17 @@ ScissorsTool::ScissorsTool(Document &document, QObject *parent)
     });
     connect(&document, &Document::isCuttingChanged, this, [this](bool isCutting) {
         if (!isCutting)
-            m_beingUsed.clear();
+            endUse();
         Q_EMIT overlayChanged({});
     });
+    connect(&document, &Document::wireReturned, this, &ScissorsTool::takeBack);
+    // After the document's own: by then it has told of wires that come or go by undo and redo.
+    connect(document.undoStack(), &QUndoStack::indexChanged, this, [this] {
+        m_inUse.reset();
+        if (!this->document().undoStack()->canRedo())
+            m_returned.reset(); // nothing is left that would use it again
+    });
+    connect(&m_editor, &WireEditor::edited, this, [this] { m_returned.reset(); });
     connect(&m_editor, &WireEditor::changed, this, [this] {
         mark(nodeUnderPointer(), std::nullopt); // until the pointer moves
         Q_EMIT unfinishedGestureChanged();
@@ -315,15 +324,42 @@ void ScissorsTool::apply()
 void ScissorsTool::applyNow()
 {
     const QPolygonF outline = rounded(m_toCut.inverted().map(m_editor.path().outline()));
-    cancel();
     const QRectF box = outline.boundingRect();
     if (box.width() < 1.0 || box.height() < 1.0) {
         Q_EMIT message(tr("The wire encloses nothing."));
         return;
     }
-    document().useWire(outline, m_use);
-    m_beingUsed = document().isCutting() ? outline : QPolygonF();
+    const auto wire = std::make_shared<const UsedWire>(m_editor.path(), m_editor.changes(), m_use);
+    cancel();
+    document().useWire(outline, m_use, wire);
+    if (document().isCutting()) {
+        m_beingUsed = outline;
+        m_inUse = wire;
+    }
     Q_EMIT overlayChanged({});
+}
+
+/// What was not cut in the end can be worked on, unless there is another wire by now.
+void ScissorsTool::endUse()
+{
+    m_beingUsed.clear();
+    const auto wire = std::exchange(m_inUse, nullptr);
+    if (wire && !hasUnfinishedGesture())
+        m_editor.setPath(wire->path, wire->changes);
+}
+
+/// Undoing goes on within it, and redoing uses it again, as long as it is not changed.
+void ScissorsTool::takeBack(const std::shared_ptr<const UsedWire> &wire)
+{
+    if (m_returned)
+        cancel();
+    if (!wire || hasUnfinishedGesture())
+        return;
+    Q_EMIT wanted();
+    setUse(wire->use);
+    m_returned = wire;
+    m_editor.prepare();
+    m_editor.setPath(wire->path, wire->changes);
 }
 
 bool ScissorsTool::hasUnfinishedGesture() const
@@ -352,6 +388,11 @@ void ScissorsTool::redo()
     m_editor.redo();
 }
 
+bool ScissorsTool::letsDocumentRedo() const
+{
+    return !hasUnfinishedGesture() || (m_returned && !m_editor.canRedo());
+}
+
 bool ScissorsTool::escape()
 {
     if (m_editor.path().isEmpty())
@@ -371,5 +412,7 @@ void ScissorsTool::cancel()
     m_isPressed = false;
     m_pressedNode = -1;
     m_appliesWhenComplete = false;
+    m_inUse.reset();
+    m_returned.reset();
     m_editor.clear();
 }

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "Tool.h"
+#include "UsedWire.h"
 #include "WireEditor.h"
 #include "WireUse.h"
 
 #include <QTransform>
 
+#include <memory>
 #include <optional>
 
 /// Lays a wire along edges from click to click; what it encloses is cut out, or is the mask.
@@ -35,6 +37,7 @@ public:
     QString redoText() const override;
     void undo() override;
     void redo() override;
+    bool letsDocumentRedo() const override;
     bool escape() override;
     void cancel() override;
 
@@ -57,6 +60,8 @@ private:
                                                  bool leadsOn) const;
     qsizetype nodeUnderPointer() const;
     void applyNow();
+    void endUse();
+    void takeBack(const std::shared_ptr<const UsedWire> &wire);
     QPointF toCut(const QPointF &picturePoint) const { return m_toCut.map(picturePoint); }
     QRectF toPicture(const QRectF &area) const;
     /// Of pixels of the widget, in those of the wire.
@@ -68,8 +73,10 @@ private:
     WireUse m_use = WireUse::Mask; // wires lie on edges, where lassos had better not
     QTransform m_toCut;    // from the picture to the size it is cut at, where wires are laid
     QPolygonF m_beingUsed; // shown until the cut is there; in pixels of the picture
-    std::optional<QPointF> m_pointer; // in pixels of the wire; null when it is elsewhere
-    double m_nodeRadius = 0.0;        // about the pointer
+    std::shared_ptr<const UsedWire> m_inUse;    // meanwhile, until that is a step
+    std::shared_ptr<const UsedWire> m_returned; // lies there unchanged, to be used again by redo
+    std::optional<QPointF> m_pointer;           // in pixels of the wire; null when it is elsewhere
+    double m_nodeRadius = 0.0;                  // about the pointer
     double m_stretchRadius = 0.0;
     qsizetype m_markedNode = -1;        // under the pointer
     std::optional<QPointF> m_insertion; // the node that a click would add to the wire that is there

@@ -54,6 +54,8 @@ public:
     virtual QString redoText() const { return {}; }
     virtual void undo() {}
     virtual void redo() {}
+    /// Whether the document's next step may be done again.
+    virtual bool letsDocumentRedo() const { return !hasUnfinishedGesture(); }
     /// Takes the last part of an unfinished gesture back, as the Escape key does; false when there
     /// is none.
     virtual bool escape() { return false; }
@@ -63,6 +65,7 @@ public:
 Q_SIGNALS:
     void overlayChanged(const QRectF &area); ///< in pixels of the picture; null for everything
     void unfinishedGestureChanged();
+    void wanted();                         ///< there is something to do with this tool
     void message(const QString &sentence); ///< why nothing happens
 
 protected:

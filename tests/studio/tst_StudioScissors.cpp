@@ -47,6 +47,11 @@ private Q_SLOTS:
     void controlGoesStraight();
     void closedWireIsUsed_data();
     void closedWireIsUsed();
+    void undoGoesOnInAUsedWire_data();
+    void undoGoesOnInAUsedWire();
+    void aUsedWireIsChanged();
+    void theHistoryLeadsPastUsedWires();
+    void aCancelledCutGivesItsWireBack();
     void closesNearTheFirstNode_data();
     void closesNearTheFirstNode();
     void draggedNodeChangesTwoStretches();
@@ -59,6 +64,7 @@ private Q_SLOTS:
 
 private:
     void layRim(bool closes = true);
+    void useRim();
     bool isKnown();
     bool isComplete();
     bool isObject(const QPointF &point);
@@ -126,6 +132,14 @@ void tst_StudioScissors::layRim(bool closes)
     m_studio->move(rim.first());
     m_studio->click(rim.first());
     QVERIFY(isComplete());
+}
+
+void tst_StudioScissors::useRim()
+{
+    layRim();
+    m_studio->key(Qt::Key_Return);
+    QVERIFY(m_studio->settle());
+    QVERIFY(m_studio->document().hasCut());
 }
 
 void tst_StudioScissors::wireFollowsThePointer()
@@ -204,6 +218,96 @@ void tst_StudioScissors::closedWireIsUsed()
     QVERIFY(m_studio->settle());
     QCOMPARE(document.hasCut(), hasCut);
     QVERIFY(!hasCut || m_studio->objectShare() == 1.0);
+    QCOMPARE(scissors().editor().path().outline(), wire);
+    QCOMPARE(scissors().use(), use);
+    m_studio->action("redo").trigger();
+    QVERIFY(m_studio->settle());
+    QVERIFY(scissors().editor().path().isEmpty());
+    QCOMPARE(isObject(inside), isInside);
+}
+
+/// From the mask back to the empty picture and on to the mask again, whatever tool is in hand.
+void tst_StudioScissors::undoGoesOnInAUsedWire_data()
+{
+    QTest::addColumn<QByteArray>("tool");
+    for (const char *const tool : {"scissors", "lasso", "brush"})
+        QTest::addRow("%s", tool) << QByteArray(tool);
+}
+
+void tst_StudioScissors::undoGoesOnInAUsedWire()
+{
+    QFETCH(QByteArray, tool);
+    const auto trigger = [this](const char *id) {
+        QVERIFY(m_studio->action(id).isEnabled());
+        m_studio->action(id).trigger();
+        QVERIFY(m_studio->settle());
+    };
+    useRim();
+    const double share = m_studio->objectShare();
+    m_studio->action(tool.constData()).trigger();
+    trigger("undo");
+    QCOMPARE(m_studio->tools().current(), &scissors());
+    const WirePath &path = scissors().editor().path();
+    QVERIFY(path.isClosed() && !m_studio->document().hasCut());
+    grab(QStringLiteral("scissors-returned"));
+    for (qsizetype left = rim.size(); left >= 0; --left) {
+        trigger("undo");
+        QVERIFY(!path.isClosed());
+        QCOMPARE(path.nodes().size(), left);
+    }
+    QVERIFY(!m_studio->action("undo").isEnabled());
+    for (qsizetype steps = rim.size() + 2; steps > 0; --steps)
+        trigger("redo");
+    QVERIFY(path.isEmpty());
+    QCOMPARE(m_studio->objectShare(), share);
+    QVERIFY(!m_studio->action("redo").isEnabled());
+}
+
+void tst_StudioScissors::aUsedWireIsChanged()
+{
+    useRim();
+    const double share = m_studio->objectShare();
+    m_studio->action("undo").trigger();
+    QVERIFY(m_studio->settle());
+    m_studio->drag({node(4), node(4) + QPointF(10, 14), node(4) + QPointF(24, 30)});
+    QVERIFY(!m_studio->action("redo").isEnabled()); // it led on to something else
+    QVERIFY(isComplete());
+    m_studio->key(Qt::Key_Return);
+    QVERIFY(m_studio->settle());
+    QVERIFY(m_studio->objectShare() > share);
+    QCOMPARE(m_studio->document().undoStack()->count(), 1);
+}
+
+/// The history goes through several steps at once; only the wire before the next one matters.
+void tst_StudioScissors::theHistoryLeadsPastUsedWires()
+{
+    useRim();
+    m_studio->document().invert();
+    QVERIFY(m_studio->settle());
+    useRim();
+    const WirePath &path = scissors().editor().path();
+    QUndoStack &stack = *m_studio->document().undoStack();
+    QCOMPARE(stack.count(), 3);
+    for (const int index : {2, 1, 0, 1, 3, 0}) {
+        stack.setIndex(index);
+        QVERIFY(m_studio->settle());
+        QCOMPARE(path.isClosed(), index == 0 || index == 2);
+    }
+}
+
+void tst_StudioScissors::aCancelledCutGivesItsWireBack()
+{
+    layRim();
+    const QPolygonF wire = scissors().editor().path().outline();
+    scissors().setUse(WireUse::Cut);
+    m_studio->key(Qt::Key_Return);
+    QVERIFY(m_studio->document().isCutting());
+    m_studio->action("cancel").trigger();
+    QVERIFY(!m_studio->document().isCutting());
+    QCOMPARE(scissors().editor().path().outline(), wire);
+    m_studio->key(Qt::Key_Return);
+    QVERIFY(m_studio->settle());
+    QVERIFY(m_studio->document().hasCut());
 }
 
 void tst_StudioScissors::closesNearTheFirstNode_data()
