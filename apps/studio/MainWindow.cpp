@@ -82,6 +82,8 @@ MainWindow::MainWindow(QWidget *parent)
     for (QWidget *const widget : std::as_const(m_workWidgets))
         widget->hide();
     resize(1180, 780);
+    if (restoreGeometry(StudioSettings::instance().windowGeometry()))
+        moveOntoAScreen();
 }
 
 MainWindow::~MainWindow()
@@ -221,9 +223,10 @@ bool MainWindow::mayDiscardChanges()
 void MainWindow::showPicture(const OpenedPicture &picture)
 {
     m_tools.current()->cancel();
-    if (!m_document.hasPicture())
-        for (QWidget *const widget : std::as_const(m_workWidgets))
-            widget->show();
+    if (!m_document.hasPicture()) {
+        m_pages->removeWidget(m_startPage); // the window could not be any narrower than that
+        showWorkWidgets();
+    }
     m_document.setPicture(picture);
     m_pages->setCurrentWidget(m_canvas);
     m_canvas->setFocus();
@@ -290,6 +293,8 @@ void MainWindow::updateTitle()
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     event->setAccepted(mayDiscardChanges());
+    if (event->isAccepted())
+        rememberWindow();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)

@@ -72,6 +72,9 @@ private:
     void connectExports();
     void connectSessions();
     void connectPreferences();
+    void showWorkWidgets();
+    void rememberWindow() const;
+    void moveOntoAScreen();
 
     void chooseFile();
     void paste();
