@@ -197,6 +197,11 @@ void Canvas::zoomOut()
 
 void Canvas::zoomTo(double scale, const QPointF &fixedPoint)
 {
+    moveView(scale, m_view.toPicture(fixedPoint), fixedPoint);
+}
+
+void Canvas::moveView(double scale, const QPointF &picturePoint, const QPointF &to)
+{
     if (!m_document.hasPicture())
         return;
     m_fits = false;
@@ -204,8 +209,7 @@ void Canvas::zoomTo(double scale, const QPointF &fixedPoint)
     const double least =
             std::min(1.0, smallestPictureSide / std::max(picture.width(), picture.height()));
     const double clamped = std::clamp(scale, least, largestScale);
-    const QPointF onPicture = m_view.toPicture(fixedPoint);
-    setView(clamped, fixedPoint * m_view.devicePixelRatio - onPicture * clamped);
+    setView(clamped, to * m_view.devicePixelRatio - picturePoint * clamped);
 }
 
 void Canvas::setView(double scale, const QPointF &origin)

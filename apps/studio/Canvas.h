@@ -92,6 +92,8 @@ private:
     double fittingScale() const;
     QSize screenSize() const; // of the canvas
     void setView(double scale, const QPointF &origin);
+    /// Brings a point of the picture to one of the canvas.
+    void moveView(double scale, const QPointF &picturePoint, const QPointF &to);
     QPoint insideBounds(const QPointF &origin) const;
 
     PointerEvent pointerEvent(const QSinglePointEvent &event) const;
@@ -115,6 +117,7 @@ private:
     bool m_isSpaceHeld = false;
     bool m_isPanning = false;
     bool m_isPressed = false; // the tool has heard a press, and will hear its release
+    QPointF m_pinchedPoint;   // of the picture, between two fingers
     QPointF m_panFrom;
     QPointF m_panOrigin;
 };

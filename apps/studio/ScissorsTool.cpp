@@ -141,6 +141,7 @@ void ScissorsTool::press(const PointerEvent &event)
     if (event.button == Qt::LeftButton) {
         m_isPressed = true;
         m_pressedOnWidget = event.widgetPosition;
+        m_changesAtPress = m_editor.changes().size();
         pressLeft(event);
     } else if (event.button == Qt::RightButton) {
         const qsizetype node =
@@ -201,6 +202,14 @@ void ScissorsTool::release(const PointerEvent &event)
     else if (m_pressedNode == 0 && m_editor.path().canClose())
         m_editor.close(event.modifiers.testFlag(Qt::ControlModifier));
     m_pressedNode = -1;
+}
+
+void ScissorsTool::abandonPress()
+{
+    m_isPressed = false;
+    m_pressedNode = -1;
+    while (m_editor.changes().size() > m_changesAtPress)
+        m_editor.undo();
 }
 
 /// Its first press and release have had their effect.

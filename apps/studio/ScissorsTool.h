@@ -25,6 +25,7 @@ public:
     void press(const PointerEvent &event) override;
     void move(const PointerEvent &event) override;
     void release(const PointerEvent &event) override;
+    void abandonPress() override;
     void doubleClick(const PointerEvent &event) override;
     void hover(const PointerEvent &event) override;
     void leave() override;
@@ -82,6 +83,7 @@ private:
     std::optional<QPointF> m_insertion; // the node that a click would add to the wire that is there
     QPointF m_pressedOnWidget;
     qsizetype m_pressedNode = -1;
+    qsizetype m_changesAtPress = 0;
     bool m_isPressed = false;
     bool m_appliesWhenComplete = false;
 };
