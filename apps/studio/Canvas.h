@@ -85,6 +85,8 @@ protected:
 private:
     void showPicture();
     void changeScene(const std::function<void(ViewScene &)> &change);
+    ImagePyramid pictureFor(const ViewScene &scene) const;
+    void takeEdge();
     void takeMask(const QRect &maskArea);
     void updateTiles(const QRect &area);
     void updateOverlay(const QRectF &pictureArea);
@@ -113,6 +115,7 @@ private:
     TileCache m_tiles;
     ViewTransform m_view;
     bool m_fits = true;
+    bool m_isCleaned = false; // the edge that was heard of last
     Qt::Key m_hidingKey = Qt::Key_H;
     bool m_isSpaceHeld = false;
     bool m_isPanning = false;

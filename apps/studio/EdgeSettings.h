@@ -23,6 +23,8 @@ struct EdgeSettings : EdgeOptions
                 .clean = told(clean)};
     }
 
+    /// Soft edges mix with what was behind them, so they are cleaned unless somebody objects.
+    int cleanPixels() const { return choices().cleanPixels(); }
     const EdgeOptions &edges() const { return *this; } ///< what changes the mask
     bool operator==(const EdgeSettings &) const = default;
 };
