@@ -1,6 +1,7 @@
 #include "MainWindow.h"
 
 #include "Canvas.h"
+#include "PicturesFolder.h"
 #include "StartPage.h"
 #include "StatusBar.h"
 #include "StudioSettings.h"
@@ -17,7 +18,6 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QStackedWidget>
-#include <QStandardPaths>
 #include <QToolBar>
 
 namespace {
@@ -179,10 +179,7 @@ void MainWindow::openFile(const QString &fileName)
 void MainWindow::chooseFile()
 {
     const QString last = m_document.opened().fileName;
-    const QString folder =
-            last.isEmpty() || last.startsWith(u':')
-                    ? QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)
-                    : last;
+    const QString folder = last.isEmpty() || last.startsWith(u':') ? PicturesFolder::path() : last;
     const QString fileName =
             QFileDialog::getOpenFileName(this, tr("Open a Picture"), folder, pictureFilter());
     if (!fileName.isEmpty())

@@ -1,6 +1,7 @@
 #include "SessionController.h"
 
 #include "Document.h"
+#include "PicturesFolder.h"
 #include "StudioSettings.h"
 
 #include <QAbstractButton>
@@ -90,20 +91,28 @@ bool SessionController::save()
 
 bool SessionController::saveAs()
 {
-    const QString picture = m_document.opened().fileName;
     QFileDialog dialog(m_window, tr("Save the Session"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(SessionFile::suffix.mid(1));
     dialog.setNameFilter(tr("Sessions (*%1)").arg(SessionFile::suffix));
     if (!m_fileName.isEmpty())
         dialog.selectFile(m_fileName);
-    else if (QFileInfo(picture).isFile() && !picture.startsWith(u':'))
-        dialog.selectFile(QFileInfo(picture).absolutePath() + u'/' +
-                          QFileInfo(picture).completeBaseName() + SessionFile::suffix);
+    else
+        dialog.selectFile(suggestedFile());
     if (dialog.exec() != QDialog::Accepted)
         return false;
     saveTo(dialog.selectedFiles().first());
     return true;
+}
+
+/// Beside the picture, where people can put it.
+QString SessionController::suggestedFile() const
+{
+    const OpenedPicture &opened = m_document.opened();
+    const QFileInfo picture(opened.fileName);
+    const bool isOnDisk = picture.isFile() && !opened.fileName.startsWith(u':');
+    return (isOnDisk ? picture.absolutePath() : PicturesFolder::path()) + u'/' +
+           QFileInfo(opened.title).completeBaseName() + SessionFile::suffix;
 }
 
 void SessionController::saveTo(const QString &fileName)

@@ -57,6 +57,7 @@ private:
     bool save();
     bool saveAs();
     bool saveAndWait();
+    QString suggestedFile() const;
     void finishSaving(const SessionFile::Saved &result);
     void play(const OpenedPicture &picture, const QList<ReplayStep> &steps,
               const EdgeSettings &edges);
