@@ -5,6 +5,7 @@
 #include "StartPage.h"
 #include "StatusBar.h"
 #include "StudioSettings.h"
+#include "WindowSettings.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -82,7 +83,7 @@ MainWindow::MainWindow(QWidget *parent)
     for (QWidget *const widget : std::as_const(m_workWidgets))
         widget->hide();
     resize(1180, 780);
-    if (restoreGeometry(StudioSettings::instance().windowGeometry()))
+    if (restoreGeometry(WindowSettings::instance().geometry()))
         moveOntoAScreen();
 }
 

@@ -5,6 +5,7 @@
 #include "PreferencesDialog.h"
 #include "ShortcutMap.h"
 #include "StudioSettings.h"
+#include "WindowSettings.h"
 
 #include <QAction>
 #include <QGuiApplication>
@@ -49,7 +50,7 @@ void MainWindow::showWorkWidgets()
 {
     for (QWidget *const widget : std::as_const(m_workWidgets))
         widget->show();
-    restoreState(StudioSettings::instance().windowState(), layoutVersion);
+    restoreState(WindowSettings::instance().layout(), layoutVersion);
 }
 
 /// Screens go, or become smaller. Qt brings windows back that are out of sight, and no others.
@@ -76,9 +77,9 @@ void MainWindow::moveOntoAScreen()
 /// The start page has no bars and docks; what they were like before stays.
 void MainWindow::rememberWindow() const
 {
-    StudioSettings &settings = StudioSettings::instance();
+    WindowSettings &settings = WindowSettings::instance();
     settings.setWindow(saveGeometry(),
-                       m_document.hasPicture() ? saveState(layoutVersion) : settings.windowState());
+                       m_document.hasPicture() ? saveState(layoutVersion) : settings.layout());
 }
 
 void MainWindow::showPreferences()

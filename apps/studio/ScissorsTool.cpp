@@ -169,8 +169,7 @@ void ScissorsTool::pressLeft(const PointerEvent &event)
     }
 }
 
-/// Where a click adds a node to the wire that is there. An open one that crosses itself is led on with
-/// Ctrl.
+/// Where a click adds a node to the wire that is there. Ctrl leads an open one across itself.
 std::optional<WirePath::Place> ScissorsTool::placeToInsert(const QPointF &point, double radius,
                                                            bool leadsOn) const
 {

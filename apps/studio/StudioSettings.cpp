@@ -70,25 +70,6 @@ void StudioSettings::setBrushWidths(int regionBrush, int pixelBrush)
     Q_EMIT brushWidthsChanged();
 }
 
-QByteArray StudioSettings::windowGeometry() const
-{
-    return QByteArray::fromBase64(m_windowGeometry.value().toLatin1());
-}
-
-QByteArray StudioSettings::windowState() const
-{
-    return QByteArray::fromBase64(m_windowState.value().toLatin1());
-}
-
-void StudioSettings::setWindow(const QByteArray &geometry, const QByteArray &state)
-{
-    if (geometry == windowGeometry() && state == windowState())
-        return;
-    m_windowGeometry.setValue(QString::fromLatin1(geometry.toBase64()));
-    m_windowState.setValue(QString::fromLatin1(state.toBase64()));
-    saveSettings();
-}
-
 QMap<QString, QKeySequence> StudioSettings::shortcuts() const
 {
     QMap<QString, QKeySequence> shortcuts;
@@ -128,8 +109,6 @@ void StudioSettings::loadSettings()
     load(&pixelBrushWidth);
     load(&m_maskColor);
     load(&m_shortcuts);
-    load(&m_windowGeometry);
-    load(&m_windowState);
     load(&m_recentFiles);
     endGroup();
 }
@@ -142,8 +121,6 @@ void StudioSettings::saveSettings()
     save(&pixelBrushWidth);
     save(&m_maskColor);
     save(&m_shortcuts);
-    save(&m_windowGeometry);
-    save(&m_windowState);
     save(&m_recentFiles);
     endGroup();
 }

@@ -4,7 +4,6 @@
 #include "RySettings.h"
 #include "RySingleton.h"
 
-#include <QByteArray>
 #include <QColor>
 #include <QKeySequence>
 #include <QMap>
@@ -41,11 +40,6 @@ public:
     /// Both are saved, and whoever shows them is told.
     void setBrushWidths(int regionBrush, int pixelBrush);
 
-    /// Where windows were, and how their bars and docks lay in them; empty before there was one.
-    QByteArray windowGeometry() const;
-    QByteArray windowState() const;
-    void setWindow(const QByteArray &geometry, const QByteArray &state);
-
     /// What actions with these names were given instead of their own keys.
     QMap<QString, QKeySequence> shortcuts() const;
     void setShortcuts(const QMap<QString, QKeySequence> &shortcuts);
@@ -67,7 +61,5 @@ private:
     RyConfigItem<QString> m_maskColor{{}, {}, QStringLiteral("maskColor")}; // #aarrggbb
     RyConfigItem<QString> m_shortcuts{
             {}, {}, QStringLiteral("shortcuts")}; // name, tab, keys a line
-    RyConfigItem<QString> m_windowGeometry{{}, {}, QStringLiteral("windowGeometry")}; // base64
-    RyConfigItem<QString> m_windowState{{}, {}, QStringLiteral("windowState")};
     RyConfigItem<QString> m_recentFiles{{}, {}, QStringLiteral("recentFiles")}; // one a line
 };

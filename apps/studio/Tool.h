@@ -18,8 +18,8 @@ class QWidget;
  * What the pointer and the keys do on the canvas. Tools turn them into gestures for the document
  * and draw what is not part of the cut yet.
  *
- * A tool gets press(), any number of move()s, and release(), abandonPress() or cancel(); hover()s in
- * between.
+ * A tool gets press(), any number of move()s, and release(), abandonPress() or cancel(); and
+ * hover()s in between.
  * Threads  the GUI thread.
  */
 class Tool : public QObject

@@ -4,6 +4,7 @@
 #include "PreferencesDialog.h"
 #include "RySettings.h"
 #include "StudioSettings.h"
+#include "WindowSettings.h"
 #include "settings/RyImageCutterSettings.h"
 
 #include <QDialogButtonBox>
@@ -65,6 +66,7 @@ void tst_StudioHelp::init()
     m_folder = std::make_unique<QTemporaryDir>();
     RySettings::setFileName(m_folder->filePath(QStringLiteral("settings.ini")));
     StudioSettings::instance().loadSettings();
+    WindowSettings::instance().loadSettings();
     RyImageCutterSettings::instance().loadSettings();
     m_studio = std::make_unique<StudioDriver>();
 }
@@ -211,7 +213,7 @@ void tst_StudioHelp::windowIsRemembered()
     const auto restart = [this] {
         QVERIFY(m_studio->window.close());
         m_studio.reset();
-        StudioSettings::instance().loadSettings();
+        WindowSettings::instance().loadSettings();
         m_studio = std::make_unique<StudioDriver>();
     };
     QVERIFY(m_studio->open(coffee));
@@ -245,7 +247,7 @@ void tst_StudioHelp::lostScreensDoNoHarm_data()
 void tst_StudioHelp::lostScreensDoNoHarm()
 {
     QFETCH(QByteArray, geometry);
-    StudioSettings::instance().setWindow(geometry, QByteArray("no state"));
+    WindowSettings::instance().setWindow(geometry, QByteArray("no layout"));
     m_studio = std::make_unique<StudioDriver>();
     const QRect screen = m_studio->window.screen()->availableGeometry();
     QVERIFY(screen.contains(m_studio->window.geometry().topLeft()));
