@@ -18,6 +18,7 @@
 namespace EdgeColours {
 
 inline constexpr int mostRimPixels = 50;
+inline constexpr int usualRimPixels = 2; ///< in which lenses and cameras mix both sides
 
 /// A picture in Format_ARGB32, with its alpha as it was, and a mask of its size. The picture as it
 /// is for a rim of 0, and where no pixel is sure. Null without memory. Any thread. Time O(pixels).

@@ -8,6 +8,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <climits>
 
 using namespace Qt::StringLiterals;
 
@@ -67,11 +68,7 @@ QString readPictureFile(GestureReader &reader)
 int readLongestSide(GestureReader &reader)
 {
     reader.setForm("longest-side PIXELS");
-    bool isNumber = false;
-    const int pixels = reader.takeWord().toInt(&isNumber);
-    if (!isNumber || pixels < 0)
-        reader.failExpecting(u"a whole number from 0 up"_s);
-    return pixels;
+    return reader.takeNumber(0, INT_MAX);
 }
 
 /// False for lines that do not tell of the picture.
@@ -93,6 +90,19 @@ bool readAboutPicture(GestureReader &reader, GestureFile &file, bool isNextToVer
     return true;
 }
 
+/// False for lines that do not tell of the edge.
+bool readAboutEdge(GestureReader &reader, EdgeChoices &edges)
+{
+    for (const EdgeChoices::Word &word : EdgeChoices::words()) {
+        if (reader.lineWord() != word.name)
+            continue;
+        reader.setForm(word.form);
+        edges.*word.number = reader.takeNumber(word.least, word.most);
+        return true;
+    }
+    return false;
+}
+
 Gesture readGesture(GestureReader &reader)
 {
     QStringList names;
@@ -106,6 +116,8 @@ Gesture readGesture(GestureReader &reader)
         GestureWords::describe(reader, gesture);
         return gesture;
     }
+    for (const EdgeChoices::Word &word : EdgeChoices::words())
+        names.append(QString::fromLatin1(word.name));
     reader.failExpecting(u"width, %1"_s.arg(names.join(u", "_s)));
 }
 
@@ -129,7 +141,8 @@ GestureFile GestureFile::parse(const QByteArray &text, const QString &name)
     for (bool isNextToVersion = true; reader.nextLine(); isNextToVersion = false) {
         if (reader.lineWord() == widthWord) {
             reader.takeBrushWidth();
-        } else if (!readAboutPicture(reader, file, isNextToVersion)) {
+        } else if (!readAboutPicture(reader, file, isNextToVersion) &&
+                   !readAboutEdge(reader, file.edges)) {
             file.gestures.append(readGesture(reader));
             hasSeed = leavesASeed(file.gestures.last(), hasSeed, reader);
         }
@@ -151,5 +164,9 @@ QByteArray GestureFile::text() const
         writer.writeLine(QByteArray(longestSideWord) + ' ' + QByteArray::number(*longestSide));
     for (const Gesture &gesture : gestures)
         writer.write(gesture);
+    for (const EdgeChoices::Word &word : EdgeChoices::words()) {
+        if (const std::optional<int> &number = edges.*word.number)
+            writer.writeLine(QByteArray(word.name) + ' ' + QByteArray::number(*number));
+    }
     return writer.text();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cutout/EdgeChoices.h"
 #include "gestures/Gesture.h"
 
 #include <QByteArray>
@@ -14,7 +15,8 @@
  *
  * One gesture a line, in pixels of the picture; "#" starts a comment. The first line says
  * "rycut-session 1", the next one may say which picture it was: "picture WIDTHxHEIGHT SHA256". Then
- * may follow where its file is, "file NAME", and how it was cut, "longest-side PIXELS".
+ * may follow where its file is, "file NAME", and how it was cut, "longest-side PIXELS". How the edge
+ * is worked on in the end may be told anywhere, in the words of EdgeChoices.
  */
 struct GestureFile
 {
@@ -28,6 +30,7 @@ struct GestureFile
     QString pictureFile; ///< relative to the session's folder or absolute; empty where none is told
     std::optional<int> longestSide; ///< that the picture was reduced to; 0 for never
     QList<Gesture> gestures;
+    EdgeChoices edges; ///< at the picture's full size, of what is cut in the end
 
     /// The name is for messages. Whatever is malformed is thrown as GestureFileError.
     static GestureFile parse(const QByteArray &text, const QString &name);

@@ -3,6 +3,7 @@
 #include "gestures/GestureFileError.h"
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -64,6 +65,16 @@ QByteArrayView GestureReader::takeWord()
     m_word = m_line.first(end - m_line.begin());
     m_line = m_line.sliced(m_word.size());
     return m_word;
+}
+
+int GestureReader::takeNumber(int least, int most)
+{
+    bool isNumber = false;
+    const int number = takeWord().toInt(&isNumber);
+    if (!isNumber || number < least || number > most)
+        failExpecting(u"a whole number from %1 %2"_s.arg(least).arg(
+                most == INT_MAX ? u"up"_s : u"to %1"_s.arg(most)));
+    return number;
 }
 
 void GestureReader::expectEndOfLine()
@@ -133,10 +144,7 @@ void GestureReader::choice(bool &value, QByteArrayView whenTrue, QByteArrayView 
 
 void GestureReader::diameter(int &diameter)
 {
-    bool isNumber = false;
-    diameter = takeWord().toInt(&isNumber);
-    if (!isNumber || diameter < 1)
-        failExpecting(u"a whole number from 1 up"_s);
+    diameter = takeNumber(1, INT_MAX);
 }
 
 /// The one place where the comment sign begins a word.

@@ -24,6 +24,8 @@ public:
     QByteArrayView lineWord() const { return m_lineWord; }
     /// How messages say what the line should look like.
     void setForm(QByteArrayView form) { m_form = form; }
+    /// The next word, which has to be one in this range.
+    int takeNumber(int least, int most);
     /// The next word, empty at the line's end.
     QByteArrayView takeWord();
     void expectEndOfLine();

@@ -41,13 +41,14 @@ void CutFiles::write(CutResult &result, const Interruption &interruption)
 void CutFiles::write(CutOutput output, const CutResult &result)
 {
     OutputFile &file = m_files.at(output);
+    CutoutPicture::Options cutout = m_options.cutout;
+    cutout.cleanPixels = result.session.edges.cleanPixels();
     const auto cropped = [&](const QImage &image) {
-        return CutoutPicture::cropped(image, result.fullMask, m_options.cutout);
+        return CutoutPicture::cropped(image, result.fullMask, cutout);
     };
     switch (output) {
     case CutOutput::Object:
-        return file.write(
-                CutoutPicture::compose(result.picture, result.fullMask, m_options.cutout));
+        return file.write(CutoutPicture::compose(result.picture, result.fullMask, cutout));
     case CutOutput::Mask:
         return file.write(cropped(result.fullMask.alpha));
     case CutOutput::Overlay:

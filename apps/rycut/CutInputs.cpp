@@ -122,5 +122,6 @@ void CutInputs::read(CutResult &result, const CutOptions &options, const Interru
     const int longestSide = options.choosesMaxLength ? options.maxLength
                                                      : file.longestSide.value_or(options.maxLength);
     result.session.longestSide = longestSide;
+    result.session.edges = options.edges.over(file.edges);
     result.scale = CuttingScale(result.picture.size(), longestSide);
 }

@@ -29,7 +29,7 @@ void CutOptionsParser::addOutputOptions()
                  u"Number of the region at every pixel, at cutting size: 16-bit grey .png, or .raw "
                  "with 32-bit little-endian numbers and its size in a .raw.json file."_s,
                  u"file"_s},
-                {u"write-session"_s, u"Lasso and gestures, for replay."_s, u"file"_s}});
+                {u"write-session"_s, u"Lasso, gestures and edge, for replay."_s, u"file"_s}});
 }
 
 void CutOptionsParser::addCutOptions()

@@ -100,13 +100,13 @@ void CutRun::makeFullMask()
     mask.setDotsPerMeterY(m_result.picture.dotsPerMeterY());
     m_result.times.scalingMs += stopwatch.lapMs();
 
-    m_result.fullMask = EdgeOperations::apply(mask, m_options.edges);
+    m_result.fullMask = EdgeOperations::apply(mask, m_result.session.edges.options());
     requireMemory(m_result.fullMask.alpha);
     m_interruption.check();
     m_result.objectBox = MaskImage::objectBox(m_result.fullMask.alpha);
     m_result.times.edgesMs = stopwatch.lapMs();
     if (m_result.objectBox.isEmpty())
-        failWithReport(u"--drop, --smooth or --grow leave nothing of the object"_s);
+        failWithReport(u"drop, smooth or grow leave nothing of the object"_s);
 }
 
 void CutRun::writeOutputs()

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cutout/CutoutPicture.h"
-#include "cutout/EdgeOptions.h"
+#include "cutout/EdgeChoices.h"
 
 #include <QString>
 
@@ -13,8 +13,8 @@ struct PictureOptions
 
     int maxLength = 0;             ///< longest side for cutting, in pixels; 0 cuts at full size
     bool choosesMaxLength = false; ///< it is the user's choice, not the settings'
-    EdgeOptions edges;
-    CutoutPicture::Options cutout;
+    EdgeChoices edges;             ///< that the user has told of
+    CutoutPicture::Options cutout; ///< cleaned as these edges are
 
     bool allowHuge = false;
     bool quiet = false;

@@ -6,43 +6,36 @@
 #include "cutout/EdgeColours.h"
 #include "settings/RyImageCutterSettings.h"
 
-#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int rimOfSoftEdges = 2; // pixels in which lenses and cameras mix object and background
-
-/// A number of EdgeOptions, as an option.
-struct EdgeOption
+/// Of an edge option, which has its name and range from EdgeChoices.
+struct EdgeHelp
 {
-    QString name;
     QString description;
     QString unit;
-    int EdgeOptions::*number;
-    int least, most;
 };
 
-/// In the order in which they are applied.
-const std::array<EdgeOption, 5> &edgeOptions()
+/// In the order of EdgeChoices::words().
+QList<EdgeHelp> edgeHelp()
 {
-    constexpr int length = EdgeOptions::mostPixels;
-    constexpr int area = EdgeOptions::mostArea;
-    static const std::array<EdgeOption, 5> options{{
-            {u"drop"_s, u"Drop pieces of the object with fewer pixels."_s, u"pixels"_s,
-             &EdgeOptions::drop, 0, area},
-            {u"fill"_s, u"Fill holes with fewer pixels."_s, u"pixels"_s, &EdgeOptions::fill, 0,
-             area},
-            {u"smooth"_s, u"Round the edge, up to %1."_s.arg(length), u"radius"_s,
-             &EdgeOptions::smooth, 0, length},
-            {u"grow"_s, u"Move the edge outwards; below 0 inwards, to ±%1."_s.arg(length),
-             u"pixels"_s, &EdgeOptions::grow, -length, length},
-            {u"feather"_s, u"Soften the edge so far to either side, up to %1."_s.arg(length),
-             u"radius"_s, &EdgeOptions::feather, 0, length},
-    }};
-    return options;
+    const QString length = QString::number(EdgeOptions::mostPixels);
+    return {{u"Drop pieces of the object with fewer pixels. Default for all of the edge: 0, or "
+             u"what a "
+             "session file says."_s,
+             u"pixels"_s},
+            {u"Fill holes with fewer pixels."_s, u"pixels"_s},
+            {u"Round the edge, up to %1."_s.arg(length), u"radius"_s},
+            {u"Move the edge outwards; below 0 inwards, to ±%1."_s.arg(length), u"pixels"_s},
+            {u"Soften the edge so far to either side, up to %1."_s.arg(length), u"radius"_s},
+            {u"Take the colours of the object's rim, so wide, from further inside, so that none "
+             "of the background shows; up to %1, 0 for never. Default: %2 with --feather, else "
+             "0."_s.arg(EdgeColours::mostRimPixels)
+                     .arg(EdgeColours::usualRimPixels),
+             u"pixels"_s}};
 }
 
 /// A settings file that was written by hand may hold any number.
@@ -89,16 +82,14 @@ void PictureOptionsParser::addSizeOptions()
 
 void PictureOptionsParser::addEdgeOptions()
 {
-    for (const EdgeOption &option : edgeOptions())
-        m_parser.addOption({option.name, option.description, option.unit});
-    m_parser.addOptions(
-            {{u"clean"_s,
-              u"Take the colours of the object's rim, so wide, from further inside, so that none "
-              "of the background shows; up to %1, 0 for never. Default: %2 with --feather, else "
-              "0."_s.arg(EdgeColours::mostRimPixels)
-                      .arg(rimOfSoftEdges),
-              u"pixels"_s},
-             {u"crop"_s, u"Crop output, mask, overlay and the outline of a cut to the object."_s}});
+    const QList<EdgeHelp> all = edgeHelp();
+    auto help = all.begin();
+    for (const EdgeChoices::Word &word : EdgeChoices::words()) {
+        m_parser.addOption({QString::fromLatin1(word.name), help->description, help->unit});
+        ++help;
+    }
+    m_parser.addOption(
+            {u"crop"_s, u"Crop output, mask, overlay and the outline of a cut to the object."_s});
 }
 
 void PictureOptionsParser::addOtherOptions()
@@ -146,28 +137,22 @@ void PictureOptionsParser::readPictureOptions(PictureOptions &options) const
 
 void PictureOptionsParser::readEdges(PictureOptions &options) const
 {
-    for (const EdgeOption &option : edgeOptions()) {
-        if (isSet(option.name))
-            options.edges.*option.number = number(option.name, option.least, option.most);
+    for (const EdgeChoices::Word &word : EdgeChoices::words()) {
+        const QString name = QString::fromLatin1(word.name);
+        if (isSet(name))
+            options.edges.*word.number = number(name, word.least, word.most);
     }
-    CutoutPicture::Options &cutout = options.cutout;
-    cutout.crop = isSet(u"crop"_s);
-    cutout.cleanPixels = options.edges.feather > 0 ? rimOfSoftEdges : 0;
-    if (isSet(u"clean"_s))
-        cutout.cleanPixels = number(u"clean"_s, 0, EdgeColours::mostRimPixels);
+    options.cutout.crop = isSet(u"crop"_s);
+    options.cutout.cleanPixels = options.edges.cleanPixels();
 }
 
 QString PictureOptionsParser::firstEdgeOption() const
 {
-    for (const EdgeOption &option : edgeOptions()) {
-        if (isSet(option.name))
-            return option.name;
-    }
-    for (const QString &name : {u"clean"_s, u"crop"_s}) {
-        if (isSet(name))
+    for (const EdgeChoices::Word &word : EdgeChoices::words()) {
+        if (const QString name = QString::fromLatin1(word.name); isSet(name))
             return name;
     }
-    return {};
+    return isSet(u"crop"_s) ? u"crop"_s : QString();
 }
 
 void PictureOptionsParser::checkArguments() const

@@ -11,7 +11,7 @@ class Parser : public CutOptionsParser
 public:
     Parser()
         : CutOptionsParser(u"replay"_s, u"Does to a picture what a session file tells."_s,
-                           {{u"SESSION"_s, u"Session file with lasso and gestures."_s},
+                           {{u"SESSION"_s, u"Session file with lasso, gestures and edge."_s},
                             {u"PICTURE"_s, u"The picture to cut from."_s}})
     {}
 

@@ -52,6 +52,7 @@ Autosave::Autosave(Document &document, QObject *parent)
     connect(&m_timer, &QTimer::timeout, this, &Autosave::write);
     connect(document.undoStack(), &QUndoStack::indexChanged, this, &Autosave::update);
     connect(&document, &Document::isModifiedChanged, this, &Autosave::update);
+    connect(&document, &Document::edgeSettingsChanged, this, &Autosave::update);
     connect(&document, &Document::pictureChanged, this, [this] { m_picture = {}; });
     connect(&m_saver, &SessionSaver::failed, this, &Autosave::complain);
     connect(&m_saver, &SessionSaver::saved, this, [this](const SessionFile::Saved &saved) {
@@ -105,7 +106,7 @@ void Autosave::write()
         picture.reference.sha256 = m_picture.pictureSha256;
     }
     m_isWanted = true;
-    m_saver.save(sessionOf(m_name), m_document.gestures(), picture);
+    m_saver.save(sessionOf(m_name), m_document.gestures(), m_document.edgeSettings(), picture);
 }
 
 /// Beside the event loop, for a lock is written through to the disk. What is to be kept follows.

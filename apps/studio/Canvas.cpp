@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -15,6 +16,11 @@ constexpr double largestScale = 32.0;
 constexpr double smallestPictureSide = 64.0; // pixels of the screen, when zoomed out
 constexpr double zoomStep = 1.25;
 constexpr int fitMargin = 12; // pixels of the canvas round a picture that fits
+
+bool showsBackground(ViewMode mode)
+{
+    return mode == ViewMode::Checkerboard || mode == ViewMode::Background;
+}
 
 } // namespace
 
@@ -34,8 +40,7 @@ Canvas::Canvas(Document &document, QWidget *parent)
     connect(&m_tiles, &TileCache::changed, this, &Canvas::updateTiles);
     connect(&m_mask, &MaskLayer::changed, this, &Canvas::takeMask);
     connect(&document, &Document::pictureChanged, this, &Canvas::showPicture);
-    connect(&m_edgePreview, &EdgePreview::maskChanged, this,
-            [this] { m_mask.setMask(m_edgePreview.mask()); });
+    connect(&m_edgePreview, &EdgePreview::changed, this, &Canvas::takeEdge);
     connect(&document, &Document::regionsChanged, this, [this] {
         changeScene([this](ViewScene &scene) { scene.labels = m_document.labels(); });
     });
@@ -66,7 +71,11 @@ void Canvas::setTool(Tool *tool)
 
 void Canvas::setViewMode(ViewMode mode)
 {
-    changeScene([mode](ViewScene &scene) { scene.mode = mode; });
+    m_edgePreview.setShowsColours(showsBackground(mode));
+    changeScene([this, mode](ViewScene &scene) {
+        scene.mode = mode;
+        scene.picture = pictureFor(scene);
+    });
 }
 
 void Canvas::setOverlayColor(const QColor &color)
@@ -86,7 +95,10 @@ void Canvas::setShowsContours(bool shows)
 
 void Canvas::setHidesMask(bool hides)
 {
-    changeScene([hides](ViewScene &scene) { scene.hidesMask = hides; });
+    changeScene([this, hides](ViewScene &scene) {
+        scene.hidesMask = hides;
+        scene.picture = pictureFor(scene);
+    });
 }
 
 void Canvas::changeScene(const std::function<void(ViewScene &)> &change)
@@ -94,6 +106,22 @@ void Canvas::changeScene(const std::function<void(ViewScene &)> &change)
     ViewScene scene = m_tiles.scene();
     change(scene);
     m_tiles.setScene(scene);
+}
+
+/// With a clean edge where one is to be seen: on a new background.
+ImagePyramid Canvas::pictureFor(const ViewScene &scene) const
+{
+    const ImagePyramid cleaned = m_edgePreview.colours();
+    const bool isCleaned = !cleaned.isNull() && showsBackground(scene.mode) && !scene.hidesMask;
+    return isCleaned ? cleaned : m_document.opened().levels;
+}
+
+void Canvas::takeEdge()
+{
+    const bool wasCleaned = std::exchange(m_isCleaned, !m_edgePreview.colours().isNull());
+    if (wasCleaned || m_isCleaned) // else what the mask changes is enough
+        changeScene([this](ViewScene &scene) { scene.picture = pictureFor(scene); });
+    m_mask.setMask(m_edgePreview.mask());
 }
 
 void Canvas::takeMask(const QRect &maskArea)
@@ -215,6 +243,11 @@ void Canvas::zoomOut()
 
 void Canvas::zoomTo(double scale, const QPointF &fixedPoint)
 {
+    moveView(scale, m_view.toPicture(fixedPoint), fixedPoint);
+}
+
+void Canvas::moveView(double scale, const QPointF &picturePoint, const QPointF &to)
+{
     if (!m_document.hasPicture())
         return;
     m_fits = false;
@@ -222,8 +255,7 @@ void Canvas::zoomTo(double scale, const QPointF &fixedPoint)
     const double least =
             std::min(1.0, smallestPictureSide / std::max(picture.width(), picture.height()));
     const double clamped = std::clamp(scale, least, largestScale);
-    const QPointF onPicture = m_view.toPicture(fixedPoint);
-    setView(clamped, fixedPoint * m_view.devicePixelRatio - onPicture * clamped);
+    setView(clamped, to * m_view.devicePixelRatio - picturePoint * clamped);
 }
 
 void Canvas::setView(double scale, const QPointF &origin)

@@ -85,6 +85,8 @@ protected:
 private:
     void showPicture();
     void changeScene(const std::function<void(ViewScene &)> &change);
+    ImagePyramid pictureFor(const ViewScene &scene) const;
+    void takeEdge();
     void takeMask(const QRect &maskArea);
     void updateTiles(const QRect &area);
     void updateOverlay(const QRectF &pictureArea);
@@ -92,6 +94,8 @@ private:
     double fittingScale() const;
     QSize screenSize() const; // of the canvas
     void setView(double scale, const QPointF &origin);
+    /// Brings a point of the picture to one of the canvas.
+    void moveView(double scale, const QPointF &picturePoint, const QPointF &to);
     QPoint insideBounds(const QPointF &origin) const;
 
     PointerEvent pointerEvent(const QSinglePointEvent &event) const;
@@ -113,10 +117,12 @@ private:
     TileCache m_tiles;
     ViewTransform m_view;
     bool m_fits = true;
+    bool m_isCleaned = false; // the edge that was heard of last
     Qt::Key m_hidingKey = Qt::Key_H;
     bool m_isSpaceHeld = false;
     bool m_isPanning = false;
     bool m_isPressed = false; // the tool has heard a press, and will hear its release
+    QPointF m_pinchedPoint;   // of the picture, between two fingers
     QPointF m_panFrom;
     QPointF m_panOrigin;
 };

@@ -12,6 +12,7 @@
 #include <QWheelEvent>
 
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -73,10 +74,10 @@ void Canvas::move(const QSinglePointEvent &event)
         m_fits = false;
         setView(m_view.scale,
                 m_panOrigin + (event.position() - m_panFrom) * m_view.devicePixelRatio);
-    } else if (m_tool && event.buttons() != Qt::NoButton && m_isPressed) {
-        m_tool->move(pointerEvent(event));
-    } else if (m_tool) {
+    } else if (m_tool && event.buttons() == Qt::NoButton) {
         m_tool->hover(pointerEvent(event));
+    } else if (m_tool && m_isPressed) {
+        m_tool->move(pointerEvent(event));
     }
 }
 
@@ -143,8 +144,13 @@ void Canvas::pinch(QGestureEvent &event)
     if (!gesture)
         return;
     event.accept();
-    if (gesture->changeFlags().testFlag(QPinchGesture::ScaleFactorChanged))
-        zoomTo(m_view.scale * gesture->scaleFactor(), mapFromGlobal(gesture->centerPoint()));
+    if (std::exchange(m_isPressed, false) && m_tool)
+        m_tool->abandonPress(); // the first finger was there before the second one
+    const QPointF centre = mapFromGlobal(gesture->centerPoint());
+    if (gesture->state() == Qt::GestureStarted)
+        m_pinchedPoint = m_view.toPicture(centre);
+    const bool hasZoomed = gesture->changeFlags().testFlag(QPinchGesture::ScaleFactorChanged);
+    moveView(m_view.scale * (hasZoomed ? gesture->scaleFactor() : 1.0), m_pinchedPoint, centre);
 }
 
 bool Canvas::nativeGesture(const QNativeGestureEvent &event)

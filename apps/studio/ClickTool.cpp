@@ -2,6 +2,8 @@
 
 #include "Document.h"
 
+#include <utility>
+
 namespace {
 
 constexpr QColor highlightColor{255, 212, 59, 120};
@@ -24,11 +26,17 @@ ToolDescription ClickTool::description() const
 
 void ClickTool::press(const PointerEvent &event)
 {
-    if (event.button != Qt::LeftButton)
-        return;
-    if (document().hasCut())
-        document().toggleRegion(event.position);
-    else
+    if (event.button == Qt::LeftButton)
+        m_pressed = event.position;
+}
+
+/// Where it was pressed: hands are not quiet.
+void ClickTool::release(const PointerEvent &)
+{
+    const auto point = std::exchange(m_pressed, std::nullopt);
+    if (point && document().hasCut())
+        document().toggleRegion(*point);
+    else if (point)
         Q_EMIT message(tr("Draw a lasso round the object first."));
 }
 

@@ -3,6 +3,8 @@
 #include "RegionHighlight.h"
 #include "Tool.h"
 
+#include <optional>
+
 /// Moves the region under the pointer to its other side.
 class ClickTool : public Tool
 {
@@ -15,6 +17,8 @@ public:
     QCursor cursor() const override { return Qt::PointingHandCursor; }
 
     void press(const PointerEvent &event) override;
+    void release(const PointerEvent &event) override;
+    void abandonPress() override { m_pressed.reset(); }
     void hover(const PointerEvent &event) override;
     void leave() override;
     void paint(QPainter &painter, const ViewTransform &view) const override;
@@ -23,4 +27,5 @@ private:
     void highlight(const QSet<int> &regions);
 
     RegionHighlight m_highlight;
+    std::optional<QPointF> m_pressed; // until the button is released
 };

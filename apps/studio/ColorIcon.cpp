@@ -1,5 +1,6 @@
 #include "ColorIcon.h"
 
+#include <QCoreApplication>
 #include <QPainter>
 #include <QPixmap>
 
@@ -12,4 +13,14 @@ QIcon ColorIcon::make(const QColor &color)
     painter.setPen(Qt::gray);
     painter.drawRect(pixmap.rect().adjusted(0, 0, -1, -1));
     return QIcon(pixmap);
+}
+
+QString ColorIcon::name(const QColor &color)
+{
+    constexpr double percent = 100.0;
+    const QString name = color.name().toUpper();
+    if (color.alpha() == 255)
+        return name;
+    const int opacity = qRound(color.alphaF() * percent);
+    return QCoreApplication::translate("ColorIcon", "%1, %2 %").arg(name).arg(opacity);
 }

@@ -7,5 +7,7 @@
 namespace ColorIcon {
 
 QIcon make(const QColor &color);
+/// As the icon's text; icons show opacity in many ways.
+QString name(const QColor &color);
 
 } // namespace ColorIcon

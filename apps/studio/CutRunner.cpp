@@ -74,9 +74,10 @@ void CutRunner::setPicture(const QImage &picture, const QTransform &toSession)
     advance();
 }
 
-void CutRunner::apply(const QString &name, const QList<Gesture> &gestures)
+void CutRunner::apply(const QString &name, const QList<Gesture> &gestures,
+                      const std::shared_ptr<const UsedWire> &wire)
 {
-    enqueue({.name = name, .gestures = gestures, .oneByOne = true});
+    enqueue({.name = name, .gestures = gestures, .oneByOne = true, .usedWire = wire});
 }
 
 void CutRunner::replay(const QString &name, const ReplayStep &step)
@@ -271,6 +272,7 @@ bool CutRunner::performFirst()
 void CutRunner::beginJob(Job &job)
 {
     job.before = state();
+    job.before.wire = job.usedWire;
     job.hasBegun = true;
     m_heardNullMask = false;
     // A lasso inside the last one would use its regions again, and its cut would depend on lassos

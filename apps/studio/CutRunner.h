@@ -48,8 +48,10 @@ public:
     /// takes there.
     void setPicture(const QImage &picture, const QTransform &toSession);
 
-    /// A step of gestures that are known already, each made when the one before it is answered.
-    void apply(const QString &name, const QList<Gesture> &gestures);
+    /// A step of gestures that are known already, each made when the one before it is answered; the
+    /// wire that they use, if any, is part of the state before them.
+    void apply(const QString &name, const QList<Gesture> &gestures,
+               const std::shared_ptr<const UsedWire> &wire = {});
     /// A step of a session file, on top of all that its earlier ones did.
     void replay(const QString &name, const ReplayStep &step);
     /// A step of several ones, shown as they come: begin(), add() any number of times, then end(), or
@@ -99,6 +101,7 @@ private:
         bool oneByOne = false;
         bool isReplayed = false;
         QPolygonF wire = {}; ///< what a gesture that closes one encloses; in pixels of the session
+        std::shared_ptr<const UsedWire> usedWire = {};
         CutState before = {};
 
         bool mayStart(bool isBusy) const;

@@ -7,9 +7,13 @@
 
 #include <memory>
 
+struct UsedWire;
+
 /// What is cut at one moment, and what was done to get there. Copies share everything.
 struct CutState
 {
     std::shared_ptr<const RyMementoSegmentation> memento; ///< null before the first cut
     QList<Gesture> gestures; ///< all that has any effect: mostly from the last lasso on
+    /// That lay on the picture and was about to be used; null for none.
+    std::shared_ptr<const UsedWire> wire = {};
 };

@@ -23,6 +23,7 @@ Document::Document(QObject *parent)
     connect(&m_runner, &CutRunner::progress, this, &Document::progress);
     connect(&m_runner, &CutRunner::isCuttingChanged, this, &Document::isCuttingChanged);
     connect(&m_runner, &CutRunner::failed, this, &Document::failed);
+    connect(undoStack(), &QUndoStack::indexChanged, this, &Document::returnWire);
     connect(undoStack(), &QUndoStack::cleanChanged, this,
             [this](bool isClean) { Q_EMIT isModifiedChanged(!isClean); });
 }
@@ -84,9 +85,9 @@ void Document::cutLasso(const QPolygonF &lasso)
     apply({methodGesture(), Gesture(Gesture::Lasso{lasso})});
 }
 
-void Document::apply(const QList<Gesture> &gestures)
+void Document::apply(const QList<Gesture> &gestures, const std::shared_ptr<const UsedWire> &wire)
 {
-    m_runner.apply(StepName::of(gestures.last()), gestures);
+    m_runner.apply(StepName::of(gestures.last()), gestures, wire);
 }
 
 void Document::recut()
@@ -100,23 +101,25 @@ Gesture Document::methodGesture() const
     return Gesture(Gesture::Method{m_cutMethod == RyImageSegmentation::CutMethod::GraphCut});
 }
 
-void Document::useWire(const QPolygonF &outline, WireUse use)
+void Document::useWire(const QPolygonF &outline, WireUse use,
+                       const std::shared_ptr<const UsedWire> &wire)
 {
     if (!hasPicture())
         return;
     if (isCutting())
         m_runner.cancel();
     if (use == WireUse::Cut)
-        m_runner.apply(tr("Cut by Scissors"), {methodGesture(), Gesture(Gesture::Lasso{outline})});
+        m_runner.apply(tr("Cut by Scissors"), {methodGesture(), Gesture(Gesture::Lasso{outline})},
+                       wire);
     else if (use == WireUse::Mask || (use == WireUse::Add && !hasCut()))
-        takeForMask(outline);
+        takeForMask(outline, wire);
     else if (hasCut())
-        apply({Gesture(Gesture::Area{use == WireUse::Add, outline})});
+        apply({Gesture(Gesture::Area{use == WireUse::Add, outline})}, wire);
 }
 
 /// A lasso round the wire comes first, so that brushes find regions on both sides of it. How it is
 /// cut does not matter.
-void Document::takeForMask(const QPolygonF &outline)
+void Document::takeForMask(const QPolygonF &outline, const std::shared_ptr<const UsedWire> &wire)
 {
     constexpr double margin = 0.25; // of the wire's own size, on each side
     const QRectF whole(QPointF(), QSizeF(picture().size()));
@@ -129,7 +132,8 @@ void Document::takeForMask(const QPolygonF &outline)
                    {Gesture(Gesture::Method{false}),
                     Gesture(Gesture::Lasso{corners(box.adjusted(-dx, -dy, dx, dy) & whole)}),
                     Gesture(Gesture::Area{false, corners(whole)}),
-                    Gesture(Gesture::Area{true, outline})});
+                    Gesture(Gesture::Area{true, outline})},
+                   wire);
 }
 
 void Document::toggleRegion(const QPointF &point)
@@ -198,6 +202,7 @@ void Document::setEdgeSettings(const EdgeSettings &settings, const QString &step
             if (!document)
                 return;
             document->m_edgeStep.reset();
+            document->m_wireBeforeNext = nullptr;
             document->showEdgeSettings(restored);
         };
         const auto step = std::make_shared<EdgeStep>(stepName, m_edges, settings, restore);
@@ -261,6 +266,13 @@ void Document::redo()
         m_runner.whenIdle([this] { m_undoController->redo(); });
 }
 
+/// Once, however many steps were gone through.
+void Document::returnWire()
+{
+    if (const auto wire = std::exchange(m_wireBeforeNext, std::nullopt))
+        Q_EMIT wireReturned(*wire);
+}
+
 void Document::record(const CutRunner::Step &step)
 {
     const bool cutsAnew =
@@ -269,8 +281,10 @@ void Document::record(const CutRunner::Step &step)
     if (cutsAnew && step.after.memento->foregroundClusters().isEmpty())
         Q_EMIT remarked(tr("Nothing was found inside the lasso. A line a little wider may help."));
     const auto restore = [document = QPointer(this)](const CutState &state) {
-        if (document)
-            document->m_runner.restore(state);
+        if (!document)
+            return;
+        document->m_runner.restore(state);
+        document->m_wireBeforeNext = state.wire;
     };
     const auto command = std::make_shared<CutStep>(step.name, step.before, step.after, restore);
     m_undoController->accept(command);

@@ -13,6 +13,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 class EdgeStep;
 class QUndoStack;
@@ -74,8 +75,10 @@ public:
     bool isReplaying() const { return m_replaySteps > 0; }
 
     void cutLasso(const QPolygonF &lasso);
-    /// The outline closes itself. Without a cut, nothing can be taken away.
-    void useWire(const QPolygonF &outline, WireUse use);
+    /// The outline closes itself. Without a cut, nothing can be taken away. The wire comes back when
+    /// this is undone.
+    void useWire(const QPolygonF &outline, WireUse use,
+                 const std::shared_ptr<const UsedWire> &wire = {});
     void toggleRegion(const QPointF &point);
     void invert();
     /// How lassos are cut from now on; what is cut already stays until it is cut anew.
@@ -116,18 +119,22 @@ Q_SIGNALS:
     void isModifiedChanged(bool isModified);
     void failed(const QString &sentence);
     void replayProgress(int currentStep, int totalSteps);
-    void replayEnded(bool isComplete);      ///< false when it was cancelled
+    void replayEnded(bool isComplete); ///< false when it was cancelled
+    /// After steps were undone or done again: the wire that lies on the picture now, or null.
+    void wireReturned(const std::shared_ptr<const UsedWire> &wire);
     void remarked(const QString &sentence); ///< nothing has failed, but people may wonder
 
 private:
     Gesture methodGesture() const;
     void record(const CutRunner::Step &step);
-    void apply(const QList<Gesture> &gestures); ///< a step of the last one's name
+    /// A step of the last one's name.
+    void apply(const QList<Gesture> &gestures, const std::shared_ptr<const UsedWire> &wire = {});
+    void returnWire();
     Gesture strokeGesture(const QPolygonF &points) const;
     void addToStroke(const QPolygonF &points);
     bool continuesEdgeStep(const QString &stepName) const;
     void showEdgeSettings(const EdgeSettings &settings);
-    void takeForMask(const QPolygonF &outline);
+    void takeForMask(const QPolygonF &outline, const std::shared_ptr<const UsedWire> &wire);
     void endReplay(bool isComplete);
 
     RyUndoController *const m_undoController; // the library's own, which outlives us
@@ -138,7 +145,9 @@ private:
     EdgeSettings m_edges;
     std::weak_ptr<EdgeStep> m_edgeStep; // the undo stack's; null when nothing can go on with it
     int m_edgeStepIndex = 0;            // of the stack, right after that step
-    int m_replaySteps = 0;              // while a session file is played
+    /// Of the step that was undone or done again last, null for none, until the stack tells of it.
+    std::optional<std::shared_ptr<const UsedWire>> m_wireBeforeNext;
+    int m_replaySteps = 0; // while a session file is played
     int m_replayedSteps = 0;
     CutRunner m_runner;
 };

@@ -55,8 +55,8 @@ QList<EdgePanel::Description> EdgePanel::descriptions()
              tr("Holes in the object with fewer pixels are closed"), tr(" px²"),
              &EdgeSettings::fill, 0, EdgeOptions::mostArea, 0},
             {"edgeClean", tr("C&lean colours"), tr("Clean Edge Colours"),
-             tr("How wide a rim of the object gets its colours from further inside when it is "
-                "exported or copied, so that nothing of the old background shows"),
+             tr("How wide a rim of the object gets its colours from further inside on a new "
+                "background, when it is exported or copied, so that nothing of the old one shows"),
              pixels, &EdgeSettings::clean, 0, EdgeColours::mostRimPixels, 0}};
 }
 

@@ -2,6 +2,7 @@
 
 #include "Document.h"
 #include "EditedMask.h"
+#include "cutout/EdgeColours.h"
 
 #include <algorithm>
 
@@ -41,16 +42,36 @@ EdgePreview::~EdgePreview()
     m_stop.request_stop();
 }
 
+/// Whose colours are to be seen.
+int EdgePreview::rimPixels() const
+{
+    return m_showsColours ? m_document.edgeSettings().cleanPixels() : 0;
+}
+
 bool EdgePreview::isNeeded() const
 {
-    return m_document.hasCut() && m_edges != EdgeOptions();
+    return m_document.hasCut() && (m_edges != EdgeOptions() || m_rim > 0);
+}
+
+void EdgePreview::setShowsColours(bool shows)
+{
+    m_showsColours = shows;
+    if (shows || m_rim == 0) {
+        takeSettings();
+        return;
+    }
+    m_rim = 0; // the mask is the same
+    if (isNeeded())
+        show(m_mask, {});
+    else
+        takeMask();
 }
 
 void EdgePreview::takeMask()
 {
     if (!isNeeded()) {
         giveUp();
-        show(m_document.mask());
+        show(m_document.mask(), {});
     } else if (!m_delay.isActive()) {
         m_delay.start();
     }
@@ -58,9 +79,11 @@ void EdgePreview::takeMask()
 
 void EdgePreview::takeSettings()
 {
-    if (m_edges == m_document.edgeSettings().edges())
+    const EdgeOptions &edges = m_document.edgeSettings().edges();
+    if (m_edges == edges && m_rim == rimPixels())
         return;
-    m_edges = m_document.edgeSettings().edges();
+    m_edges = edges;
+    m_rim = rimPixels();
     giveUp();
     takeMask();
 }
@@ -82,26 +105,34 @@ void EdgePreview::start()
     if (m_isWorking)
         return;
     m_isWorking = true;
-    m_pool.start([this, request = m_request, source = m_document.cutoutSource(),
+    m_pool.start([this, request = m_request, source = m_document.cutoutSource(), rim = m_rim,
                   stop = m_stop.get_token()] {
-        const QImage mask = asBackground(EditedMask::make(source, stop).alpha);
+        const CutoutMask cutout = EditedMask::make(source, stop);
+        const QImage mask = asBackground(cutout.alpha);
+        ImagePyramid colours;
+        if (rim > 0 && !mask.isNull() && !stop.stop_requested())
+            colours = ImagePyramid::ofPhotograph(
+                    EdgeColours::cleaned(source.opened.picture, cutout, rim));
         QMetaObject::invokeMethod(
-                this, [this, request, mask] { finish(request, mask); }, Qt::QueuedConnection);
+                this, [this, request, mask, colours] { finish(request, mask, colours); },
+                Qt::QueuedConnection);
     });
 }
 
-void EdgePreview::finish(quint64 request, const QImage &mask)
+void EdgePreview::finish(quint64 request, const QImage &mask, const ImagePyramid &colours)
 {
     if (request != m_request)
         return;
     m_isWorking = false;
     if (m_isOutdated)
         start();
-    show(mask.isNull() ? m_document.mask() : mask); // without memory, better this than none
+    show(mask.isNull() ? m_document.mask() : mask, // without memory, better this than none
+         m_rim > 0 ? colours : ImagePyramid());
 }
 
-void EdgePreview::show(const QImage &mask)
+void EdgePreview::show(const QImage &mask, const ImagePyramid &colours)
 {
     m_mask = mask;
-    Q_EMIT maskChanged();
+    m_colours = colours;
+    Q_EMIT changed();
 }

@@ -2,6 +2,7 @@
 
 #include "Document.h"
 #include "ExportDialog.h"
+#include "PicturesFolder.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -10,7 +11,6 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QMimeData>
-#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
@@ -75,12 +75,9 @@ QAction *ExportController::createAction(const QString &id, const QString &text,
     return action;
 }
 
-/// Soft edges mix with what was behind them, so their colours are cleaned unless somebody objects.
 CutoutPicture::Options ExportController::suggestedOptions() const
 {
-    const EdgeSettings &edges = m_document.edgeSettings();
-    const int softRim = edges.feather > 0 ? EdgeSettings::usualRim : 0;
-    return {.cleanPixels = edges.clean > 0 ? edges.clean : softRim,
+    return {.cleanPixels = m_document.edgeSettings().cleanPixels(),
             .crop = m_crops,
             .background = m_background};
 }
@@ -125,8 +122,7 @@ QString ExportController::suggestedFile(ExportKind kind) const
     const bool isOnDisk = !opened.fileName.isEmpty() && !opened.fileName.startsWith(u':');
     QString folder = m_folder;
     if (folder.isEmpty())
-        folder = isOnDisk ? QFileInfo(opened.fileName).absolutePath()
-                          : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+        folder = isOnDisk ? QFileInfo(opened.fileName).absolutePath() : PicturesFolder::path();
     return folder + u'/' + QFileInfo(opened.title).completeBaseName() + file.ending + u'.' +
            file.suffix;
 }

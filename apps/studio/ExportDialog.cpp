@@ -1,7 +1,7 @@
 #include "ExportDialog.h"
 
 #include "ColorIcon.h"
-#include "EdgeSettings.h"
+#include "cutout/EdgeColours.h"
 #include "settings/RyImageCutterSettings.h"
 
 #include <QCheckBox>
@@ -45,7 +45,7 @@ QString explanation(ExportKind kind)
 ExportDialog::ExportDialog(ExportKind kind, const CutoutPicture::Options &options, QWidget *parent)
     : QDialog(parent)
     , m_kind(kind)
-    , m_rimPixels(options.cleanPixels > 0 ? options.cleanPixels : EdgeSettings::usualRim)
+    , m_rimPixels(options.cleanPixels > 0 ? options.cleanPixels : EdgeColours::usualRimPixels)
     , m_crop(new QCheckBox(tr("C&rop to the object")))
 {
     setWindowTitle(title(kind));
@@ -64,11 +64,12 @@ ExportDialog::ExportDialog(ExportKind kind, const CutoutPicture::Options &option
             buttons->addButton(tr("Choose &File…"), QDialogButtonBox::AcceptRole);
     choose->setObjectName(QStringLiteral("exportChooseFile"));
     choose->setToolTip(tr("Asks for the file's name, and exports"));
-    choose->setDefault(true);
-    choose->setFocus(); // or the key that accepts would press Cancel
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     layout->addRow(buttons);
+    choose->setDefault(
+            true); // once it is in the dialog, or the key that accepts would press Cancel
+    choose->setFocus();
 }
 
 void ExportDialog::addCutoutOptions(QFormLayout &layout, const CutoutPicture::Options &options)
@@ -103,7 +104,7 @@ void ExportDialog::addCutoutOptions(QFormLayout &layout, const CutoutPicture::Op
 
 void ExportDialog::addBackground(int index, const QColor &color)
 {
-    m_background->insertItem(index, ColorIcon::make(color), color.name().toUpper(), color);
+    m_background->insertItem(index, ColorIcon::make(color), ColorIcon::name(color), color);
 }
 
 void ExportDialog::selectBackground(const QColor &color)

@@ -1,9 +1,11 @@
 #include "MainWindow.h"
 
 #include "Canvas.h"
+#include "PicturesFolder.h"
 #include "StartPage.h"
 #include "StatusBar.h"
 #include "StudioSettings.h"
+#include "WindowSettings.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -11,12 +13,12 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QImageReader>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QStackedWidget>
-#include <QStandardPaths>
 #include <QToolBar>
 
 namespace {
@@ -81,6 +83,8 @@ MainWindow::MainWindow(QWidget *parent)
     for (QWidget *const widget : std::as_const(m_workWidgets))
         widget->hide();
     resize(1180, 780);
+    if (restoreGeometry(WindowSettings::instance().geometry()))
+        moveOntoAScreen();
 }
 
 MainWindow::~MainWindow()
@@ -149,6 +153,16 @@ void MainWindow::connectSessions()
     });
 }
 
+void MainWindow::begin(const QString &fileName)
+{
+    const QFileInfo file(fileName);
+    const bool isRestoring = m_sessions.offerToRestore(file.fileName());
+    if (isRestoring && file.isFile())
+        StudioSettings::instance().addRecentFile(file.absoluteFilePath());
+    else if (!isRestoring && !fileName.isEmpty())
+        openFile(fileName);
+}
+
 void MainWindow::openFile(const QString &fileName)
 {
     if (!mayDiscardChanges())
@@ -166,10 +180,7 @@ void MainWindow::openFile(const QString &fileName)
 void MainWindow::chooseFile()
 {
     const QString last = m_document.opened().fileName;
-    const QString folder =
-            last.isEmpty() || last.startsWith(u':')
-                    ? QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)
-                    : last;
+    const QString folder = last.isEmpty() || last.startsWith(u':') ? PicturesFolder::path() : last;
     const QString fileName =
             QFileDialog::getOpenFileName(this, tr("Open a Picture"), folder, pictureFilter());
     if (!fileName.isEmpty())
@@ -210,9 +221,10 @@ bool MainWindow::mayDiscardChanges()
 void MainWindow::showPicture(const OpenedPicture &picture)
 {
     m_tools.current()->cancel();
-    if (!m_document.hasPicture())
-        for (QWidget *const widget : std::as_const(m_workWidgets))
-            widget->show();
+    if (!m_document.hasPicture()) {
+        m_pages->removeWidget(m_startPage); // the window could not be any narrower than that
+        showWorkWidgets();
+    }
     m_document.setPicture(picture);
     m_pages->setCurrentWidget(m_canvas);
     m_canvas->setFocus();
@@ -279,6 +291,8 @@ void MainWindow::updateTitle()
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     event->setAccepted(mayDiscardChanges());
+    if (event->isAccepted())
+        rememberWindow();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)

@@ -37,6 +37,9 @@ public:
     Document &document() { return m_document; }
     ToolSet &tools() { return m_tools; }
     Canvas &canvas() { return *m_canvas; }
+    /// What a crash has left is offered first; then opens the file, unless there is none or it gave
+    /// way to that.
+    void begin(const QString &fileName);
     /// Loading answers with a picture or a sentence, later.
     void openFile(const QString &fileName);
     SessionController &sessions() { return m_sessions; }
@@ -69,6 +72,9 @@ private:
     void connectExports();
     void connectSessions();
     void connectPreferences();
+    void showWorkWidgets();
+    void rememberWindow() const;
+    void moveOntoAScreen();
 
     void chooseFile();
     void paste();

@@ -91,6 +91,10 @@ void MainWindow::createEditMenu()
             addTo(menu, QStringLiteral("paste"), tr("&Paste Picture"), QKeySequence::Paste);
     setIcon(pasting, VectorIcon::Shape::Paste);
     connect(pasting, &QAction::triggered, this, &MainWindow::paste);
+    menu->addSeparator();
+    QAction *const preferences = addTo(menu, QStringLiteral("preferences"), tr("P&references…"),
+                                       QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    connect(preferences, &QAction::triggered, this, &MainWindow::showPreferences);
 }
 
 /// How lassos are cut, and what happens to a whole cut.
@@ -123,10 +127,6 @@ void MainWindow::createCutMenu()
     setIcon(invert, VectorIcon::Shape::Invert);
     connect(invert, &QAction::triggered, &m_document, &Document::invert);
     m_cutActions.append(invert);
-    menu->addSeparator();
-    QAction *const preferences = addTo(menu, QStringLiteral("preferences"), tr("P&references…"),
-                                       QKeySequence(Qt::CTRL | Qt::Key_Comma));
-    connect(preferences, &QAction::triggered, this, &MainWindow::showPreferences);
 }
 
 void MainWindow::createToolMenu()
@@ -225,7 +225,7 @@ void MainWindow::fillBackgroundColors(QMenu *colors)
     for (const QColor &color : settings) {
         if (!color.isValid())
             continue;
-        QAction *const action = colors->addAction(ColorIcon::make(color), color.name().toUpper());
+        QAction *const action = colors->addAction(ColorIcon::make(color), ColorIcon::name(color));
         connect(action, &QAction::triggered, m_canvas, [this, color] {
             m_canvas->setBackgroundColor(color);
             m_canvas->setViewMode(ViewMode::Background);

@@ -5,9 +5,21 @@
 #include "PreferencesDialog.h"
 #include "ShortcutMap.h"
 #include "StudioSettings.h"
+#include "WindowSettings.h"
 
 #include <QAction>
+#include <QGuiApplication>
 #include <QMenuBar>
+#include <QScreen>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr int layoutVersion = 1; // of bars and docks; what another one remembers does not fit
+
+} // namespace
 
 void MainWindow::createHelpMenu()
 {
@@ -31,6 +43,43 @@ void MainWindow::connectPreferences()
     };
     followHidingKey();
     connect(hide, &QAction::changed, this, followHidingKey);
+}
+
+/// As they lay last time, without those that were closed.
+void MainWindow::showWorkWidgets()
+{
+    for (QWidget *const widget : std::as_const(m_workWidgets))
+        widget->show();
+    restoreState(WindowSettings::instance().layout(), layoutVersion);
+}
+
+/// Screens go, or become smaller. Qt brings windows back that are out of sight, and no others.
+void MainWindow::moveOntoAScreen()
+{
+    QRegion screens;
+    for (const QScreen *const screen : QGuiApplication::screens())
+        screens += screen->availableGeometry();
+    const bool isInSight = QRegion(geometry()).subtracted(screens).isEmpty();
+    if (isInSight || isMaximized() || isFullScreen())
+        return;
+    const QScreen *const nearest = QGuiApplication::screenAt(geometry().center());
+    const QRect available =
+            (nearest ? nearest : QGuiApplication::primaryScreen())->availableGeometry();
+    QRect frame(pos(), size().boundedTo(available.size()));
+    frame.moveRight(std::min(frame.right(), available.right()));
+    frame.moveBottom(std::min(frame.bottom(), available.bottom()));
+    frame.moveLeft(std::max(frame.left(), available.left()));
+    frame.moveTop(std::max(frame.top(), available.top()));
+    move(frame.topLeft());
+    resize(frame.size());
+}
+
+/// The start page has no bars and docks; what they were like before stays.
+void MainWindow::rememberWindow() const
+{
+    WindowSettings &settings = WindowSettings::instance();
+    settings.setWindow(saveGeometry(),
+                       m_document.hasPicture() ? saveState(layoutVersion) : settings.layout());
 }
 
 void MainWindow::showPreferences()

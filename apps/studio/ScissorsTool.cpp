@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineF>
 #include <QPushButton>
+#include <QUndoStack>
 
 #include <cmath>
 #include <utility>
@@ -38,10 +39,19 @@ ScissorsTool::ScissorsTool(Document &document, QObject *parent)
     });
     connect(&document, &Document::isCuttingChanged, this, [this](bool isCutting) {
         if (!isCutting)
-            m_beingUsed.clear();
+            endUse();
         Q_EMIT overlayChanged({});
     });
+    connect(&document, &Document::wireReturned, this, &ScissorsTool::takeBack);
+    // After the document's own: by then it has told of wires that come or go by undo and redo.
+    connect(document.undoStack(), &QUndoStack::indexChanged, this, [this] {
+        m_inUse.reset();
+        if (!this->document().undoStack()->canRedo())
+            m_returned.reset(); // nothing is left that would use it again
+    });
+    connect(&m_editor, &WireEditor::edited, this, [this] { m_returned.reset(); });
     connect(&m_editor, &WireEditor::changed, this, [this] {
+        mark(nodeUnderPointer(), std::nullopt); // until the pointer moves
         Q_EMIT unfinishedGestureChanged();
         Q_EMIT canApplyChanged(canApply());
     });
@@ -61,16 +71,15 @@ ToolDescription ScissorsTool::description() const
 {
     return {QStringLiteral("scissors"),
             tr("Scissors"),
-            tr("Click along an edge; the first point or Enter closes, Ctrl goes straight. Then "
-               "drag "
+            tr("Click along an edge; the first point or Enter closes, Ctrl goes straight. Drag "
                "points, click the wire for more; Enter again applies."),
             VectorIcon::Shape::Scissors,
             Qt::Key_W,
             {{tr("Click"), tr("sets a point; on the first one, closes the wire")},
-             {tr("Ctrl"), tr("leads straight to the next point")},
+             {tr("Ctrl"), tr("leads straight to the next point, across the wire too")},
              {tr("Backspace, Esc"), tr("take the last point back")},
              {tr("Drag"), tr("moves a point")},
-             {tr("Click on a closed wire"), tr("adds a point there")},
+             {tr("Click on the wire"), tr("adds a point there")},
              {tr("Right click, Del"), tr("remove the point under the pointer")},
              {tr("Enter"), tr("closes the wire; then uses what it encloses")},
              {tr("Double click inside"), tr("uses what the wire encloses")}}};
@@ -132,6 +141,7 @@ void ScissorsTool::press(const PointerEvent &event)
     if (event.button == Qt::LeftButton) {
         m_isPressed = true;
         m_pressedOnWidget = event.widgetPosition;
+        m_changesAtPress = m_editor.changes().size();
         pressLeft(event);
     } else if (event.button == Qt::RightButton) {
         const qsizetype node =
@@ -149,13 +159,24 @@ void ScissorsTool::pressLeft(const PointerEvent &event)
     m_pressedNode = path.nodeNear(point, radius(nodeRadius, event));
     if (m_pressedNode >= 0)
         return;
-    if (!path.isClosed()) {
-        m_editor.addNode(point, event.modifiers.testFlag(Qt::ControlModifier));
-        m_pressedNode = path.nodes().size() - 1;
-    } else if (const auto place = path.placeNear(point, radius(stretchRadius, event))) {
+    const bool isStraight = event.modifiers.testFlag(Qt::ControlModifier);
+    if (const auto place = placeToInsert(point, radius(stretchRadius, event), isStraight)) {
         m_editor.insertNode(*place);
         m_pressedNode = place->stretch + 1;
+    } else if (!path.isClosed()) {
+        m_editor.addNode(point, isStraight);
+        m_pressedNode = path.nodes().size() - 1;
     }
+}
+
+/// Where a click adds a node to the wire that is there. Ctrl leads an open one across itself.
+std::optional<WirePath::Place> ScissorsTool::placeToInsert(const QPointF &point, double radius,
+                                                           bool leadsOn) const
+{
+    const WirePath &path = m_editor.path();
+    if (leadsOn && !path.isClosed())
+        return std::nullopt;
+    return path.placeNear(point, radius);
 }
 
 void ScissorsTool::move(const PointerEvent &event)
@@ -168,6 +189,7 @@ void ScissorsTool::move(const PointerEvent &event)
     if (m_editor.isMoving())
         m_editor.moveTo(toCut(event.position));
     m_pointer = toCut(event.position);
+    m_markedNode = m_pressedNode;
 }
 
 void ScissorsTool::release(const PointerEvent &event)
@@ -181,16 +203,24 @@ void ScissorsTool::release(const PointerEvent &event)
     m_pressedNode = -1;
 }
 
+void ScissorsTool::abandonPress()
+{
+    m_isPressed = false;
+    m_pressedNode = -1;
+    while (m_editor.changes().size() > m_changesAtPress)
+        m_editor.undo();
+}
+
 /// Its first press and release have had their effect.
 void ScissorsTool::doubleClick(const PointerEvent &event)
 {
     const WirePath &path = m_editor.path();
     const QPointF point = toCut(event.position);
-    const bool isOnWire = path.nodeNear(point, radius(nodeRadius, event)) >= 0 ||
-                          path.placeNear(point, radius(stretchRadius, event));
+    const qsizetype node = path.nodeNear(point, radius(nodeRadius, event));
+    const bool isOnWire = node >= 0 || path.placeNear(point, radius(stretchRadius, event));
     if (path.isClosed() && !isOnWire && path.outline().containsPoint(point, Qt::WindingFill))
         apply();
-    else if (!path.isClosed() && path.canClose())
+    else if (path.canClose() && node == path.nodes().size() - 1)
         m_editor.close(event.modifiers.testFlag(Qt::ControlModifier));
     else
         press(event);
@@ -202,28 +232,50 @@ void ScissorsTool::hover(const PointerEvent &event)
         return;
     m_editor.prepare();
     m_nodeRadius = radius(nodeRadius, event);
-    follow(event.position, event.modifiers.testFlag(Qt::ControlModifier));
+    m_stretchRadius = radius(stretchRadius, event);
+    follow(toCut(event.position), event.modifiers.testFlag(Qt::ControlModifier));
 }
 
-void ScissorsTool::follow(const QPointF &position, bool isStraight)
+void ScissorsTool::follow(const QPointF &point, bool isStraight)
 {
-    const WirePath &path = m_editor.path();
-    const qsizetype before = path.nodeNear(m_pointer, m_nodeRadius);
-    m_pointer = toCut(position);
-    m_editor.leadTo(m_pointer, isStraight);
-    const qsizetype after = path.nodeNear(m_pointer, m_nodeRadius);
-    if (before == after)
-        return;
-    for (const qsizetype node : {before, after}) { // one is no longer marked, another one is
-        if (node >= 0)
-            Q_EMIT overlayChanged(toPicture(QRectF(path.nodes().at(node), QSizeF())));
+    m_pointer = point;
+    const qsizetype node = nodeUnderPointer();
+    const auto place = node < 0 ? placeToInsert(point, m_stretchRadius, isStraight) : std::nullopt;
+    if (place)
+        m_editor.leadNowhere();
+    else
+        m_editor.leadTo(point, isStraight);
+    mark(node, place ? std::optional(place->point) : std::nullopt);
+}
+
+qsizetype ScissorsTool::nodeUnderPointer() const
+{
+    return m_pointer ? m_editor.path().nodeNear(*m_pointer, m_nodeRadius) : -1;
+}
+
+/// What was marked is no longer, unless it is the same.
+void ScissorsTool::mark(qsizetype node, const std::optional<QPointF> &insertion)
+{
+    const auto renew = [this](const QPointF &point) {
+        Q_EMIT overlayChanged(toPicture(QRectF(point, QSizeF())));
+    };
+    const QList<QPointF> &nodes = m_editor.path().nodes();
+    const qsizetype nodeBefore = std::exchange(m_markedNode, node);
+    const auto insertionBefore = std::exchange(m_insertion, insertion);
+    for (const qsizetype index : {nodeBefore, node}) {
+        if (nodeBefore != node && index >= 0 && index < nodes.size())
+            renew(nodes.at(index));
+    }
+    for (const auto &point : {insertionBefore, insertion}) {
+        if (insertionBefore != insertion && point)
+            renew(*point);
     }
 }
 
 void ScissorsTool::leave()
 {
-    m_pointer = QPointF(-1e6, -1e6); // near no node
-    Q_EMIT overlayChanged({});
+    m_pointer.reset();
+    mark(-1, std::nullopt);
 }
 
 bool ScissorsTool::keyPress(const QKeyEvent &event)
@@ -237,11 +289,12 @@ bool ScissorsTool::keyPress(const QKeyEvent &event)
         m_editor.removeLast();
         return true;
     case Qt::Key_Delete:
-        if (const qsizetype node = m_editor.path().nodeNear(m_pointer, m_nodeRadius); node >= 0)
+        if (const qsizetype node = nodeUnderPointer(); node >= 0)
             m_editor.removeNode(node);
         return true;
     case Qt::Key_Control:
-        m_editor.leadTo(m_pointer, true);
+        if (m_pointer)
+            follow(*m_pointer, true);
         return false;
     default:
         return false;
@@ -250,8 +303,8 @@ bool ScissorsTool::keyPress(const QKeyEvent &event)
 
 bool ScissorsTool::keyRelease(const QKeyEvent &event)
 {
-    if (event.key() == Qt::Key_Control)
-        m_editor.leadTo(m_pointer, false);
+    if (event.key() == Qt::Key_Control && m_pointer)
+        follow(*m_pointer, false);
     return false;
 }
 
@@ -279,15 +332,42 @@ void ScissorsTool::apply()
 void ScissorsTool::applyNow()
 {
     const QPolygonF outline = rounded(m_toCut.inverted().map(m_editor.path().outline()));
-    cancel();
     const QRectF box = outline.boundingRect();
     if (box.width() < 1.0 || box.height() < 1.0) {
         Q_EMIT message(tr("The wire encloses nothing."));
         return;
     }
-    document().useWire(outline, m_use);
-    m_beingUsed = document().isCutting() ? outline : QPolygonF();
+    const auto wire = std::make_shared<const UsedWire>(m_editor.path(), m_editor.changes(), m_use);
+    cancel();
+    document().useWire(outline, m_use, wire);
+    if (document().isCutting()) {
+        m_beingUsed = outline;
+        m_inUse = wire;
+    }
     Q_EMIT overlayChanged({});
+}
+
+/// What was not cut in the end can be worked on, unless there is another wire by now.
+void ScissorsTool::endUse()
+{
+    m_beingUsed.clear();
+    const auto wire = std::exchange(m_inUse, nullptr);
+    if (wire && !hasUnfinishedGesture())
+        m_editor.setPath(wire->path, wire->changes);
+}
+
+/// Undoing goes on within it, and redoing uses it again, as long as it is not changed.
+void ScissorsTool::takeBack(const std::shared_ptr<const UsedWire> &wire)
+{
+    if (m_returned)
+        cancel();
+    if (!wire || hasUnfinishedGesture())
+        return;
+    Q_EMIT wanted();
+    setUse(wire->use);
+    m_returned = wire;
+    m_editor.prepare();
+    m_editor.setPath(wire->path, wire->changes);
 }
 
 bool ScissorsTool::hasUnfinishedGesture() const
@@ -316,6 +396,11 @@ void ScissorsTool::redo()
     m_editor.redo();
 }
 
+bool ScissorsTool::letsDocumentRedo() const
+{
+    return !hasUnfinishedGesture() || (m_returned && !m_editor.canRedo());
+}
+
 bool ScissorsTool::escape()
 {
     if (m_editor.path().isEmpty())
@@ -335,5 +420,7 @@ void ScissorsTool::cancel()
     m_isPressed = false;
     m_pressedNode = -1;
     m_appliesWhenComplete = false;
+    m_inUse.reset();
+    m_returned.reset();
     m_editor.clear();
 }

@@ -1,10 +1,14 @@
 #pragma once
 
 #include "Tool.h"
+#include "UsedWire.h"
 #include "WireEditor.h"
 #include "WireUse.h"
 
 #include <QTransform>
+
+#include <memory>
+#include <optional>
 
 /// Lays a wire along edges from click to click; what it encloses is cut out, or is the mask.
 class ScissorsTool : public Tool
@@ -21,6 +25,7 @@ public:
     void press(const PointerEvent &event) override;
     void move(const PointerEvent &event) override;
     void release(const PointerEvent &event) override;
+    void abandonPress() override;
     void doubleClick(const PointerEvent &event) override;
     void hover(const PointerEvent &event) override;
     void leave() override;
@@ -33,6 +38,7 @@ public:
     QString redoText() const override;
     void undo() override;
     void redo() override;
+    bool letsDocumentRedo() const override;
     bool escape() override;
     void cancel() override;
 
@@ -49,8 +55,14 @@ private:
     bool canApply() const { return m_editor.path().isClosed(); }
     void pressLeft(const PointerEvent &event);
     void closeOrApply();
-    void follow(const QPointF &position, bool isStraight);
+    void follow(const QPointF &point, bool isStraight);
+    void mark(qsizetype node, const std::optional<QPointF> &insertion);
+    std::optional<WirePath::Place> placeToInsert(const QPointF &point, double radius,
+                                                 bool leadsOn) const;
+    qsizetype nodeUnderPointer() const;
     void applyNow();
+    void endUse();
+    void takeBack(const std::shared_ptr<const UsedWire> &wire);
     QPointF toCut(const QPointF &picturePoint) const { return m_toCut.map(picturePoint); }
     QRectF toPicture(const QRectF &area) const;
     /// Of pixels of the widget, in those of the wire.
@@ -62,10 +74,16 @@ private:
     WireUse m_use = WireUse::Mask; // wires lie on edges, where lassos had better not
     QTransform m_toCut;    // from the picture to the size it is cut at, where wires are laid
     QPolygonF m_beingUsed; // shown until the cut is there; in pixels of the picture
-    QPointF m_pointer;     // in pixels of the wire
-    double m_nodeRadius = 0.0;
+    std::shared_ptr<const UsedWire> m_inUse;    // meanwhile, until that is a step
+    std::shared_ptr<const UsedWire> m_returned; // lies there unchanged, to be used again by redo
+    std::optional<QPointF> m_pointer;           // in pixels of the wire; null when it is elsewhere
+    double m_nodeRadius = 0.0;                  // about the pointer
+    double m_stretchRadius = 0.0;
+    qsizetype m_markedNode = -1;        // under the pointer
+    std::optional<QPointF> m_insertion; // the node that a click would add to the wire that is there
     QPointF m_pressedOnWidget;
     qsizetype m_pressedNode = -1;
+    qsizetype m_changesAtPress = 0;
     bool m_isPressed = false;
     bool m_appliesWhenComplete = false;
 };

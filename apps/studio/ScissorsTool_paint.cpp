@@ -52,10 +52,13 @@ void ScissorsTool::paintStretches(QPainter &painter, const QTransform &toWidget)
 void ScissorsTool::paintNodes(QPainter &painter, const QTransform &toWidget) const
 {
     const WirePath &path = m_editor.path();
-    const qsizetype marked = path.nodeNear(m_pointer, m_nodeRadius);
     painter.setPen(QPen(OverlayLine::rimColor, 1.0));
+    if (m_insertion) {
+        painter.setBrush(nearColor);
+        painter.drawEllipse(toWidget.map(*m_insertion), nodeSize, nodeSize);
+    }
     for (qsizetype i = 0; i < path.nodes().size(); ++i) {
-        const bool isMarked = i == marked;
+        const bool isMarked = i == m_markedNode;
         const bool closes = i == 0 && path.canClose();
         painter.setBrush(isMarked ? (closes ? closingColor : nearColor) : QColor(Qt::white));
         const double size = isMarked ? markedSize : nodeSize;

@@ -1,8 +1,10 @@
 #include "SessionController.h"
 
 #include "Document.h"
+#include "PicturesFolder.h"
 #include "StudioSettings.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QDir>
 #include <QEventLoop>
@@ -55,16 +57,20 @@ void SessionController::open(const QString &fileName)
     m_opener.open(QFileInfo(fileName).absoluteFilePath(), StudioSettings::longestSideForCutting());
 }
 
-void SessionController::play(const OpenedPicture &picture, const QList<ReplayStep> &steps)
+void SessionController::play(const OpenedPicture &picture, const QList<ReplayStep> &steps,
+                             const EdgeSettings &edges)
 {
     Q_EMIT pictureOpened(picture);
     m_fileName = m_restored.isEmpty() ? m_opener.fileName() : QString();
+    m_playedEdges = edges; // masks that nobody sees for long are not worked on
     m_document.replay(steps);
 }
 
 void SessionController::endReplay(bool isComplete)
 {
     const QString restored = std::exchange(m_restored, QString());
+    if (isComplete)
+        m_document.setEdgeSettings(m_playedEdges, tr("Edge as Saved"));
     if (!isComplete) {
         m_fileName.clear(); // what is there now is not what the file tells
     } else if (restored.isEmpty()) {
@@ -85,27 +91,36 @@ bool SessionController::save()
 
 bool SessionController::saveAs()
 {
-    const QString picture = m_document.opened().fileName;
     QFileDialog dialog(m_window, tr("Save the Session"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(SessionFile::suffix.mid(1));
     dialog.setNameFilter(tr("Sessions (*%1)").arg(SessionFile::suffix));
     if (!m_fileName.isEmpty())
         dialog.selectFile(m_fileName);
-    else if (QFileInfo(picture).isFile() && !picture.startsWith(u':'))
-        dialog.selectFile(QFileInfo(picture).absolutePath() + u'/' +
-                          QFileInfo(picture).completeBaseName() + SessionFile::suffix);
+    else
+        dialog.selectFile(suggestedFile());
     if (dialog.exec() != QDialog::Accepted)
         return false;
     saveTo(dialog.selectedFiles().first());
     return true;
 }
 
+/// Beside the picture, where people can put it.
+QString SessionController::suggestedFile() const
+{
+    const OpenedPicture &opened = m_document.opened();
+    const QFileInfo picture(opened.fileName);
+    const bool isOnDisk = picture.isFile() && !opened.fileName.startsWith(u':');
+    return (isOnDisk ? picture.absolutePath() : PicturesFolder::path()) + u'/' +
+           QFileInfo(opened.title).completeBaseName() + SessionFile::suffix;
+}
+
 void SessionController::saveTo(const QString &fileName)
 {
     m_savedFile = QFileInfo(fileName).absoluteFilePath();
     m_savedIndex = m_document.undoStack()->index();
-    m_saver.save(m_savedFile, m_document.gestures(), m_document.opened());
+    m_savedEdges = m_document.edgeSettings();
+    m_saver.save(m_savedFile, m_document.gestures(), m_savedEdges, m_document.opened());
 }
 
 void SessionController::finishSaving(const SessionFile::Saved &result)
@@ -114,7 +129,9 @@ void SessionController::finishSaving(const SessionFile::Saved &result)
         return; // another one is being saved by now
     m_fileName = result.fileName;
     m_document.setPictureFile(result.pictureFile, result.pictureSha256);
-    if (m_document.undoStack()->index() == m_savedIndex)
+    const bool isUnchanged = m_document.undoStack()->index() == m_savedIndex &&
+                             m_document.edgeSettings() == m_savedEdges; // sliders go on in a step
+    if (isUnchanged)
         m_document.setSaved();
     Q_EMIT saved(result.fileName);
 }
@@ -171,26 +188,39 @@ void SessionController::askAboutDifference()
         m_opener.cancel();
 }
 
-void SessionController::offerToRestore()
+QMessageBox::StandardButton SessionController::askWhetherToRestore(const QString &session,
+                                                                   const QString &otherFile)
+{
+    const QString when =
+            QLocale().toString(QFileInfo(session).lastModified(), QLocale::ShortFormat);
+    QMessageBox box(QMessageBox::Question, tr("Restore a Cut"),
+                    tr("RyCut Studio ended unexpectedly. A cut was kept that had not been saved, "
+                       "as it was on %1. Restore it?")
+                            .arg(when),
+                    QMessageBox::Yes | QMessageBox::Discard | QMessageBox::Cancel, m_window);
+    box.setDefaultButton(QMessageBox::Yes);
+    box.button(QMessageBox::Yes)->setText(tr("&Restore"));
+    box.button(QMessageBox::Cancel)->setText(tr("Not &Now"));
+    if (!otherFile.isEmpty())
+        box.setInformativeText(tr("“%1” is opened unless you restore the cut; then it waits under "
+                                  "Open Recent. Not Now keeps the cut for the next start.")
+                                       .arg(otherFile));
+    return QMessageBox::StandardButton(box.exec());
+}
+
+bool SessionController::offerToRestore(const QString &otherFile)
 {
     const QStringList sessions = m_autosave.takeOver();
     for (const QString &session : sessions) {
-        const QString when =
-                QLocale().toString(QFileInfo(session).lastModified(), QLocale::ShortFormat);
-        const auto answer = QMessageBox::question(
-                m_window, tr("Restore a Cut"),
-                tr("RyCut Studio ended unexpectedly. A cut was kept that had not been saved, as it "
-                   "was on %1. Restore it?")
-                        .arg(when),
-                QMessageBox::Yes | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Yes);
-        if (answer == QMessageBox::Discard) {
-            m_autosave.remove(session);
-        } else {
-            if (answer == QMessageBox::Yes) {
-                m_opener.open(session, StudioSettings::longestSideForCutting());
-                m_restored = session;
-            }
-            return; // the others are offered next time
+        const auto answer = askWhetherToRestore(session, otherFile);
+        if (answer == QMessageBox::Cancel)
+            return false; // all that is left is offered next time
+        if (answer == QMessageBox::Yes) {
+            m_opener.open(session, StudioSettings::longestSideForCutting());
+            m_restored = session;
+            return true;
         }
+        m_autosave.remove(session);
     }
+    return false;
 }

@@ -4,6 +4,7 @@
 #include "SessionOpener.h"
 #include "SessionSaver.h"
 
+#include <QMessageBox>
 #include <QObject>
 #include <QString>
 
@@ -40,8 +41,9 @@ public:
     /// Asks whether unsaved work shall be saved or thrown away, and saves it. False when it has to
     /// stay.
     bool mayDiscardChanges();
-    /// Offers what programs have left that did not end in an orderly way.
-    void offerToRestore();
+    /// Offers what programs have left that did not end in an orderly way; true when some of it is
+    /// being opened. The file, if any, is what is opened else.
+    bool offerToRestore(const QString &otherFile = {});
 
 Q_SIGNALS:
     void isOpeningChanged(bool isOpening);
@@ -55,9 +57,13 @@ private:
     bool save();
     bool saveAs();
     bool saveAndWait();
+    QString suggestedFile() const;
     void finishSaving(const SessionFile::Saved &result);
-    void play(const OpenedPicture &picture, const QList<ReplayStep> &steps);
+    void play(const OpenedPicture &picture, const QList<ReplayStep> &steps,
+              const EdgeSettings &edges);
     void endReplay(bool isComplete);
+    QMessageBox::StandardButton askWhetherToRestore(const QString &session,
+                                                    const QString &otherFile);
     void askForPicture();
     void askAboutDifference();
 
@@ -69,6 +75,8 @@ private:
     QString m_restored;   // what the opener reads is a session that a crash left
     QString m_savedFile;  // while it is written
     int m_savedIndex = 0; // of the document's steps, when that began
+    EdgeSettings m_savedEdges;
+    EdgeSettings m_playedEdges; // of the session that is played, for its end
     bool m_isAsking = false;
     Autosave m_autosave;
     SessionOpener m_opener;

@@ -197,7 +197,8 @@ QList<ReplayStep> SessionFile::steps(const GestureFile &file, const OpenedPictur
 }
 
 SessionFile::Saved SessionFile::write(const QString &fileName, const QList<Gesture> &gestures,
-                                      const OpenedPicture &picture, const QString &passingFolder)
+                                      const EdgeSettings &edges, const OpenedPicture &picture,
+                                      const QString &passingFolder)
 {
     const QFileInfo session(fileName);
     Saved saved{fileName, picture.fileName, picture.reference.sha256};
@@ -218,6 +219,7 @@ SessionFile::Saved SessionFile::write(const QString &fileName, const QList<Gestu
                                ? 0
                                : std::max(cuttingSize.width(), cuttingSize.height());
     file.gestures = gestures;
+    file.edges = edges.choices();
     writeFile(fileName, file.text());
     return saved;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "EdgeSettings.h"
 #include "OpenedPicture.h"
 #include "ReplayStep.h"
 #include "gestures/GestureFile.h"
@@ -45,7 +46,7 @@ struct Saved
 
 /// Writes a session; the picture beside it, where it has no file that will stay. The folder is one
 /// of files that will not.
-Saved write(const QString &fileName, const QList<Gesture> &gestures, const OpenedPicture &picture,
-            const QString &passingFolder);
+Saved write(const QString &fileName, const QList<Gesture> &gestures, const EdgeSettings &edges,
+            const OpenedPicture &picture, const QString &passingFolder);
 
 } // namespace SessionFile

@@ -66,10 +66,10 @@ void SessionOpener::accept()
     const auto prepare = [this, file = m_contents.file, picture = m_picture,
                           isCancelled = m_isCancelled] {
         const QList<ReplayStep> steps = SessionFile::steps(file, picture, *isCancelled);
-        return [this, picture, steps] {
+        return [this, picture, steps, edges = EdgeSettings::of(file.edges)] {
             setOpening(false);
             m_picture = {};
-            Q_EMIT opened(picture, steps);
+            Q_EMIT opened(picture, steps, edges);
         };
     };
     run(prepare);

@@ -38,7 +38,8 @@ Q_SIGNALS:
     void isOpeningChanged(bool isOpening);
     void pictureNeeded();
     void pictureDiffers();
-    void opened(const OpenedPicture &picture, const QList<ReplayStep> &steps);
+    void opened(const OpenedPicture &picture, const QList<ReplayStep> &steps,
+                const EdgeSettings &edges);
     void failed(const QString &sentence);
 
 private:

@@ -19,17 +19,18 @@ SessionSaver::~SessionSaver()
 }
 
 void SessionSaver::save(const QString &fileName, const QList<Gesture> &gestures,
-                        const OpenedPicture &picture)
+                        const EdgeSettings &edges, const OpenedPicture &picture)
 {
     ++m_tasks;
-    m_pool.start([this, fileName, gestures, picture] {
+    m_pool.start([this, fileName, gestures, edges, picture] {
         const auto fail = [&](const QString &reason) {
             const QString sentence =
                     tr("“%1” cannot be saved: %2.").arg(QDir::toNativeSeparators(fileName), reason);
             finish([this, sentence] { Q_EMIT failed(sentence); });
         };
         try {
-            const auto result = SessionFile::write(fileName, gestures, picture, m_passingFolder);
+            const auto result =
+                    SessionFile::write(fileName, gestures, edges, picture, m_passingFolder);
             finish([this, result] { Q_EMIT saved(result); });
         } catch (const SessionError &error) {
             fail(error.reason());

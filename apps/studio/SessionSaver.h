@@ -20,7 +20,7 @@ public:
     explicit SessionSaver(const QString &passingFolder, QObject *parent = nullptr);
     ~SessionSaver() override; ///< what is begun is written first
 
-    void save(const QString &fileName, const QList<Gesture> &gestures,
+    void save(const QString &fileName, const QList<Gesture> &gestures, const EdgeSettings &edges,
               const OpenedPicture &picture);
     bool isSaving() const { return m_tasks > 0; }
     void waitForDone() { m_pool.waitForDone(); } ///< nothing is told any sooner

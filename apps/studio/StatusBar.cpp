@@ -1,5 +1,6 @@
 #include "StatusBar.h"
 
+#include "ElidedLabel.h"
 #include "ProgressBar.h"
 #include "VectorIcon.h"
 
@@ -10,14 +11,13 @@
 
 StatusBar::StatusBar(QWidget *parent)
     : QStatusBar(parent)
-    , m_hint(new QLabel)
+    , m_hint(new ElidedLabel)
     , m_size(new QLabel)
     , m_zoom(new QLabel)
     , m_progress(new ProgressBar)
     , m_cancel(new QToolButton)
 {
     m_hint->setAccessibleName(tr("Hint"));
-    m_hint->setMinimumWidth(1); // a long hint must not keep the window wide
     m_hint->setIndent(6);
     m_size->setAccessibleName(tr("Size of the picture"));
     m_zoom->setAccessibleName(tr("Zoom"));

@@ -18,7 +18,8 @@ class QWidget;
  * What the pointer and the keys do on the canvas. Tools turn them into gestures for the document
  * and draw what is not part of the cut yet.
  *
- * A tool gets press(), any number of move()s, and release() or cancel(); hover()s in between.
+ * A tool gets press(), any number of move()s, and release(), abandonPress() or cancel(); and
+ * hover()s in between.
  * Threads  the GUI thread.
  */
 class Tool : public QObject
@@ -37,6 +38,7 @@ public:
     virtual void press(const PointerEvent &event) = 0;
     virtual void move(const PointerEvent &) {}
     virtual void release(const PointerEvent &) {}
+    virtual void abandonPress() { escape(); } ///< it was not meant: two fingers zoom
     virtual void doubleClick(const PointerEvent &event) { press(event); }
     virtual void hover(const PointerEvent &) {}
     virtual void leave() {} ///< the pointer has left the canvas
@@ -54,6 +56,8 @@ public:
     virtual QString redoText() const { return {}; }
     virtual void undo() {}
     virtual void redo() {}
+    /// Whether the document's next step may be done again.
+    virtual bool letsDocumentRedo() const { return !hasUnfinishedGesture(); }
     /// Takes the last part of an unfinished gesture back, as the Escape key does; false when there
     /// is none.
     virtual bool escape() { return false; }
@@ -63,6 +67,7 @@ public:
 Q_SIGNALS:
     void overlayChanged(const QRectF &area); ///< in pixels of the picture; null for everything
     void unfinishedGestureChanged();
+    void wanted();                         ///< there is something to do with this tool
     void message(const QString &sentence); ///< why nothing happens
 
 protected:

@@ -26,7 +26,9 @@ private:
     template <typename T>
     void add(Document &document)
     {
-        m_tools.append(new T(document, this));
+        auto *const tool = new T(document, this);
+        m_tools.append(tool);
+        connect(tool, &Tool::wanted, this, [this, tool] { setCurrent(tool); });
     }
 
     QList<Tool *> m_tools; // children

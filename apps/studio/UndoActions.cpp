@@ -47,7 +47,7 @@ void UndoActions::redo()
     Tool *const tool = m_tools.current();
     if (!tool->redoText().isEmpty())
         tool->redo();
-    else if (!tool->hasUnfinishedGesture())
+    else if (tool->letsDocumentRedo())
         m_document.redo();
 }
 
@@ -63,7 +63,7 @@ void UndoActions::update()
     QString undoText = tool->undoText();
     if (undoText.isEmpty())
         undoText = m_document.isCutting() ? tr("Lasso") : stack->undoText();
-    const bool stackCanRedo = !tool->hasUnfinishedGesture() && stack->canRedo();
+    const bool stackCanRedo = tool->letsDocumentRedo() && stack->canRedo();
     QString redoText = tool->redoText();
     const bool canRedo = !redoText.isEmpty() || stackCanRedo;
     if (redoText.isEmpty() && stackCanRedo)

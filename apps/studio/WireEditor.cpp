@@ -95,6 +95,12 @@ void WireEditor::leadTo(const QPointF &point, bool isStraight)
     updateLead();
 }
 
+void WireEditor::leadNowhere()
+{
+    m_pointer.reset();
+    updateLead();
+}
+
 /// The last wire that was found stays until there is one to where the pointer is now.
 void WireEditor::updateLead()
 {
@@ -162,10 +168,16 @@ void WireEditor::removeNode(qsizetype node)
     change([node](WirePath &path) { path.removeNode(node); });
 }
 
-void WireEditor::change(const std::function<void(WirePath &)> &edit)
+void WireEditor::note()
 {
     m_undo.append(m_path);
     m_redo.clear();
+    Q_EMIT edited();
+}
+
+void WireEditor::change(const std::function<void(WirePath &)> &edit)
+{
+    note();
     edit(m_path);
     announce(m_undo.last());
     goOn();
@@ -175,8 +187,7 @@ void WireEditor::change(const std::function<void(WirePath &)> &edit)
 
 void WireEditor::beginMove(qsizetype node)
 {
-    m_undo.append(m_path);
-    m_redo.clear();
+    note();
     m_moved = node;
     const qsizetype previous = m_path.previous(node), next = m_path.next(node);
     if (previous >= 0)
@@ -257,6 +268,15 @@ void WireEditor::clear()
     m_behind.stop();
     Q_EMIT areaChanged(areaOf(leadBefore));
     announce(before);
+}
+
+void WireEditor::setPath(const WirePath &path, const QList<WirePath> &changes)
+{
+    clear();
+    m_path = path;
+    m_undo = changes;
+    announce({});
+    goOn();
 }
 
 void WireEditor::announce(const WirePath &before)

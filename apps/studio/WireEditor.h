@@ -44,6 +44,7 @@ public:
     };
     const Lead &lead() const { return m_lead; }
     void leadTo(const QPointF &point, bool isStraight);
+    void leadNowhere();
 
     void addNode(const QPointF &point, bool isStraight);
     void close(bool isStraight);
@@ -61,14 +62,20 @@ public:
     void undo();
     void redo();
     void clear(); ///< wire and changes
+    /// What undo() goes back to, the newest last.
+    const QList<WirePath> &changes() const { return m_undo; }
+    /// Another one, with such changes.
+    void setPath(const WirePath &path, const QList<WirePath> &changes);
 
 Q_SIGNALS:
+    void edited();                          ///< a change that was neither undone nor done again
     void changed();                         ///< nodes, or what can be undone
     void areaChanged(const QRectF &area);   ///< in which the wire looks different
     void stretchChanged(qsizetype stretch); ///< a wire was found, or is another one
     void completed();                       ///< closed, and every stretch of it is known
 
 private:
+    void note();
     void change(const std::function<void(WirePath &)> &edit);
     void goTo(QList<WirePath> &from, QList<WirePath> &to);
     void announce(const WirePath &before);

@@ -25,10 +25,6 @@ int main(int argc, char *argv[])
     PaintThreads::reserve();
     MainWindow window;
     window.show();
-    const QStringList arguments = parser.positionalArguments();
-    if (!arguments.isEmpty())
-        window.openFile(arguments.first());
-    else
-        window.sessions().offerToRestore();
+    window.begin(parser.positionalArguments().value(0));
     return QApplication::exec();
 }

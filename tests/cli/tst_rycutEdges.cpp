@@ -45,6 +45,8 @@ private Q_SLOTS:
     void outlinesTheObject_data();
     void outlinesTheObject();
     void cleansByItselfWhenSoft();
+    void sessionsTellOfEdges_data();
+    void sessionsTellOfEdges();
     void failsInOneLine_data();
     void failsInOneLine();
     void reportsThatNothingIsLeft();
@@ -147,6 +149,45 @@ void tst_rycutEdges::cleansByItselfWhenSoft()
     QCOMPARE(object({}), object({u"--clean"_s, u"0"_s}));
 }
 
+void tst_rycutEdges::sessionsTellOfEdges_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QStringList>("expected"); // options with the same effect
+    QTest::newRow("all") << QByteArray("drop 60\nfill 80\nsmooth 3\ngrow -2\nfeather 4\nclean 3\n")
+                         << QStringList() << everyEdge + QStringList{u"--clean"_s, u"3"_s};
+    QTest::newRow("cleaned by itself")
+            << QByteArray("feather 3\n") << QStringList() << QStringList{u"--feather"_s, u"3"_s};
+    QTest::newRow("an option wins")
+            << QByteArray("grow 9\nsmooth 3\n") << QStringList{u"--grow"_s, u"-2"_s}
+            << QStringList{u"--grow"_s, u"-2"_s, u"--smooth"_s, u"3"_s};
+    QTest::newRow("an option takes it away")
+            << QByteArray("feather 9\n") << QStringList{u"--feather"_s, u"0"_s} << QStringList();
+}
+
+void tst_rycutEdges::sessionsTellOfEdges()
+{
+    QFETCH(QByteArray, lines);
+    QFETCH(QStringList, options);
+    QFETCH(QStringList, expected);
+    const QString sample = QStringLiteral(RY_SAMPLES_DIR "/coffee.session");
+    const auto replay = [&](const QString &session, const QStringList &more,
+                            const QString &prefix) {
+        const RycutRun run =
+                RycutRun::of(QStringList{u"replay"_s, session, coffee} + more + outputs(prefix));
+        return run.status == 0 ? QList{picture(prefix + u"m.png"_s), picture(prefix + u"o.png"_s)}
+                               : QList<QImage>();
+    };
+    store(path(u"edge.session"_s), contents(sample) + lines);
+    const QList<QImage> wanted = replay(sample, expected, u"options_"_s);
+    QCOMPARE(wanted.size(), 2);
+    const QString written = path(u"written.session"_s);
+    QCOMPARE(replay(path(u"edge.session"_s), options + QStringList{u"--write-session"_s, written},
+                    u"told_"_s),
+             wanted);
+    QCOMPARE(replay(written, {}, u"again_"_s), wanted);
+}
+
 void tst_rycutEdges::failsInOneLine_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -165,7 +206,7 @@ void tst_rycutEdges::failsInOneLine_data()
     row("too large", {u"--fill"_s, u"100000001"_s}, "--fill");
     row("too clean", {u"--clean"_s, u"51"_s}, "from 0 to 50");
     row("outline of no known form", {u"--outline"_s, u"new.json"_s}, ".svg");
-    row("nothing left", {u"--drop"_s, u"1000000"_s}, "--drop", 3);
+    row("nothing left", {u"--drop"_s, u"1000000"_s}, "drop, smooth or grow", 3);
     for (const auto &option : {u"--smooth"_s, u"--grow"_s, u"--clean"_s})
         QTest::addRow("open wire with %s", qPrintable(option))
                 << wire({option, u"1"_s, u"--overlay"_s, u"new.png"_s}) << 1

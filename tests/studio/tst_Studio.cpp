@@ -13,6 +13,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QNativeGestureEvent>
 #include <QPointingDevice>
 #include <QSlider>
 #include <QSpinBox>
@@ -60,6 +61,9 @@ private Q_SLOTS:
     void penDraws();
     void brushSize();
     void zoomKeepsThePointUnderThePointer();
+    void touchpadsZoomAtThePointer();
+    void fingersZoomAndMove_data();
+    void fingersZoomAndMove();
     void spaceAndMiddleButtonPan();
     void keyHidesTheCut();
     void badPicturesAreExplained_data();
@@ -430,7 +434,8 @@ void tst_Studio::gesturesTellTheWholeStory()
     session.setMaskColor(Qt::white);
     GesturePlayer player(session, opened.scale.reducing());
     const QList<Gesture> gestures =
-            GestureFile::parse(GestureFile{{}, {}, {}, m_studio->document().gestures()}.text(), {})
+            GestureFile::parse(GestureFile{{}, {}, {}, m_studio->document().gestures(), {}}.text(),
+                               {})
                     .gestures;
     for (const Gesture &gesture : gestures)
         QVERIFY(player.play(gesture));
@@ -506,6 +511,77 @@ void tst_Studio::zoomKeepsThePointUnderThePointer()
     m_studio->action("zoomFit").trigger();
     const QRectF whole = m_studio->canvas().view().toWidget(QRectF(0, 0, 600, 400));
     QVERIFY(QRectF(m_studio->canvas().rect()).contains(whole));
+}
+
+void tst_Studio::touchpadsZoomAtThePointer()
+{
+    QVERIFY(m_studio->open(coffee));
+    Canvas &canvas = m_studio->canvas();
+    canvas.zoomTo(12.0, {400, 300}); // it need not be kept in the middle
+    const QPointF centre(310, 220);
+    const QPointF point = canvas.view().toPicture(centre);
+    for (const double value : {0.25, 0.5, -0.4}) {
+        const double before = canvas.view().scale;
+        QNativeGestureEvent event(Qt::ZoomNativeGesture, QPointingDevice::primaryPointingDevice(),
+                                  2, centre, canvas.mapTo(&m_studio->window, centre),
+                                  canvas.mapToGlobal(centre), value, {});
+        QCoreApplication::sendEvent(&canvas, &event);
+        QVERIFY(qFuzzyCompare(canvas.view().scale, before * (1.0 + value)));
+        QVERIFY(QLineF(canvas.view().toWidget(point), centre).length() <= 2.0);
+    }
+}
+
+void tst_Studio::fingersZoomAndMove_data()
+{
+    QTest::addColumn<QByteArray>("tool");
+    QTest::addColumn<int>("spread"); // of each finger, in pixels of the canvas
+    QTest::addColumn<QPoint>("way"); // of both
+    for (const char *const tool : {"lasso", "scissors", "brush", "click"}) {
+        QTest::addRow("%s, apart", tool) << QByteArray(tool) << 60 << QPoint();
+        QTest::addRow("%s, together", tool) << QByteArray(tool) << -30 << QPoint();
+        QTest::addRow("%s, apart and aside", tool) << QByteArray(tool) << 50 << QPoint(40, -20);
+    }
+}
+
+/// The first finger comes before the second one, and does nothing to the cut all the same.
+void tst_Studio::fingersZoomAndMove()
+{
+    QFETCH(QByteArray, tool);
+    QFETCH(int, spread);
+    QFETCH(QPoint, way);
+    static QPointingDevice *const screen = QTest::createTouchDevice();
+    QVERIFY(m_studio->open(coffee));
+    m_studio->drag(lasso());
+    QVERIFY(m_studio->settle());
+    const QImage mask = m_studio->document().mask();
+    Canvas &canvas = m_studio->canvas();
+    canvas.zoomTo(12.0, {200, 150});
+    m_studio->action(tool.constData()).trigger();
+
+    const QPoint centre(180, 140), reach(50, 0);
+    const QPointF point = canvas.view().toPicture(centre);
+    QTest::touchEvent(&canvas, screen).press(0, centre - reach, &canvas);
+    QTest::touchEvent(&canvas, screen).stationary(0).press(1, centre + reach, &canvas);
+    constexpr int steps = 10;
+    for (int step = 0; step <= steps; ++step) {
+        const QPoint out(spread * step / steps, 0), at = centre + way * step / steps;
+        QTest::touchEvent(&canvas, screen)
+                .move(0, at - reach - out, &canvas)
+                .move(1, at + reach + out, &canvas);
+    }
+    const double expected = 12.0 * (50.0 + spread) / 50.0;
+    QVERIFY2(std::abs(canvas.view().scale / expected - 1.0) < 0.05,
+             qPrintable(QString::number(canvas.view().scale)));
+    const QPointF now = canvas.view().toWidget(point);
+    QVERIFY2(QLineF(now, centre + way).length() <= 1.5, // pixels are whole
+             qPrintable(QStringLiteral("%1, %2").arg(now.x()).arg(now.y())));
+    QTest::touchEvent(&canvas, screen)
+            .release(0, centre - reach, &canvas)
+            .release(1, centre + reach, &canvas);
+    QVERIFY(m_studio->settle());
+    QVERIFY(m_studio->tools().current()->undoText().isEmpty());
+    QCOMPARE(m_studio->document().mask(), mask);
+    QCOMPARE(m_studio->document().undoStack()->count(), 1);
 }
 
 void tst_Studio::spaceAndMiddleButtonPan()

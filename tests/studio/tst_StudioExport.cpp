@@ -5,6 +5,7 @@
 #include "ExportDialog.h"
 #include "Exporter.h"
 #include "RySettings.h"
+#include "cutout/EdgeColours.h"
 #include "cutout/EdgeOperations.h"
 #include "cutout/MaskImage.h"
 #include "cutout/MaskOutline.h"
@@ -60,6 +61,8 @@ private Q_SLOTS:
     void previewFollowsTheControls_data();
     void previewFollowsTheControls();
     void previewFollowsTheMask();
+    void cleanEdgeIsSeenOnBackgrounds_data();
+    void cleanEdgeIsSeenOnBackgrounds();
     void sliderIsOneStep();
     void resetAndNewPicture();
     void exports_data();
@@ -137,7 +140,7 @@ CutoutMask tst_StudioExport::expectedMask() const
 QImage tst_StudioExport::previewedAlpha() const
 {
     EdgePreview preview(m_studio->document());
-    QSignalSpy changes(&preview, &EdgePreview::maskChanged);
+    QSignalSpy changes(&preview, &EdgePreview::changed);
     Q_EMIT m_studio->document().edgeSettingsChanged();
     return changes.wait(StudioDriver::patienceMs) ? alphaOf(preview) : QImage();
 }
@@ -226,6 +229,44 @@ void tst_StudioExport::previewFollowsTheMask()
     QVERIFY(m_studio->settle());
     QTRY_VERIFY(preview.isUpToDate());
     QCOMPARE(alphaOf(preview), expectedMask().alpha);
+}
+
+void tst_StudioExport::cleanEdgeIsSeenOnBackgrounds_data()
+{
+    QTest::addColumn<QByteArray>("view");
+    QTest::addColumn<bool>("isSeen");
+    QTest::addRow("over the picture") << QByteArray("viewOverlay") << false;
+    QTest::addRow("outline") << QByteArray("viewOutline") << false;
+    QTest::addRow("checkerboard") << QByteArray("viewCheckerboard") << true;
+    QTest::addRow("background") << QByteArray("viewBackground") << true;
+}
+
+void tst_StudioExport::cleanEdgeIsSeenOnBackgrounds()
+{
+    QFETCH(QByteArray, view);
+    QFETCH(bool, isSeen);
+    const auto seen = [this] {
+        return m_studio->settle() ? m_studio->canvas().grab().toImage() : QImage();
+    };
+    openAndCut();
+    m_studio->action("viewOverlay").trigger();
+    const QImage overlay = seen();
+    m_studio->action(view.constData()).trigger();
+    const QImage before = seen();
+    m_studio->canvas().setHidesMask(true);
+    const QImage picture = seen();
+    m_studio->canvas().setHidesMask(false);
+    set("edgeClean", 6);
+    QCOMPARE(seen() != before, isSeen);
+    m_studio->canvas().setHidesMask(true);
+    QCOMPARE(seen(), picture); // as it was taken
+    m_studio->canvas().setHidesMask(false);
+    m_studio->action("viewOverlay").trigger();
+    QCOMPARE(seen(), overlay);
+    m_studio->action(view.constData()).trigger();
+    QCOMPARE(seen() != before, isSeen);
+    set("edgeClean", 0);
+    QCOMPARE(seen(), before);
 }
 
 void tst_StudioExport::sliderIsOneStep()
@@ -405,7 +446,7 @@ void tst_StudioExport::clipboard()
     QTRY_VERIFY(data()->hasImage());
     const QImage expected =
             CutoutPicture::compose(m_studio->document().picture(), expectedMask(),
-                                   {.cleanPixels = EdgeSettings::usualRim, .crop = true});
+                                   {.cleanPixels = EdgeColours::usualRimPixels, .crop = true});
     QCOMPARE(qvariant_cast<QImage>(data()->imageData()), expected);
     QCOMPARE(QImage::fromData(data()->data(QStringLiteral("image/png")), "png")
                      .convertToFormat(expected.format()),

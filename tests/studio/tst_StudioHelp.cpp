@@ -4,14 +4,17 @@
 #include "PreferencesDialog.h"
 #include "RySettings.h"
 #include "StudioSettings.h"
+#include "WindowSettings.h"
 #include "settings/RyImageCutterSettings.h"
 
 #include <QDialogButtonBox>
 #include <QDir>
+#include <QDockWidget>
 #include <QKeySequenceEdit>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -35,6 +38,9 @@ private Q_SLOTS:
     void keysAreApplied();
     void conflictsAreRefused();
     void everyControlHasAName();
+    void windowIsRemembered();
+    void lostScreensDoNoHarm_data();
+    void lostScreensDoNoHarm();
 
 private:
     PreferencesDialog &openPreferences();
@@ -60,6 +66,7 @@ void tst_StudioHelp::init()
     m_folder = std::make_unique<QTemporaryDir>();
     RySettings::setFileName(m_folder->filePath(QStringLiteral("settings.ini")));
     StudioSettings::instance().loadSettings();
+    WindowSettings::instance().loadSettings();
     RyImageCutterSettings::instance().loadSettings();
     m_studio = std::make_unique<StudioDriver>();
 }
@@ -196,6 +203,57 @@ void tst_StudioHelp::everyControlHasAName()
         QVERIFY2(!isControl || isPartOfAnother || hasText || !widget->accessibleName().isEmpty(),
                  widget->metaObject()->className());
     }
+}
+
+void tst_StudioHelp::windowIsRemembered()
+{
+    const QString coffee = QStringLiteral(":/samples/coffee.png");
+    const auto dock = [this](const char *name) {
+        return m_studio->window.findChild<QDockWidget *>(QString::fromLatin1(name));
+    };
+    const auto restart = [this] {
+        QVERIFY(m_studio->window.close());
+        m_studio.reset();
+        WindowSettings::instance().loadSettings();
+        m_studio = std::make_unique<StudioDriver>();
+    };
+    QVERIFY(m_studio->open(coffee));
+    m_studio->window.setGeometry(20, 40, 700, 600);
+    m_studio->action("edges").trigger(); // closes it
+    m_studio->window.addDockWidget(Qt::LeftDockWidgetArea, dock("historyDock"));
+    const QRect geometry = m_studio->window.geometry();
+    const bool fits = m_studio->window.screen()->availableGeometry().contains(geometry);
+    restart();
+    QVERIFY(!fits || m_studio->window.geometry() == geometry);
+    QVERIFY(!dock("historyDock")->isVisible()); // there is no picture yet
+    restart();                                  // and there was none
+    QVERIFY(m_studio->open(coffee));
+    QVERIFY(dock("historyDock")->isVisible() && !dock("edgesDock")->isVisible());
+    QCOMPARE(m_studio->window.dockWidgetArea(dock("historyDock")), Qt::LeftDockWidgetArea);
+}
+
+void tst_StudioHelp::lostScreensDoNoHarm_data()
+{
+    QTest::addColumn<QByteArray>("geometry");
+    QWidget window;
+    window.setGeometry(9000, 7000, 600, 500);
+    QTest::addRow("far away") << window.saveGeometry();
+    window.setGeometry(-3000, 10, 9000, 9000);
+    QTest::addRow("too large") << window.saveGeometry();
+    window.setGeometry(-550, 100, 600, 500);
+    QTest::addRow("mostly out of sight") << window.saveGeometry();
+    QTest::addRow("damaged") << QByteArray("no geometry");
+}
+
+void tst_StudioHelp::lostScreensDoNoHarm()
+{
+    QFETCH(QByteArray, geometry);
+    WindowSettings::instance().setWindow(geometry, QByteArray("no layout"));
+    m_studio = std::make_unique<StudioDriver>();
+    const QRect screen = m_studio->window.screen()->availableGeometry();
+    QVERIFY(screen.contains(m_studio->window.geometry().topLeft()));
+    QVERIFY(m_studio->open(QStringLiteral(":/samples/coffee.png")));
+    QVERIFY(m_studio->window.findChild<QDockWidget *>(QStringLiteral("edgesDock"))->isVisible());
 }
 
 QTEST_MAIN(tst_StudioHelp)

@@ -47,16 +47,25 @@ private Q_SLOTS:
     void controlGoesStraight();
     void closedWireIsUsed_data();
     void closedWireIsUsed();
+    void undoGoesOnInAUsedWire_data();
+    void undoGoesOnInAUsedWire();
+    void aUsedWireIsChanged();
+    void theHistoryLeadsPastUsedWires();
+    void aCancelledCutGivesItsWireBack();
     void closesNearTheFirstNode_data();
     void closesNearTheFirstNode();
     void draggedNodeChangesTwoStretches();
+    void nodesAreInsertedAndRemoved_data();
     void nodesAreInsertedAndRemoved();
+    void controlLeadsAcrossTheWire();
     void clicksFasterThanTheSearch();
     void undoWithinAWire();
     void escapeTakesNodesBack();
 
 private:
-    void layRim();
+    void layRim(bool closes = true);
+    void useRim();
+    bool isKnown();
     bool isComplete();
     bool isObject(const QPointF &point);
     QPointF node(qsizetype index) { return scissors().editor().path().nodes().at(index); }
@@ -100,20 +109,37 @@ bool tst_StudioScissors::isComplete()
                            StudioDriver::patienceMs);
 }
 
+bool tst_StudioScissors::isKnown()
+{
+    return QTest::qWaitFor([this] { return !scissors().editor().path().firstUnknown(); },
+                           StudioDriver::patienceMs);
+}
+
 bool tst_StudioScissors::isObject(const QPointF &point)
 {
     return qAlpha(m_studio->document().mask().pixel(point.toPoint())) == 0;
 }
 
-void tst_StudioScissors::layRim()
+void tst_StudioScissors::layRim(bool closes)
 {
     for (const QPointF &point : rim) {
         m_studio->move(point);
         m_studio->click(point);
     }
+    QVERIFY(isKnown());
+    if (!closes)
+        return;
     m_studio->move(rim.first());
     m_studio->click(rim.first());
     QVERIFY(isComplete());
+}
+
+void tst_StudioScissors::useRim()
+{
+    layRim();
+    m_studio->key(Qt::Key_Return);
+    QVERIFY(m_studio->settle());
+    QVERIFY(m_studio->document().hasCut());
 }
 
 void tst_StudioScissors::wireFollowsThePointer()
@@ -192,6 +218,96 @@ void tst_StudioScissors::closedWireIsUsed()
     QVERIFY(m_studio->settle());
     QCOMPARE(document.hasCut(), hasCut);
     QVERIFY(!hasCut || m_studio->objectShare() == 1.0);
+    QCOMPARE(scissors().editor().path().outline(), wire);
+    QCOMPARE(scissors().use(), use);
+    m_studio->action("redo").trigger();
+    QVERIFY(m_studio->settle());
+    QVERIFY(scissors().editor().path().isEmpty());
+    QCOMPARE(isObject(inside), isInside);
+}
+
+/// From the mask back to the empty picture and on to the mask again, whatever tool is in hand.
+void tst_StudioScissors::undoGoesOnInAUsedWire_data()
+{
+    QTest::addColumn<QByteArray>("tool");
+    for (const char *const tool : {"scissors", "lasso", "brush"})
+        QTest::addRow("%s", tool) << QByteArray(tool);
+}
+
+void tst_StudioScissors::undoGoesOnInAUsedWire()
+{
+    QFETCH(QByteArray, tool);
+    const auto trigger = [this](const char *id) {
+        QVERIFY(m_studio->action(id).isEnabled());
+        m_studio->action(id).trigger();
+        QVERIFY(m_studio->settle());
+    };
+    useRim();
+    const double share = m_studio->objectShare();
+    m_studio->action(tool.constData()).trigger();
+    trigger("undo");
+    QCOMPARE(m_studio->tools().current(), &scissors());
+    const WirePath &path = scissors().editor().path();
+    QVERIFY(path.isClosed() && !m_studio->document().hasCut());
+    grab(QStringLiteral("scissors-returned"));
+    for (qsizetype left = rim.size(); left >= 0; --left) {
+        trigger("undo");
+        QVERIFY(!path.isClosed());
+        QCOMPARE(path.nodes().size(), left);
+    }
+    QVERIFY(!m_studio->action("undo").isEnabled());
+    for (qsizetype steps = rim.size() + 2; steps > 0; --steps)
+        trigger("redo");
+    QVERIFY(path.isEmpty());
+    QCOMPARE(m_studio->objectShare(), share);
+    QVERIFY(!m_studio->action("redo").isEnabled());
+}
+
+void tst_StudioScissors::aUsedWireIsChanged()
+{
+    useRim();
+    const double share = m_studio->objectShare();
+    m_studio->action("undo").trigger();
+    QVERIFY(m_studio->settle());
+    m_studio->drag({node(4), node(4) + QPointF(10, 14), node(4) + QPointF(24, 30)});
+    QVERIFY(!m_studio->action("redo").isEnabled()); // it led on to something else
+    QVERIFY(isComplete());
+    m_studio->key(Qt::Key_Return);
+    QVERIFY(m_studio->settle());
+    QVERIFY(m_studio->objectShare() > share);
+    QCOMPARE(m_studio->document().undoStack()->count(), 1);
+}
+
+/// The history goes through several steps at once; only the wire before the next one matters.
+void tst_StudioScissors::theHistoryLeadsPastUsedWires()
+{
+    useRim();
+    m_studio->document().invert();
+    QVERIFY(m_studio->settle());
+    useRim();
+    const WirePath &path = scissors().editor().path();
+    QUndoStack &stack = *m_studio->document().undoStack();
+    QCOMPARE(stack.count(), 3);
+    for (const int index : {2, 1, 0, 1, 3, 0}) {
+        stack.setIndex(index);
+        QVERIFY(m_studio->settle());
+        QCOMPARE(path.isClosed(), index == 0 || index == 2);
+    }
+}
+
+void tst_StudioScissors::aCancelledCutGivesItsWireBack()
+{
+    layRim();
+    const QPolygonF wire = scissors().editor().path().outline();
+    scissors().setUse(WireUse::Cut);
+    m_studio->key(Qt::Key_Return);
+    QVERIFY(m_studio->document().isCutting());
+    m_studio->action("cancel").trigger();
+    QVERIFY(!m_studio->document().isCutting());
+    QCOMPARE(scissors().editor().path().outline(), wire);
+    m_studio->key(Qt::Key_Return);
+    QVERIFY(m_studio->settle());
+    QVERIFY(m_studio->document().hasCut());
 }
 
 void tst_StudioScissors::closesNearTheFirstNode_data()
@@ -240,22 +356,53 @@ void tst_StudioScissors::draggedNodeChangesTwoStretches()
     QCOMPARE(after.outline(), before.outline());
 }
 
+void tst_StudioScissors::nodesAreInsertedAndRemoved_data()
+{
+    QTest::addColumn<bool>("isClosed");
+    QTest::addRow("open wire") << false;
+    QTest::addRow("closed wire") << true;
+}
+
 void tst_StudioScissors::nodesAreInsertedAndRemoved()
 {
-    layRim();
+    QFETCH(bool, isClosed);
+    layRim(isClosed);
     const WirePath &path = scissors().editor().path();
-    const QPolygonF outline = path.outline();
-    const QPolygonF first = path.stretches().first().line;
-    m_studio->click(first.at(first.size() / 2));
+    const WirePath before = path;
+    const QPointF middle = before.stretches().at(2).line.at(10);
+    m_studio->move(middle);
+    QVERIFY(scissors().editor().lead().guess.isEmpty()); // a click does not lead on
+    m_studio->click(middle);
     QCOMPARE(path.nodes().size(), rim.size() + 1);
-    QCOMPARE(path.outline(), outline); // nothing was searched for
-    m_studio->click(node(1), Qt::RightButton);
-    QCOMPARE(path.nodes().size(), rim.size());
-    QVERIFY(isComplete());
+    QVERIFY(QLineF(node(3), middle).length() < 3.0);
+    QCOMPARE(path.outline(), before.outline()); // nothing was searched for
+    m_studio->drag({middle, middle + QPointF(6, 6), middle + QPointF(20, 20)});
+    QVERIFY(isKnown());
+    for (qsizetype i = 0; i < before.stretches().size(); ++i) {
+        if (i != 2)
+            QCOMPARE(path.stretches().at(i < 2 ? i : i + 1).line, before.stretches().at(i).line);
+    }
+    grab(isClosed ? QStringLiteral("scissors-inserted") : QStringLiteral("scissors-inserted-open"));
+    m_studio->click(node(3), Qt::RightButton);
+    QCOMPARE(path.nodes(), before.nodes());
+    QVERIFY(isKnown());
     m_studio->move(node(5));
     m_studio->key(Qt::Key_Delete);
     QCOMPARE(path.nodes().size(), rim.size() - 1);
-    QVERIFY(isComplete());
+    QVERIFY(isKnown());
+    for (int undone = 0; undone < 4; ++undone)
+        m_studio->action("undo").trigger();
+    QCOMPARE(path.outline(), before.outline());
+}
+
+/// Where it comes near itself, a click would add a point to what is there.
+void tst_StudioScissors::controlLeadsAcrossTheWire()
+{
+    layRim(false);
+    const QPointF middle = scissors().editor().path().stretches().at(2).line.at(10);
+    m_studio->press(middle, Qt::LeftButton, Qt::ControlModifier);
+    m_studio->release(middle);
+    QCOMPARE(node(rim.size()), middle); // the last one
 }
 
 /// Stretches that nobody waited for come later, and the wire is used when all are there.

@@ -1,7 +1,9 @@
 #include "StudioDriver.h"
 
 #include "Autosave.h"
+#include "EditedMask.h"
 #include "RySettings.h"
+#include "StudioSettings.h"
 #include "support/TestPictures.h"
 
 #include <QAbstractButton>
@@ -43,12 +45,28 @@ void work(StudioDriver &studio)
     QVERIFY(studio.settle());
 }
 
-QImage alphaOf(const QImage &sessionMask)
+/// As the edge controls do.
+void workOnEdge(StudioDriver &studio)
 {
-    QImage mask = sessionMask.convertToFormat(QImage::Format_Alpha8);
-    mask.reinterpretAsFormat(QImage::Format_Grayscale8);
-    mask.invertPixels();
-    return mask;
+    EdgeSettings edges;
+    edges.drop = 40;
+    edges.grow = -2;
+    edges.feather = 3;
+    studio.document().setEdgeSettings(edges, u"Feather"_s);
+    edges.clean = 4;
+    studio.document().setEdgeSettings(edges, u"Clean"_s);
+}
+
+/// As it is exported.
+QImage maskOf(const Document &document)
+{
+    return EditedMask::make(document.cutoutSource(), {}).alpha;
+}
+
+QByteArray contentsOf(const QString &fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QStringList keptSessions()
@@ -103,6 +121,7 @@ int tst_StudioSessions::beKilled()
     if (!studio.open(qEnvironmentVariable("RY_VICTIM_PICTURE")))
         return 1;
     work(studio);
+    workOnEdge(studio);
     return QTest::qWaitFor([] { return false; }, StudioDriver::patienceMs);
 }
 
@@ -165,25 +184,31 @@ void tst_StudioSessions::answer(QMessageBox::StandardButton button)
 void tst_StudioSessions::savedSessionsComeBack_data()
 {
     QTest::addColumn<QString>("picture");
-    QTest::addRow("beside its picture") << u"my #1 cup.png"_s;
-    QTest::addRow("elsewhere") << u"elsewhere/cup.png"_s;
+    QTest::addColumn<bool>("hasEdges");
+    QTest::addRow("beside its picture") << u"my #1 cup.png"_s << false;
+    QTest::addRow("elsewhere") << u"elsewhere/cup.png"_s << false;
+    QTest::addRow("with its edge") << u"cup.png"_s << true;
 }
 
 void tst_StudioSessions::savedSessionsComeBack()
 {
     QFETCH(QString, picture);
+    QFETCH(bool, hasEdges);
     QVERIFY(QDir().mkpath(QFileInfo(path(picture)).absolutePath()));
     QVERIFY(QFile::copy(coffee, path(picture)));
     QVERIFY(m_studio->open(path(picture)));
     work(*m_studio);
+    if (hasEdges)
+        workOnEdge(*m_studio);
     QVERIFY(m_studio->window.isWindowModified());
     const QString session = path(u"saved.session"_s);
     QVERIFY(save(session));
     QVERIFY(!m_studio->window.isWindowModified());
-    const QImage mask = alphaOf(m_studio->document().mask());
+    const QImage mask = maskOf(m_studio->document());
     QCOMPARE(replayed(session, path(picture)), mask);
 
-    const int steps = m_studio->document().undoStack()->index();
+    const int steps = m_studio->document().undoStack()->index() - (hasEdges ? 1 : 0);
+    const EdgeSettings edges = m_studio->document().edgeSettings();
     const QByteArray gestures = [&] {
         GestureFile file;
         file.gestures = m_studio->document().gestures();
@@ -192,8 +217,9 @@ void tst_StudioSessions::savedSessionsComeBack()
     m_studio = std::make_unique<StudioDriver>();
     QVERIFY(openSession(session));
     Document &document = m_studio->document();
-    QCOMPARE(alphaOf(document.mask()), mask);
+    QCOMPARE(maskOf(document), mask);
     QVERIFY(!document.isModified());
+    QVERIFY(document.edgeSettings() == edges);
     QCOMPARE(document.opened().fileName, path(picture));
     QCOMPARE(document.undoStack()->index(), steps);
     GestureFile again;
@@ -202,7 +228,7 @@ void tst_StudioSessions::savedSessionsComeBack()
     document.undo();
     QVERIFY(m_studio->settle());
     QVERIFY(document.isModified());
-    QVERIFY(alphaOf(document.mask()) != mask);
+    QVERIFY(maskOf(document) != mask);
 }
 
 void tst_StudioSessions::sessionsOfOthersArePlayed_data()
@@ -240,11 +266,7 @@ void tst_StudioSessions::sessionsOfOthersArePlayed()
     const QImage expected = replayed(session, coffee);
     QVERIFY(save(saved));
     QCOMPARE(replayed(saved, coffee), expected);
-    const QImage mask = alphaOf(m_studio->document().mask());
-    if (mask.size() == expected.size())
-        QCOMPARE(mask, expected);
-    else
-        QCOMPARE(mask.width(), 300);
+    QCOMPARE(maskOf(m_studio->document()), expected);
 }
 
 void tst_StudioSessions::pastedPicturesAreSavedAlong()
@@ -323,9 +345,7 @@ void tst_StudioSessions::unsavedWorkIsSavedOnRequest()
     QVERIFY(m_studio->settle());
     answer(QMessageBox::Save);
     QVERIFY(m_studio->window.close());
-    QFile file(session);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QVERIFY(file.readAll().contains("invert"));
+    QVERIFY(contentsOf(session).contains("invert"));
 }
 
 void tst_StudioSessions::keepsWhatIsUnsaved()
@@ -343,14 +363,20 @@ void tst_StudioSessions::keepsWhatIsUnsaved()
 void tst_StudioSessions::restoresAfterACrash_data()
 {
     QTest::addColumn<QMessageBox::StandardButton>("button");
-    QTest::addRow("restored") << QMessageBox::Yes;
-    QTest::addRow("discarded") << QMessageBox::Discard;
-    QTest::addRow("left") << QMessageBox::Cancel;
+    QTest::addColumn<QString>("named"); // the picture that the program is started with
+    const QString rocket = QStringLiteral(RY_SAMPLES_DIR "/rocket.jpg");
+    QTest::addRow("restored") << QMessageBox::Yes << QString();
+    QTest::addRow("discarded") << QMessageBox::Discard << QString();
+    QTest::addRow("left") << QMessageBox::Cancel << QString();
+    QTest::addRow("restored instead of a picture") << QMessageBox::Yes << rocket;
+    QTest::addRow("discarded for a picture") << QMessageBox::Discard << rocket;
+    QTest::addRow("left for a picture") << QMessageBox::Cancel << rocket;
 }
 
 void tst_StudioSessions::restoresAfterACrash()
 {
     QFETCH(QMessageBox::StandardButton, button);
+    QFETCH(QString, named);
     const bool isRestored = button == QMessageBox::Yes;
     QProcess victim;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -358,29 +384,38 @@ void tst_StudioSessions::restoresAfterACrash()
     victim.setProcessEnvironment(environment);
     victim.start(QCoreApplication::applicationFilePath());
     QTRY_COMPARE_WITH_TIMEOUT(keptSessions().size(), 1, StudioDriver::patienceMs);
-    m_studio->window.sessions().offerToRestore(); // nothing is offered that somebody works on
+    m_studio->window.begin({}); // nothing is offered that somebody works on
     QVERIFY(!m_studio->document().hasPicture());
     const auto isWhole = [] {
-        QFile file(Autosave::folder() + u'/' + keptSessions().value(0));
-        return file.open(QIODevice::ReadOnly) && file.readAll().contains("area fg");
+        return contentsOf(Autosave::folder() + u'/' + keptSessions().value(0)).contains("clean 4");
     };
     QTRY_VERIFY_WITH_TIMEOUT(isWhole(), StudioDriver::patienceMs);
     victim.kill();
     QVERIFY(victim.waitForFinished());
 
     QSignalSpy ended(&m_studio->document(), &Document::replayEnded);
+    const QString session = Autosave::folder() + u'/' + keptSessions().constFirst();
+    const QByteArray kept = contentsOf(session);
     answer(button);
-    m_studio->window.sessions().offerToRestore();
+    m_studio->window.begin(named);
     if (isRestored) {
+        QCOMPARE(StudioSettings::instance().recentFiles().contains(named), !named.isEmpty());
         QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, StudioDriver::patienceMs);
         QVERIFY(m_studio->settle());
         QVERIFY(m_studio->window.isWindowModified());
         QCOMPARE(m_studio->document().opened().fileName, coffee);
-        const QImage mask = alphaOf(m_studio->document().mask());
+        const QImage mask = maskOf(m_studio->document());
         QVERIFY(save(path(u"restored.session"_s)));
         QCOMPARE(replayed(path(u"restored.session"_s), coffee), mask);
     }
-    QTRY_COMPARE(keptSessions().size(), button == QMessageBox::Cancel ? 1 : 0);
+    const bool isLeft = button == QMessageBox::Cancel;
+    QTRY_COMPARE(keptSessions().size(), isLeft ? 1 : 0);
+    if (named.isEmpty() || isRestored)
+        return;
+    QTRY_COMPARE(m_studio->document().opened().fileName, named);
+    m_studio->drag({{200, 50}, {400, 50}, {400, 300}, {200, 300}}); // its work is kept beside it
+    QTRY_COMPARE_WITH_TIMEOUT(keptSessions().size(), isLeft ? 2 : 1, StudioDriver::patienceMs);
+    QCOMPARE(contentsOf(session), isLeft ? kept : QByteArray());
 }
 
 int main(int argc, char *argv[])

@@ -48,6 +48,8 @@ void tst_GestureFile::writesWhatItRead_data()
     row("hover bg 1 2 30\n");
     row("color #ff8000\n");
     row("method graph\nmethod classic\n");
+    row("drop 3\nfill 4\nsmooth 0\ngrow -6\nfeather 7\nclean 8\n");
+    row("grow 2\nsmooth 1\nundo\ngrow -200\n", "undo\nsmooth 1\ngrow -200\n");
     row("recut\ninvert\nundo\nredo\n");
     row("seed 1 2\nwire 3 4\nclick 9 9\nclose\nseed 5 6\nclose\n");
     row("click +1e1 2.50\n", "click 10 2.5\n");
@@ -141,6 +143,13 @@ void tst_GestureFile::namesTheMalformedLine_data()
     for (const char *const color : {"", "red", "#ff800", "#ff80001", "#gg0000", "# red"})
         row(QByteArray("color ") + color, u"#ff8000"_s);
     row("undo 2", u"'2'"_s);
+    row("smooth 201", u"from 0 to 200"_s);
+    row("grow -201", u"'-201'; write 'grow PIXELS'"_s);
+    row("feather 1.5", u"'1.5'"_s);
+    row("drop", u"the line ends"_s);
+    row("fill 100000001", u"'100000001'"_s);
+    row("clean 51", u"from 0 to 50"_s);
+    row("soft 2", u"smooth"_s);
     row("wire 1 2", u"seed"_s);
     row("close", u"seed"_s);
     whole(begin + "file\n", 2, u"name"_s);
