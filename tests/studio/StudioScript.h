@@ -194,10 +194,15 @@ private:
         set("edgeDrop", 100);
         if (!done("edge controls"))
             return false;
+        use("viewCheckerboard");
+        set("edgeClean", 4);
+        if (!done("clean colours"))
+            return false;
         use("scribble");
         drag(circle(0.6, 40));
         if (!done("scribble under a soft edge"))
             return false;
+        use("viewOverlay");
         QGuiApplication::clipboard()->setText(QStringLiteral("something else"));
         use("copyCutout");
         const bool isCopied = StudioDriver::waitFor([] {
