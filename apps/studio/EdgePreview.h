@@ -14,9 +14,8 @@ class Document;
 
 /**
  * The mask as a document's edge settings change it, and the colours along it, made beside the event
- * loop. Work for settings
- * that have changed is given up; of masks that arrive meanwhile, as they do during a stroke, the
- * newest follows when the last one is done.
+ * loop. Work for settings that have changed is given up; of masks that arrive meanwhile, as they do
+ * during a stroke, the newest follows when the last one is done.
  *
  * Threads  the GUI thread.
  */
