@@ -22,8 +22,9 @@ class RyIntelligentScissorsWireCalculator;
  *          pixel (1, 1): the last one may lie a pixel outside the picture, and the host clips it.
  * Source   Mortensen and Barrett, Intelligent Scissors, SIGGRAPH 1995, with brightness for costs.
  * Errors   none reported: before setup(), and after one that failed, there is no wire anywhere.
- * Threads  belongs to the thread that it lives in. containsWireToPoint() and bestWire() may be
- *          called from any other as well, while runs start and stop, and never wait for a run.
+ * Threads  belongs to the thread that it lives in. isSearching(), containsWireToPoint() and
+ *          bestWire() may be called from any other as well, while runs start and stop, and never
+ *          wait for a run.
  *
  * The wire can leave the picture: the grid goes on for up to twice the picture's size to the right
  * and downwards, over black ground.
