@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/Patience.h"
+
 #include <QByteArray>
 #include <QFile>
 #include <QJsonDocument>
@@ -20,7 +22,7 @@ struct RycutRun
     static RycutRun finished(QProcess &process)
     {
         RycutRun run;
-        if (process.waitForFinished() && process.exitStatus() == QProcess::NormalExit)
+        if (process.waitForFinished(patienceMs) && process.exitStatus() == QProcess::NormalExit)
             run.status = process.exitCode();
         run.output = process.readAllStandardOutput();
         run.errors = process.readAllStandardError();

@@ -1,3 +1,5 @@
+#include "support/Patience.h"
+
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -27,7 +29,7 @@ struct Run
         QProcess process;
         process.start(u"" RY_QUALITY_PROGRAM ""_s, arguments);
         Run run;
-        if (process.waitForFinished() && process.exitStatus() == QProcess::NormalExit)
+        if (process.waitForFinished(patienceMs) && process.exitStatus() == QProcess::NormalExit)
             run.status = process.exitCode();
         run.output = QString::fromUtf8(process.readAllStandardOutput());
         run.errors = QString::fromUtf8(process.readAllStandardError());

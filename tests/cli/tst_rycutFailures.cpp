@@ -1,5 +1,6 @@
 #include "cli/RycutRun.h"
 #include "cli/Terminal.h"
+#include "support/Patience.h"
 #include "support/Samples.h"
 
 #include <QDir>
@@ -172,12 +173,12 @@ void tst_rycutFailures::showsProgressAndStopsOnInterrupt()
     RycutRun::start(process, {u"cut"_s, path(u"p.bmp"_s), u"--polygon"_s,
                               u"500,300 4500,300 4500,3000 500,3000"_s, u"--full-size"_s,
                               u"--output"_s, path(u"o.png"_s)});
-    QTRY_VERIFY_WITH_TIMEOUT(terminal.said().contains(" %"), 60000); // the session is at work
+    QTRY_VERIFY_WITH_TIMEOUT(terminal.said().contains(" %"), patienceMs); // the session is at work
     QCOMPARE(terminal.said().contains("\033[32m"), isColoured);
     QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
     QCOMPARE(RycutRun::finished(process).status, 130);
     QTRY_VERIFY_WITH_TIMEOUT(
-            terminal.said().endsWith("\033[Krycut: interrupted, nothing written\r\n"), 60000);
+            terminal.said().endsWith("\033[Krycut: interrupted, nothing written\r\n"), patienceMs);
     QCOMPARE(files(), before);
     QCOMPARE(contents(path(u"o.png"_s)), QByteArray("precious"));
 }

@@ -1,5 +1,6 @@
 #include "cli/RycutRun.h"
 #include "cli/Terminal.h"
+#include "support/Patience.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -244,7 +245,8 @@ void tst_rycutReplay::stopsOnInterrupt()
     process.setProcessEnvironment(environment);
     process.setStandardErrorFile(terminal.deviceName());
     RycutRun::start(process, {u"replay"_s, path(u"s"_s), coffee, u"--mask"_s, path(u"m.png"_s)});
-    QTRY_VERIFY_WITH_TIMEOUT(terminal.said().contains("100 %"), 60000); // the clicks have begun
+    QTRY_VERIFY_WITH_TIMEOUT(terminal.said().contains("100 %"),
+                             patienceMs); // the clicks have begun
     QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
     QCOMPARE(RycutRun::finished(process).status, 130);
     QVERIFY(!QFile::exists(path(u"m.png"_s)));

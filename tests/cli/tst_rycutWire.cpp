@@ -1,5 +1,6 @@
 #include "cli/RycutRun.h"
 #include "cli/Terminal.h"
+#include "support/Patience.h"
 
 #include <QDir>
 #include <QImage>
@@ -282,7 +283,8 @@ void tst_rycutWire::stopsOnInterrupt()
     process.setStandardErrorFile(terminal.deviceName());
     RycutRun::start(process, {u"wire"_s, path(u"p.bmp"_s), u"--full-size"_s, u"--points"_s,
                               u"0,0 1999,1999 "_s.repeated(200), u"--overlay"_s, path(u"v.png"_s)});
-    QTRY_VERIFY_WITH_TIMEOUT(terminal.said().contains(" %"), 60000); // one stretch has been laid
+    QTRY_VERIFY_WITH_TIMEOUT(terminal.said().contains(" %"),
+                             patienceMs); // one stretch has been laid
     QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
     QCOMPARE(RycutRun::finished(process).status, 130);
     QCOMPARE(files(), QStringList{u"p.bmp"_s});

@@ -1,6 +1,7 @@
 #include "scissors/RyIntelligentScissors.h"
 #include "scissors/RyIntelligentScissorsWireCalculator.h"
 #include "scissors/RyScissorsEdgePicture.h"
+#include "support/Patience.h"
 #include "support/ReferenceScissors.h"
 #include "support/TestPictures.h"
 
@@ -246,7 +247,7 @@ void tst_RyIntelligentScissors::photographs()
     QList<QPoint> allPoints;
     for (const QPoint target : {QPoint(0, 0), QPoint(239, 2), QPoint(180, 170), QPoint(7, 150),
                                 QPoint(100, 80), QPoint(240, 179), QPoint(700, 500)}) {
-        QTRY_VERIFY(scissors.containsWireToPoint(target));
+        QTRY_VERIFY_WITH_TIMEOUT(scissors.containsWireToPoint(target), patienceMs);
         const QList<QPoint> wire = scissors.bestWire(QPointF(target) + QPointF(0.9, 0.9));
         QCOMPARE(wire, expected.trace(cellOf(target), 2));
         QCOMPARE(scissors.lastWire(), wire);
@@ -282,13 +283,14 @@ void tst_RyIntelligentScissors::pictures()
     const QPoint corner(picture.width() - 1, picture.height() - 1);
     for (const QPoint seed : {corner, QPoint(0, 0)}) {
         scissors.initializeSeed(seed);
-        QTRY_VERIFY(scissors.containsWireToPoint(QPoint(seed.x(), 0)));
+        QTRY_VERIFY_WITH_TIMEOUT(scissors.containsWireToPoint(QPoint(seed.x(), 0)), patienceMs);
         // The first seed opens all blocks that reach within 2,048 grid points of it.
         const int endColumn = corner.x() / 2 + 2048 >= 4096 ? 1 << 30 : 4096;
         const ReferenceScissors::Search expected = plainSearch(rgb, seed, endColumn);
         for (const QPoint target : {QPoint(0, 0), corner, QPoint(corner.x(), 0), corner / 2}) {
-            QTRY_COMPARE(scissors.containsWireToPoint(target),
-                         expected.isFinal[std::size_t(expected.index(cellOf(target)))]);
+            QTRY_COMPARE_WITH_TIMEOUT(scissors.containsWireToPoint(target),
+                                      expected.isFinal[std::size_t(expected.index(cellOf(target)))],
+                                      patienceMs);
             QCOMPARE(scissors.bestWire(target), expected.trace(cellOf(target), 2));
         }
     }
@@ -300,12 +302,12 @@ void tst_RyIntelligentScissors::earlierSeedsKeepBlocksOpen()
     scissors.setup(TestPictures::noise(9000, 10, 4)); // 5,308 grid points wide
     const QPointF far(8900, 5);
     scissors.initializeSeed({0, 0});
-    QTRY_VERIFY(scissors.containsWireToPoint({8000, 5}));
+    QTRY_VERIFY_WITH_TIMEOUT(scissors.containsWireToPoint({8000, 5}), patienceMs);
     QVERIFY(!scissors.containsWireToPoint(far));
     scissors.initializeSeed(far);
-    QTRY_VERIFY(scissors.containsWireToPoint(far));
+    QTRY_VERIFY_WITH_TIMEOUT(scissors.containsWireToPoint(far), patienceMs);
     scissors.initializeSeed({0, 0});
-    QTRY_VERIFY(scissors.containsWireToPoint(far));
+    QTRY_VERIFY_WITH_TIMEOUT(scissors.containsWireToPoint(far), patienceMs);
     QCOMPARE(scissors.bestWire(far).constFirst(), QPoint(1, 1));
     QCOMPARE(scissors.seeds(), QList({QPoint(0, 0), far.toPoint(), QPoint(0, 0)}));
 }
@@ -331,8 +333,9 @@ void tst_RyIntelligentScissors::questionsAtOddPlaces()
     QCOMPARE(point, QPoint(88, 0));
     scissors.initializeSeed({-0.5, 10.4});
     QCOMPARE(scissors.seeds(), QList({QPoint(0, 10)}));
-    QTRY_VERIFY(scissors.containsWireToPoint({1e300, 1e300})); // clamped, other than below
-    QTRY_VERIFY(scissors.containsWireToPoint({-1e300, notANumber}));
+    QTRY_VERIFY_WITH_TIMEOUT(scissors.containsWireToPoint({1e300, 1e300}),
+                             patienceMs); // clamped, other than below
+    QTRY_VERIFY_WITH_TIMEOUT(scissors.containsWireToPoint({-1e300, notANumber}), patienceMs);
     for (const QPointF outside : {QPointF(-1, 0), QPointF(0, 1e300), QPointF(90, 0)})
         QVERIFY(scissors.bestWire(outside).isEmpty());
     QCOMPARE(scissors.bestWire({-0.9, notANumber}).constLast(), QPoint(1, 1));
@@ -387,7 +390,8 @@ void tst_RyIntelligentScissors::stopping()
     scissors.stopRunning();
     QCOMPARE(values, QList({2250.0 * 2250.0}));
     scissors.initializeSeed({750, 750});
-    QTRY_VERIFY(values.size() > 3); // of the search, through the event loop
+    QTRY_VERIFY_WITH_TIMEOUT(values.size() > 3,
+                             patienceMs); // of the search, through the event loop
     QVERIFY(values.constLast() > 0.0 && values.constLast() < 1.0);
     scissors.setup(white); // in the middle of a search
     QVERIFY(!scissors.containsWireToPoint({750, 750}));

@@ -4,6 +4,7 @@
 #include "HeapPolicy.h"
 #include "MainWindow.h"
 #include "PaintThreads.h"
+#include "support/Patience.h"
 
 #include <QAction>
 #include <QDeadlineTimer>
@@ -21,8 +22,6 @@
 class StudioDriver
 {
 public:
-    static constexpr int patienceMs = 60000;
-
     StudioDriver()
     {
         HeapPolicy::returnLargeBlocks(); // as main() does

@@ -144,7 +144,7 @@ private:
     void hover(const QPointF &point)
     {
         PaintWatch watch(m_studio.canvas());
-        const QDeadlineTimer end(StudioDriver::patienceMs);
+        const QDeadlineTimer end(patienceMs);
         ThreadStopwatch stopwatch;
         m_studio.move(point);
         while (!watch.isPainted && !end.hasExpired())

@@ -229,9 +229,10 @@ void tst_Studio::strokesAreShownWhileTheyAreDrawn()
     const QImage before = m_studio->canvas().grab(area).toImage();
     m_studio->press(wood);
     m_studio->move(wood + QPointF(100, -40), Qt::LeftButton);
-    QTRY_VERIFY(isObject(wood));
-    QTRY_VERIFY(m_studio->canvas().isUpToDate() &&
-                m_studio->canvas().grab(area).toImage() != before);
+    QTRY_VERIFY_WITH_TIMEOUT(isObject(wood), patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(m_studio->canvas().isUpToDate() &&
+                                     m_studio->canvas().grab(area).toImage() != before,
+                             patienceMs);
     QCOMPARE(m_studio->document().undoStack()->count(), 1);
     m_studio->release(wood);
 }
@@ -365,7 +366,7 @@ void tst_Studio::escapeWithinAStroke()
     m_studio->action("brush").trigger();
     m_studio->press(wood);
     m_studio->move(wood + QPointF(100, -40), Qt::LeftButton);
-    QTRY_VERIFY(isObject(wood));
+    QTRY_VERIFY_WITH_TIMEOUT(isObject(wood), patienceMs);
     m_studio->action("cancel").trigger();
     QCOMPARE(m_studio->document().mask(), before); // at once
     m_studio->release(wood);
@@ -404,7 +405,7 @@ void tst_Studio::escapeCancelsACut()
     connect(&m_studio->document(), &Document::progress, this, [&steps] { ++steps; });
     m_studio->drag(large);
     QVERIFY(m_studio->document().isCutting());
-    QTRY_VERIFY(steps >= progress || !m_studio->document().isCutting());
+    QTRY_VERIFY_WITH_TIMEOUT(steps >= progress || !m_studio->document().isCutting(), patienceMs);
     if (!m_studio->document().isCutting())
         QSKIP("the machine was faster");
     m_studio->action("cancel").trigger();
@@ -643,7 +644,7 @@ void tst_Studio::badPicturesAreExplained()
     QVERIFY(m_studio->open(coffee));
     m_studio->window.openFile(file.fileName());
     const auto box = [&] { return m_studio->window.findChild<QMessageBox *>(); };
-    QTRY_VERIFY(box());
+    QTRY_VERIFY_WITH_TIMEOUT(box(), patienceMs);
     QVERIFY2(box()->text().contains(said), qPrintable(box()->text()));
     QVERIFY(box()->text().contains(QStringLiteral("“bad”")));
     box()->accept();
@@ -654,7 +655,7 @@ void tst_Studio::pastedPicture()
 {
     QGuiApplication::clipboard()->setImage(TestPictures::gradient(80, 60));
     m_studio->action("paste").trigger();
-    QTRY_VERIFY(m_studio->document().hasPicture());
+    QTRY_VERIFY_WITH_TIMEOUT(m_studio->document().hasPicture(), patienceMs);
     QCOMPARE(m_studio->document().picture().size(), QSize(80, 60));
     QVERIFY(m_studio->document().opened().fileName.isEmpty());
 }
@@ -670,7 +671,7 @@ void tst_Studio::droppedPicture()
     QVERIFY(enter.isAccepted());
     QDropEvent event(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
     QCoreApplication::sendEvent(&m_studio->window, &event);
-    QTRY_COMPARE(m_studio->document().opened().fileName, file);
+    QTRY_COMPARE_WITH_TIMEOUT(m_studio->document().opened().fileName, file, patienceMs);
 }
 
 void tst_Studio::unsavedChangesAreAskedAbout()

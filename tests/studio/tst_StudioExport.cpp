@@ -142,7 +142,7 @@ QImage tst_StudioExport::previewedAlpha() const
     EdgePreview preview(m_studio->document());
     QSignalSpy changes(&preview, &EdgePreview::changed);
     Q_EMIT m_studio->document().edgeSettingsChanged();
-    return changes.wait(StudioDriver::patienceMs) ? alphaOf(preview) : QImage();
+    return changes.wait(patienceMs) ? alphaOf(preview) : QImage();
 }
 
 template <typename Dialog>
@@ -153,7 +153,7 @@ Dialog *tst_StudioExport::openDialog() const
 
 void tst_StudioExport::chooseOptions(const CutoutPicture::Options &options)
 {
-    QTRY_VERIFY(openDialog<ExportDialog>());
+    QTRY_VERIFY_WITH_TIMEOUT(openDialog<ExportDialog>(), patienceMs);
     auto *const dialog = openDialog<ExportDialog>();
     dialog->findChild<QCheckBox *>(QStringLiteral("exportCrop"))->setChecked(options.crop);
     if (auto *const clean = dialog->findChild<QCheckBox *>(QStringLiteral("exportClean")))
@@ -165,14 +165,14 @@ void tst_StudioExport::chooseOptions(const CutoutPicture::Options &options)
 
 void tst_StudioExport::chooseFile(const QString &fileName)
 {
-    QTRY_VERIFY(openDialog<QFileDialog>());
+    QTRY_VERIFY_WITH_TIMEOUT(openDialog<QFileDialog>(), patienceMs);
     auto *const dialog = openDialog<QFileDialog>();
     auto *const line = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
     QVERIFY(line);
     QVERIFY(line->text().startsWith(QStringLiteral("coffee-")));
     line->setText(fileName);
     QTest::keyClick(line, Qt::Key_Return);
-    QTRY_VERIFY(!openDialog<QFileDialog>());
+    QTRY_VERIFY_WITH_TIMEOUT(!openDialog<QFileDialog>(), patienceMs);
 }
 
 void tst_StudioExport::previewFollowsTheControls_data()
@@ -223,11 +223,11 @@ void tst_StudioExport::previewFollowsTheMask()
     m_studio->action("scribble").trigger();
     m_studio->drag({{20, 20}, {60, 40}});
     QVERIFY(m_studio->settle());
-    QTRY_VERIFY(preview.isUpToDate());
+    QTRY_VERIFY_WITH_TIMEOUT(preview.isUpToDate(), patienceMs);
     QCOMPARE(alphaOf(preview), expectedMask().alpha);
     m_studio->action("undo").trigger();
     QVERIFY(m_studio->settle());
-    QTRY_VERIFY(preview.isUpToDate());
+    QTRY_VERIFY_WITH_TIMEOUT(preview.isUpToDate(), patienceMs);
     QCOMPARE(alphaOf(preview), expectedMask().alpha);
 }
 
@@ -351,7 +351,7 @@ void tst_StudioExport::exports()
     chooseFile(name); // gets the kind's suffix
     const bool isSvg = kind == ExportKind::Outline;
     QFile file(name + (isSvg ? QStringLiteral(".svg") : QStringLiteral(".png")));
-    QTRY_VERIFY(file.exists());
+    QTRY_VERIFY_WITH_TIMEOUT(file.exists(), patienceMs);
     QVERIFY(file.open(QIODevice::ReadOnly));
 
     const CutoutMask mask = expectedMask();
@@ -400,7 +400,7 @@ void tst_StudioExport::failuresAreExplained()
     QSignalSpy files(&exporter, &Exporter::written);
     exporter.write(fileName, ExportKind::Cutout, m_studio->document().cutoutSource(), {});
     QVERIFY(exporter.isBusy());
-    QTRY_VERIFY(!exporter.isBusy());
+    QTRY_VERIFY_WITH_TIMEOUT(!exporter.isBusy(), patienceMs);
     QCOMPARE(failures.count(), 1);
     QVERIFY(failures.first().first().toString().contains(QDir::toNativeSeparators(fileName)));
     QCOMPARE(files.count(), 0);
@@ -420,7 +420,7 @@ void tst_StudioExport::cancelledExportLeavesNoFile()
     QVERIFY(!exporter.isBusy());
     const QString next = m_folder.filePath(QStringLiteral("next.png"));
     exporter.write(next, ExportKind::Mask, m_studio->document().cutoutSource(), {});
-    QTRY_COMPARE(files.count(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(files.count(), 1, patienceMs);
     QCOMPARE(files.first().first().toString(), next);
     QCOMPARE(failures.count(), 0);
     QVERIFY(QFileInfo::exists(next) && !QFileInfo::exists(fileName));
@@ -431,7 +431,7 @@ void tst_StudioExport::failureIsShown()
     openAndCut();
     set("edgeDrop", 100000000);
     m_studio->action("copyCutout").trigger();
-    QTRY_VERIFY(openDialog<QMessageBox>());
+    QTRY_VERIFY_WITH_TIMEOUT(openDialog<QMessageBox>(), patienceMs);
     QVERIFY(openDialog<QMessageBox>()->text().contains(QStringLiteral("nothing is left")));
     openDialog<QMessageBox>()->accept();
 }
@@ -443,7 +443,7 @@ void tst_StudioExport::clipboard()
     QGuiApplication::clipboard()->setText(QStringLiteral("something else"));
     m_studio->action("copyCutout").trigger();
     const auto data = [] { return QGuiApplication::clipboard()->mimeData(); };
-    QTRY_VERIFY(data()->hasImage());
+    QTRY_VERIFY_WITH_TIMEOUT(data()->hasImage(), patienceMs);
     const QImage expected =
             CutoutPicture::compose(m_studio->document().picture(), expectedMask(),
                                    {.cleanPixels = EdgeColours::usualRimPixels, .crop = true});
@@ -496,12 +496,12 @@ void tst_StudioExport::everyControlHasAName()
     save(m_studio->window, "edges");
     for (const char *const id : {"exportCutout", "exportMask", "exportOutline"}) {
         m_studio->action(id).trigger();
-        QTRY_VERIFY(openDialog<ExportDialog>());
+        QTRY_VERIFY_WITH_TIMEOUT(openDialog<ExportDialog>(), patienceMs);
         auto *const dialog = openDialog<ExportDialog>();
         check(*dialog);
         save(*dialog, id);
         dialog->reject();
-        QTRY_VERIFY(!openDialog<ExportDialog>());
+        QTRY_VERIFY_WITH_TIMEOUT(!openDialog<ExportDialog>(), patienceMs);
     }
 }
 

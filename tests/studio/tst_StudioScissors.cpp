@@ -105,14 +105,13 @@ void tst_StudioScissors::grab(const QString &name)
 
 bool tst_StudioScissors::isComplete()
 {
-    return QTest::qWaitFor([this] { return scissors().editor().isComplete(); },
-                           StudioDriver::patienceMs);
+    return QTest::qWaitFor([this] { return scissors().editor().isComplete(); }, patienceMs);
 }
 
 bool tst_StudioScissors::isKnown()
 {
     return QTest::qWaitFor([this] { return !scissors().editor().path().firstUnknown(); },
-                           StudioDriver::patienceMs);
+                           patienceMs);
 }
 
 bool tst_StudioScissors::isObject(const QPointF &point)
@@ -148,7 +147,8 @@ void tst_StudioScissors::wireFollowsThePointer()
     m_studio->move(rim.at(2));
     const WireEditor &editor = scissors().editor();
     QVERIFY(QLineF(editor.lead().guess.last(), rim.at(2)).length() < 4.0);
-    QTRY_VERIFY(!editor.lead().wire.isEmpty() && editor.lead().guess.isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(!editor.lead().wire.isEmpty() && editor.lead().guess.isEmpty(),
+                             patienceMs);
     QCOMPARE(editor.lead().wire.first(), node(0));
     QVERIFY(editor.lead().wire.size() > 20);
     m_studio->click(rim.at(2));
@@ -160,7 +160,7 @@ void tst_StudioScissors::controlGoesStraight()
 {
     m_studio->click(rim.at(0));
     m_studio->move(rim.at(2));
-    QTRY_VERIFY(!scissors().editor().lead().wire.isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(!scissors().editor().lead().wire.isEmpty(), patienceMs);
     QTest::keyPress(&m_studio->canvas(), Qt::Key_Control);
     QVERIFY(scissors().editor().lead().wire.isEmpty());
     m_studio->press(rim.at(2), Qt::LeftButton, Qt::ControlModifier);
@@ -412,7 +412,7 @@ void tst_StudioScissors::clicksFasterThanTheSearch()
         m_studio->click(point);
     m_studio->key(Qt::Key_Return); // closes
     m_studio->key(Qt::Key_Return); // uses
-    QTRY_VERIFY_WITH_TIMEOUT(m_studio->document().hasCut(), StudioDriver::patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(m_studio->document().hasCut(), patienceMs);
     QVERIFY(m_studio->settle());
     QVERIFY(isObject(inside));
 }
@@ -436,7 +436,7 @@ void tst_StudioScissors::undoWithinAWire()
         QCOMPARE(path.nodes().size(), nodes);
     }
     QVERIFY(!redo.isEnabled());
-    QTRY_VERIFY(!path.firstUnknown());
+    QTRY_VERIFY_WITH_TIMEOUT(!path.firstUnknown(), patienceMs);
     m_studio->key(Qt::Key_Backspace);
     QCOMPARE(path.nodes().size(), 2);
     undo.trigger();

@@ -122,7 +122,7 @@ int tst_StudioSessions::beKilled()
         return 1;
     work(studio);
     workOnEdge(studio);
-    return QTest::qWaitFor([] { return false; }, StudioDriver::patienceMs);
+    return QTest::qWaitFor([] { return false; }, patienceMs);
 }
 
 void tst_StudioSessions::initTestCase()
@@ -147,7 +147,7 @@ bool tst_StudioSessions::openSession(const QString &fileName)
 {
     QSignalSpy ended(&m_studio->document(), &Document::replayEnded);
     m_studio->window.openFile(fileName);
-    return QTest::qWaitFor([&] { return !ended.isEmpty(); }, StudioDriver::patienceMs) &&
+    return QTest::qWaitFor([&] { return !ended.isEmpty(); }, patienceMs) &&
            ended.first().first().toBool() && m_studio->settle();
 }
 
@@ -155,7 +155,7 @@ bool tst_StudioSessions::save(const QString &fileName)
 {
     QSignalSpy saved(&m_studio->window.sessions(), &SessionController::saved);
     m_studio->window.sessions().saveTo(fileName);
-    return QTest::qWaitFor([&] { return !saved.isEmpty(); }, StudioDriver::patienceMs);
+    return QTest::qWaitFor([&] { return !saved.isEmpty(); }, patienceMs);
 }
 
 /// The mask that "rycut replay" makes of it, at the size it is cut at.
@@ -273,7 +273,7 @@ void tst_StudioSessions::pastedPicturesAreSavedAlong()
 {
     QGuiApplication::clipboard()->setImage(QImage(coffee));
     m_studio->action("paste").trigger();
-    QTRY_VERIFY(m_studio->document().hasPicture());
+    QTRY_VERIFY_WITH_TIMEOUT(m_studio->document().hasPicture(), patienceMs);
     work(*m_studio);
     const QImage mask = m_studio->document().mask();
     QVERIFY(save(path(u"pasted.session"_s)));
@@ -304,7 +304,7 @@ void tst_StudioSessions::saysWhatIsWrong()
     file.close();
     m_studio->window.openFile(file.fileName());
     const auto box = [&] { return m_studio->window.findChild<QMessageBox *>(); };
-    QTRY_VERIFY(box());
+    QTRY_VERIFY_WITH_TIMEOUT(box(), patienceMs);
     QVERIFY2(box()->text().contains(said), qPrintable(box()->text()));
     QVERIFY(!m_studio->window.sessions().isOpening());
 }
@@ -316,7 +316,7 @@ void tst_StudioSessions::anotherPictureIsAskedAbout()
     for (const auto button : {QMessageBox::No, QMessageBox::Yes}) {
         answer(button);
         m_studio->window.openFile(path(u"cup.session"_s));
-        QTRY_VERIFY(!m_studio->window.sessions().isOpening());
+        QTRY_VERIFY_WITH_TIMEOUT(!m_studio->window.sessions().isOpening(), patienceMs);
         QVERIFY(m_studio->settle());
         QCOMPARE(m_studio->document().hasPicture(), button == QMessageBox::Yes);
     }
@@ -325,7 +325,7 @@ void tst_StudioSessions::anotherPictureIsAskedAbout()
 void tst_StudioSessions::cancelledWhilePlayed()
 {
     m_studio->window.openFile(coffeeSession);
-    QTRY_VERIFY(m_studio->document().isReplaying());
+    QTRY_VERIFY_WITH_TIMEOUT(m_studio->document().isReplaying(), patienceMs);
     QVERIFY(!m_studio->canvas().isEnabled());
     m_studio->action("cancel").trigger();
     QVERIFY(!m_studio->document().isReplaying());
@@ -352,10 +352,10 @@ void tst_StudioSessions::keepsWhatIsUnsaved()
 {
     QVERIFY(m_studio->open(coffee));
     work(*m_studio);
-    QTRY_COMPARE(keptSessions().size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(keptSessions().size(), 1, patienceMs);
     QVERIFY(Autosave(m_studio->document()).takeOver().isEmpty()); // somebody works on it
     m_studio->document().setSaved();
-    QTRY_VERIFY(keptSessions().isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(keptSessions().isEmpty(), patienceMs);
     m_studio.reset();
     QVERIFY(QDir(Autosave::folder()).isEmpty());
 }
@@ -383,15 +383,15 @@ void tst_StudioSessions::restoresAfterACrash()
     environment.insert(u"RY_VICTIM_PICTURE"_s, coffee);
     victim.setProcessEnvironment(environment);
     victim.start(QCoreApplication::applicationFilePath());
-    QTRY_COMPARE_WITH_TIMEOUT(keptSessions().size(), 1, StudioDriver::patienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(keptSessions().size(), 1, patienceMs);
     m_studio->window.begin({}); // nothing is offered that somebody works on
     QVERIFY(!m_studio->document().hasPicture());
     const auto isWhole = [] {
         return contentsOf(Autosave::folder() + u'/' + keptSessions().value(0)).contains("clean 4");
     };
-    QTRY_VERIFY_WITH_TIMEOUT(isWhole(), StudioDriver::patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(isWhole(), patienceMs);
     victim.kill();
-    QVERIFY(victim.waitForFinished());
+    QVERIFY(victim.waitForFinished(patienceMs));
 
     QSignalSpy ended(&m_studio->document(), &Document::replayEnded);
     const QString session = Autosave::folder() + u'/' + keptSessions().constFirst();
@@ -400,7 +400,7 @@ void tst_StudioSessions::restoresAfterACrash()
     m_studio->window.begin(named);
     if (isRestored) {
         QCOMPARE(StudioSettings::instance().recentFiles().contains(named), !named.isEmpty());
-        QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, StudioDriver::patienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, patienceMs);
         QVERIFY(m_studio->settle());
         QVERIFY(m_studio->window.isWindowModified());
         QCOMPARE(m_studio->document().opened().fileName, coffee);
@@ -409,12 +409,12 @@ void tst_StudioSessions::restoresAfterACrash()
         QCOMPARE(replayed(path(u"restored.session"_s), coffee), mask);
     }
     const bool isLeft = button == QMessageBox::Cancel;
-    QTRY_COMPARE(keptSessions().size(), isLeft ? 1 : 0);
+    QTRY_COMPARE_WITH_TIMEOUT(keptSessions().size(), isLeft ? 1 : 0, patienceMs);
     if (named.isEmpty() || isRestored)
         return;
-    QTRY_COMPARE(m_studio->document().opened().fileName, named);
+    QTRY_COMPARE_WITH_TIMEOUT(m_studio->document().opened().fileName, named, patienceMs);
     m_studio->drag({{200, 50}, {400, 50}, {400, 300}, {200, 300}}); // its work is kept beside it
-    QTRY_COMPARE_WITH_TIMEOUT(keptSessions().size(), isLeft ? 2 : 1, StudioDriver::patienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(keptSessions().size(), isLeft ? 2 : 1, patienceMs);
     QCOMPARE(contentsOf(session), isLeft ? kept : QByteArray());
 }
 

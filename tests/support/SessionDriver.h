@@ -1,6 +1,7 @@
 #pragma once
 
 #include "segmentation/RyImageSegmentation.h"
+#include "support/Patience.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -44,9 +45,9 @@ public:
     {
         QElapsedTimer timer;
         timer.start();
-        while (!predicate() && timer.elapsed() < 60000)
+        while (!predicate() && timer.elapsed() < patienceMs)
             QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        return timer.elapsed() < 60000 || predicate();
+        return timer.elapsed() < patienceMs || predicate();
     }
 
     bool waitForMask()
