@@ -414,8 +414,13 @@ void tst_StudioExport::cancelledExportLeavesNoFile()
     Exporter exporter;
     QSignalSpy failures(&exporter, &Exporter::failed);
     QSignalSpy files(&exporter, &Exporter::written);
-    for (int i = 0; i < 4; ++i) // most of them wait for the first
-        exporter.write(fileName, ExportKind::Mask, m_studio->document().cutoutSource(), {});
+    CutoutSource large = m_studio->document().cutoutSource(); // for seconds, or until cancelled
+    const int cuttingLength = large.opened.picture.width();
+    large.opened.picture = large.opened.picture.scaled(6000, 4000);
+    large.opened.scale = CuttingScale(large.opened.picture.size(), cuttingLength);
+    large.edges.smooth = EdgeOptions::mostPixels;
+    for (int i = 0; i < 4; ++i) // all others wait for the first
+        exporter.write(fileName, ExportKind::Mask, large, {});
     exporter.cancel();
     QVERIFY(!exporter.isBusy());
     const QString next = m_folder.filePath(QStringLiteral("next.png"));
