@@ -5,11 +5,14 @@
 #include "MainWindow.h"
 #include "PaintThreads.h"
 #include "support/Patience.h"
+#include "support/Samples.h"
 
 #include <QAction>
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QEventLoop>
 #include <QMouseEvent>
+#include <QPixmap>
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
@@ -56,6 +59,24 @@ public:
         return waitFor([&] {
             return document().hasPicture() && document().opened().fileName == fileName;
         });
+    }
+
+    /// The sample that most tests work on, 600 x 400 pixels, which is its cutting size too.
+    static QString coffee() { return QStringLiteral(":/samples/coffee.png"); }
+    bool openCoffee() { return open(coffee()); }
+    static QPolygonF coffeeLasso()
+    {
+        QPolygonF points = Samples::lasso(QStringLiteral("coffee")).toSubpathPolygons().first();
+        points.removeLast(); // closes the path
+        return points;
+    }
+    /// True when the cup has been cut out.
+    bool cutCoffee()
+    {
+        if (!openCoffee())
+            return false;
+        drag(coffeeLasso());
+        return settle() && document().hasCut();
     }
 
     /// True when everything is done and drawn.
@@ -127,6 +148,11 @@ public:
         QTest::keyClick(&canvas(), key, modifiers);
     }
 
+    /// The point in pixels of the mask.
+    bool isObject(const QPointF &point)
+    {
+        return qAlpha(document().mask().pixel(point.toPoint())) == 0;
+    }
     /// The share of the picture that is object.
     double objectShare()
     {
@@ -138,6 +164,15 @@ public:
                                    [](QRgb pixel) { return qAlpha(pixel) == 0; });
         }
         return mask.isNull() ? 0.0 : double(count) / (double(mask.width()) * mask.height());
+    }
+
+    /// To be looked at; false when it cannot be written.
+    static bool photograph(QWidget &widget, const QString &name)
+    {
+        const QPixmap picture = widget.grab();
+        const QString file = QStringLiteral(RY_SCREENSHOTS_DIR "/%1-%2x.png");
+        return QDir().mkpath(QStringLiteral(RY_SCREENSHOTS_DIR)) &&
+               picture.save(file.arg(name).arg(picture.devicePixelRatio()));
     }
 
     MainWindow window;

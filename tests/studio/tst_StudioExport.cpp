@@ -11,7 +11,6 @@
 #include "cutout/MaskOutline.h"
 #include "cutout/SvgOutline.h"
 #include "settings/RyImageCutterSettings.h"
-#include "support/Samples.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
@@ -33,7 +32,6 @@
 
 namespace {
 
-const QString coffee = QStringLiteral(":/samples/coffee.png");
 constexpr int reducedLength = 300; // half the sample's
 
 /// Of the mask that is shown, how much of each pixel is object.
@@ -54,7 +52,6 @@ class tst_StudioExport : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void init();
     void cleanup();
 
@@ -76,8 +73,6 @@ private Q_SLOTS:
     void everyControlHasAName();
 
 private:
-    void openAndCut();
-    void cut();
     void set(const char *control, int value);
     CutoutMask expectedMask() const;
     QImage previewedAlpha() const;
@@ -90,14 +85,9 @@ private:
     std::unique_ptr<StudioDriver> m_studio;
 };
 
-void tst_StudioExport::initTestCase()
-{
-    RySettings::setFileName(m_folder.filePath(QStringLiteral("settings.ini")));
-    QVERIFY(QDir().mkpath(QStringLiteral(RY_SCREENSHOTS_DIR)));
-}
-
 void tst_StudioExport::init()
 {
+    RySettings::setFileName(m_folder.filePath(QStringLiteral("settings.ini")));
     m_studio = std::make_unique<StudioDriver>();
 }
 
@@ -106,21 +96,6 @@ void tst_StudioExport::cleanup()
     RyImageCutterSettings::instance().setMaximalImageLength(
             RyImageCutterSettings::defaultMaximalImageLength);
     m_studio.reset();
-}
-
-void tst_StudioExport::openAndCut()
-{
-    QVERIFY(m_studio->open(coffee));
-    cut();
-}
-
-void tst_StudioExport::cut()
-{
-    QPolygonF lasso = Samples::lasso(QStringLiteral("coffee")).toSubpathPolygons().first();
-    lasso.removeLast(); // closes the path
-    m_studio->drag(lasso);
-    QVERIFY(m_studio->settle());
-    QVERIFY(m_studio->document().hasCut());
 }
 
 void tst_StudioExport::set(const char *control, int value)
@@ -196,7 +171,7 @@ void tst_StudioExport::previewFollowsTheControls()
     QFETCH(int, value);
     QFETCH(int, cuttingLength);
     RyImageCutterSettings::instance().setMaximalImageLength(cuttingLength);
-    openAndCut();
+    QVERIFY(m_studio->cutCoffee());
     m_studio->action("invert").trigger(); // the cup becomes a hole, to be filled
     QVERIFY(m_studio->settle());
     const CutoutMask before = expectedMask();
@@ -215,7 +190,7 @@ void tst_StudioExport::previewFollowsTheControls()
 
 void tst_StudioExport::previewFollowsTheMask()
 {
-    openAndCut();
+    QVERIFY(m_studio->cutCoffee());
     set("edgeFeather", 8);
     QVERIFY(m_studio->settle());
     EdgePreview preview(m_studio->document());
@@ -248,7 +223,7 @@ void tst_StudioExport::cleanEdgeIsSeenOnBackgrounds()
     const auto seen = [this] {
         return m_studio->settle() ? m_studio->canvas().grab().toImage() : QImage();
     };
-    openAndCut();
+    QVERIFY(m_studio->cutCoffee());
     m_studio->action("viewOverlay").trigger();
     const QImage overlay = seen();
     m_studio->action(view.constData()).trigger();
@@ -271,7 +246,7 @@ void tst_StudioExport::cleanEdgeIsSeenOnBackgrounds()
 
 void tst_StudioExport::sliderIsOneStep()
 {
-    openAndCut();
+    QVERIFY(m_studio->cutCoffee());
     const int steps = m_studio->document().undoStack()->count();
     auto *const slider = m_studio->window.findChild<QSlider *>(QStringLiteral("edgeFeatherSlider"));
     for (const int value : {1, 4, 9})
@@ -297,7 +272,7 @@ void tst_StudioExport::sliderIsOneStep()
 
 void tst_StudioExport::resetAndNewPicture()
 {
-    openAndCut();
+    QVERIFY(m_studio->cutCoffee());
     auto *const reset = m_studio->window.findChild<QAbstractButton *>(QStringLiteral("edgeReset"));
     QVERIFY(!reset->isEnabled());
     set("edgeFeather", 8);
@@ -340,7 +315,7 @@ void tst_StudioExport::exports()
     QFETCH(CutoutPicture::Options, options);
     QFETCH(int, cuttingLength);
     RyImageCutterSettings::instance().setMaximalImageLength(cuttingLength);
-    openAndCut();
+    QVERIFY(m_studio->cutCoffee());
     set("edgeFeather", 4);
     set("edgeGrow", -2);
     set("edgeClean", 3);
@@ -393,7 +368,7 @@ void tst_StudioExport::failuresAreExplained()
 {
     QFETCH(QString, fileName);
     QFETCH(int, drop);
-    openAndCut();
+    QVERIFY(m_studio->cutCoffee());
     set("edgeDrop", drop);
     Exporter exporter;
     QSignalSpy failures(&exporter, &Exporter::failed);
@@ -409,7 +384,7 @@ void tst_StudioExport::failuresAreExplained()
 
 void tst_StudioExport::cancelledExportLeavesNoFile()
 {
-    openAndCut();
+    QVERIFY(m_studio->cutCoffee());
     const QString fileName = m_folder.filePath(QStringLiteral("cancelled.png"));
     Exporter exporter;
     QSignalSpy failures(&exporter, &Exporter::failed);
@@ -433,7 +408,7 @@ void tst_StudioExport::cancelledExportLeavesNoFile()
 
 void tst_StudioExport::failureIsShown()
 {
-    openAndCut();
+    QVERIFY(m_studio->cutCoffee());
     set("edgeDrop", 100000000);
     m_studio->action("copyCutout").trigger();
     QTRY_VERIFY_WITH_TIMEOUT(openDialog<QMessageBox>(), patienceMs);
@@ -443,7 +418,7 @@ void tst_StudioExport::failureIsShown()
 
 void tst_StudioExport::clipboard()
 {
-    openAndCut();
+    QVERIFY(m_studio->cutCoffee());
     set("edgeFeather", 3);
     QGuiApplication::clipboard()->setText(QStringLiteral("something else"));
     m_studio->action("copyCutout").trigger();
@@ -463,16 +438,17 @@ void tst_StudioExport::nothingToExport()
     constexpr std::array ids{"exportCutout", "exportMask", "exportOutline", "copyCutout"};
     const auto isEnabled = [this](const char *id) { return m_studio->action(id).isEnabled(); };
     QVERIFY(std::none_of(ids.begin(), ids.end(), isEnabled));
-    QVERIFY(m_studio->open(coffee));
+    QVERIFY(m_studio->openCoffee());
     QVERIFY(std::none_of(ids.begin(), ids.end(), isEnabled));
-    cut();
+    m_studio->drag(StudioDriver::coffeeLasso());
+    QVERIFY(m_studio->settle());
     QVERIFY(std::all_of(ids.begin(), ids.end(), isEnabled));
 }
 
 /// And its picture is to be looked at.
 void tst_StudioExport::everyControlHasAName()
 {
-    openAndCut();
+    QVERIFY(m_studio->cutCoffee());
     set("edgeSmooth", 4);
     set("edgeFeather", 12);
     set("edgeGrow", -6);
@@ -492,19 +468,13 @@ void tst_StudioExport::everyControlHasAName()
         }
     };
     check(*m_studio->window.findChild<EdgePanel *>());
-    const auto save = [](QWidget &widget, const char *name) {
-        const QPixmap picture = widget.grab();
-        QVERIFY(picture.save(QStringLiteral(RY_SCREENSHOTS_DIR "/%1-%2x.png")
-                                     .arg(QLatin1StringView(name))
-                                     .arg(picture.devicePixelRatio())));
-    };
-    save(m_studio->window, "edges");
+    QVERIFY(StudioDriver::photograph(m_studio->window, QStringLiteral("edges")));
     for (const char *const id : {"exportCutout", "exportMask", "exportOutline"}) {
         m_studio->action(id).trigger();
         QTRY_VERIFY_WITH_TIMEOUT(openDialog<ExportDialog>(), patienceMs);
         auto *const dialog = openDialog<ExportDialog>();
         check(*dialog);
-        save(*dialog, id);
+        QVERIFY(StudioDriver::photograph(*dialog, QString::fromLatin1(id)));
         dialog->reject();
         QTRY_VERIFY_WITH_TIMEOUT(!openDialog<ExportDialog>(), patienceMs);
     }

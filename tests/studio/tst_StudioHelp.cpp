@@ -28,7 +28,6 @@ class tst_StudioHelp : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void init();
     void cleanup();
 
@@ -45,7 +44,6 @@ private Q_SLOTS:
 private:
     PreferencesDialog &openPreferences();
     QKeySequenceEdit &keyOf(const char *action);
-    void grab(QWidget &widget, const QString &name);
     template <typename T>
     T &control(const char *name)
     {
@@ -55,11 +53,6 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder; // stands for the one with everybody's settings
     std::unique_ptr<StudioDriver> m_studio;
 };
-
-void tst_StudioHelp::initTestCase()
-{
-    QVERIFY(QDir().mkpath(QStringLiteral(RY_SCREENSHOTS_DIR)));
-}
 
 void tst_StudioHelp::init()
 {
@@ -75,14 +68,6 @@ void tst_StudioHelp::cleanup()
 {
     m_studio.reset();
     StudioSettings::instance().loadSettings(); // what is still being saved is for this file
-}
-
-void tst_StudioHelp::grab(QWidget &widget, const QString &name)
-{
-    const QPixmap picture = widget.grab();
-    QVERIFY(picture.save(QStringLiteral(RY_SCREENSHOTS_DIR "/%1-%2x.png")
-                                 .arg(name)
-                                 .arg(picture.devicePixelRatio())));
 }
 
 PreferencesDialog &tst_StudioHelp::openPreferences()
@@ -112,7 +97,7 @@ void tst_StudioHelp::helpListsEveryAction()
     }
     for (const Tool *const tool : m_studio->tools().tools())
         QVERIFY2(help.contains(tool->description().hint), qPrintable(tool->description().name));
-    grab(*text->window(), QStringLiteral("help"));
+    QVERIFY(StudioDriver::photograph(*text->window(), QStringLiteral("help")));
 }
 
 void tst_StudioHelp::preferencesPersist()
@@ -121,7 +106,7 @@ void tst_StudioHelp::preferencesPersist()
     auto *const pages = dialog.findChild<QTabWidget *>();
     for (int page = 0; page < pages->count(); ++page) {
         pages->setCurrentIndex(page);
-        grab(dialog, QStringLiteral("preferences-%1").arg(page + 1));
+        QVERIFY(StudioDriver::photograph(dialog, QStringLiteral("preferences-%1").arg(page + 1)));
     }
     control<QSpinBox>("longestSide").setValue(777);
     control<QLineEdit>("debugFolder").setText(QDir::temp().filePath(QStringLiteral("elsewhere")));
@@ -159,7 +144,7 @@ void tst_StudioHelp::cancelledPreferencesChangeNothing()
 
 void tst_StudioHelp::keysAreApplied()
 {
-    QVERIFY(m_studio->open(QStringLiteral(":/samples/coffee.png")));
+    QVERIFY(m_studio->openCoffee());
     PreferencesDialog &dialog = openPreferences();
     QTest::keyClick(&keyOf("scribble"), Qt::Key_J);
     QTest::keyClick(&keyOf("scribble"), Qt::Key_K); // the last one counts
@@ -207,7 +192,6 @@ void tst_StudioHelp::everyControlHasAName()
 
 void tst_StudioHelp::windowIsRemembered()
 {
-    const QString coffee = QStringLiteral(":/samples/coffee.png");
     const auto dock = [this](const char *name) {
         return m_studio->window.findChild<QDockWidget *>(QString::fromLatin1(name));
     };
@@ -217,7 +201,7 @@ void tst_StudioHelp::windowIsRemembered()
         WindowSettings::instance().loadSettings();
         m_studio = std::make_unique<StudioDriver>();
     };
-    QVERIFY(m_studio->open(coffee));
+    QVERIFY(m_studio->openCoffee());
     m_studio->window.setGeometry(20, 40, 700, 600);
     m_studio->action("edges").trigger(); // closes it
     m_studio->window.addDockWidget(Qt::LeftDockWidgetArea, dock("historyDock"));
@@ -227,7 +211,7 @@ void tst_StudioHelp::windowIsRemembered()
     QVERIFY(!fits || m_studio->window.geometry() == geometry);
     QVERIFY(!dock("historyDock")->isVisible()); // there is no picture yet
     restart();                                  // and there was none
-    QVERIFY(m_studio->open(coffee));
+    QVERIFY(m_studio->openCoffee());
     QVERIFY(dock("historyDock")->isVisible() && !dock("edgesDock")->isVisible());
     QCOMPARE(m_studio->window.dockWidgetArea(dock("historyDock")), Qt::LeftDockWidgetArea);
 }
@@ -252,7 +236,7 @@ void tst_StudioHelp::lostScreensDoNoHarm()
     m_studio = std::make_unique<StudioDriver>();
     const QRect screen = m_studio->window.screen()->availableGeometry();
     QVERIFY(screen.contains(m_studio->window.geometry().topLeft()));
-    QVERIFY(m_studio->open(QStringLiteral(":/samples/coffee.png")));
+    QVERIFY(m_studio->openCoffee());
     QVERIFY(m_studio->window.findChild<QDockWidget *>(QStringLiteral("edgesDock"))->isVisible());
 }
 

@@ -14,7 +14,6 @@
 
 namespace {
 
-const QString coffee = QStringLiteral(":/samples/coffee.png");
 /// Round the rim of the cup.
 const QPolygonF rim{{290, 18},  {352, 37},  {398, 84},  {409, 111}, {406, 129},
                     {372, 182}, {290, 207}, {205, 173}, {172, 110}, {220, 36}};
@@ -39,7 +38,6 @@ class tst_StudioScissors : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void init();
     void cleanup();
 
@@ -67,7 +65,6 @@ private:
     void useRim();
     bool isKnown();
     bool isComplete();
-    bool isObject(const QPointF &point);
     QPointF node(qsizetype index) { return scissors().editor().path().nodes().at(index); }
     ScissorsTool &scissors() { return *m_studio->tools().findChild<ScissorsTool *>(); }
     void grab(const QString &name);
@@ -76,16 +73,11 @@ private:
     std::unique_ptr<StudioDriver> m_studio;
 };
 
-void tst_StudioScissors::initTestCase()
-{
-    RySettings::setFileName(m_folder.filePath(QStringLiteral("settings.ini")));
-    QVERIFY(QDir().mkpath(QStringLiteral(RY_SCREENSHOTS_DIR)));
-}
-
 void tst_StudioScissors::init()
 {
+    RySettings::setFileName(m_folder.filePath(QStringLiteral("settings.ini")));
     m_studio = std::make_unique<StudioDriver>();
-    QVERIFY(m_studio->open(coffee));
+    QVERIFY(m_studio->openCoffee());
     m_studio->action("scissors").trigger();
 }
 
@@ -97,10 +89,7 @@ void tst_StudioScissors::cleanup()
 void tst_StudioScissors::grab(const QString &name)
 {
     QVERIFY(m_studio->settle());
-    const QPixmap picture = m_studio->window.grab();
-    QVERIFY(picture.save(QStringLiteral(RY_SCREENSHOTS_DIR "/%1-%2x.png")
-                                 .arg(name)
-                                 .arg(picture.devicePixelRatio())));
+    QVERIFY(StudioDriver::photograph(m_studio->window, name));
 }
 
 bool tst_StudioScissors::isComplete()
@@ -112,11 +101,6 @@ bool tst_StudioScissors::isKnown()
 {
     return QTest::qWaitFor([this] { return !scissors().editor().path().firstUnknown(); },
                            patienceMs);
-}
-
-bool tst_StudioScissors::isObject(const QPointF &point)
-{
-    return qAlpha(m_studio->document().mask().pixel(point.toPoint())) == 0;
 }
 
 void tst_StudioScissors::layRim(bool closes)
@@ -208,8 +192,8 @@ void tst_StudioScissors::closedWireIsUsed()
     QVERIFY(m_studio->settle());
     QVERIFY(scissors().editor().path().isEmpty());
     QCOMPARE(document.undoStack()->count(), steps + 1);
-    QCOMPARE(isObject(inside), isInside);
-    QCOMPARE(isObject(outside), isOutside);
+    QCOMPARE(m_studio->isObject(inside), isInside);
+    QCOMPARE(m_studio->isObject(outside), isOutside);
     const bool isMask = use == WireUse::Mask || (use == WireUse::Add && !hasCut);
     const double share = shareWithin(wire);
     QVERIFY(share > 0.1);
@@ -223,7 +207,7 @@ void tst_StudioScissors::closedWireIsUsed()
     m_studio->action("redo").trigger();
     QVERIFY(m_studio->settle());
     QVERIFY(scissors().editor().path().isEmpty());
-    QCOMPARE(isObject(inside), isInside);
+    QCOMPARE(m_studio->isObject(inside), isInside);
 }
 
 /// From the mask back to the empty picture and on to the mask again, whatever tool is in hand.
@@ -414,7 +398,7 @@ void tst_StudioScissors::clicksFasterThanTheSearch()
     m_studio->key(Qt::Key_Return); // uses
     QTRY_VERIFY_WITH_TIMEOUT(m_studio->document().hasCut(), patienceMs);
     QVERIFY(m_studio->settle());
-    QVERIFY(isObject(inside));
+    QVERIFY(m_studio->isObject(inside));
 }
 
 void tst_StudioScissors::undoWithinAWire()

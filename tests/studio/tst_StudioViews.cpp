@@ -3,7 +3,6 @@
 #include "RySettings.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QDockWidget>
 #include <QPalette>
 #include <QTemporaryDir>
@@ -11,21 +10,6 @@
 #include <memory>
 
 namespace {
-
-/// Round the cup, from samples/coffee.lasso.
-QPolygonF coffeeLasso()
-{
-    QPolygonF points;
-    QFile file(QStringLiteral(RY_SAMPLES_DIR "/coffee.lasso"));
-    if (!file.open(QIODevice::ReadOnly))
-        return points;
-    while (!file.atEnd()) {
-        const QList<QByteArray> words = file.readLine().simplified().split(' ');
-        if (words.size() == 2)
-            points.append({words.at(0).toDouble(), words.at(1).toDouble()});
-    }
-    return points;
-}
 
 QPalette darkPalette()
 {
@@ -43,7 +27,6 @@ class tst_StudioViews : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void init();
     void cleanup();
     void views_data();
@@ -56,14 +39,9 @@ private:
     std::unique_ptr<StudioDriver> m_studio;
 };
 
-void tst_StudioViews::initTestCase()
-{
-    RySettings::setFileName(m_folder.filePath(QStringLiteral("settings.ini")));
-    QVERIFY(QDir().mkpath(QStringLiteral(RY_SCREENSHOTS_DIR)));
-}
-
 void tst_StudioViews::init()
 {
+    RySettings::setFileName(m_folder.filePath(QStringLiteral("settings.ini")));
     QFETCH(bool, isDark);
     QApplication::setPalette(isDark ? darkPalette() : QPalette());
     m_studio = std::make_unique<StudioDriver>();
@@ -77,11 +55,8 @@ void tst_StudioViews::cleanup()
 void tst_StudioViews::grab(const QString &name)
 {
     QFETCH(bool, isDark);
-    const QPixmap picture = m_studio->window.grab();
-    const QString fileName = QStringLiteral(RY_SCREENSHOTS_DIR "/%1-%2-%3x.png")
-                                     .arg(name, isDark ? u"dark" : u"light")
-                                     .arg(picture.devicePixelRatio());
-    QVERIFY(picture.save(fileName));
+    QVERIFY(StudioDriver::photograph(
+            m_studio->window, QStringLiteral("%1-%2").arg(name, isDark ? u"dark" : u"light")));
 }
 
 void tst_StudioViews::views_data()
@@ -95,9 +70,9 @@ void tst_StudioViews::views()
 {
     QTest::qWait(200); // thumbnails
     grab(QStringLiteral("start"));
-    QVERIFY(m_studio->open(QStringLiteral(":/samples/coffee.png")));
+    QVERIFY(m_studio->openCoffee());
     QVERIFY(m_studio->settle());
-    const QPolygonF lasso = coffeeLasso();
+    const QPolygonF lasso = StudioDriver::coffeeLasso();
     for (const QPointF &point : lasso.mid(0, lasso.size() - 4))
         m_studio->click(point);
     m_studio->move(lasso.last());
