@@ -1,5 +1,7 @@
 #pragma once
 
+#include "RyImageCutterExport.h"
+
 /**
  * Conversions between RGB, HSV and YCbCr in double precision.
  *
@@ -9,7 +11,7 @@
  * Errors   none: values out of range give results out of range; a grey HSV hue is NaN.
  * Threads  stateless. Every function takes constant time.
  */
-class RyColorConverter
+class RYIMAGECUTTER_EXPORT RyColorConverter
 {
 public:
     /// h in degrees 0 … 360 (−1 for black, NaN for other greys), s 0 … 1, v 0 … 255.

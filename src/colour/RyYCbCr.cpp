@@ -21,7 +21,7 @@ unsigned int absoluteDifference(unsigned int a, unsigned int b)
 
 int truncatedToByte(double value)
 {
-    return std::clamp(int(value), 0, 255);
+    return int(std::clamp(value, 0.0, 255.0)); // sums of pixels go beyond an int
 }
 
 } // namespace

@@ -60,10 +60,10 @@ public:
     /// The absolute difference of each channel.
     RyYCbCr absDistance(const RyYCbCr &other) const;
 
-    /// The squared Euclidean distance of two colours.
+    /// The squared Euclidean distance of two colours; of sums it wraps.
     int distanceQuadrat(const RyYCbCr &other) const
     {
-        return squaredDistance(int(other.m_luminance), int(other.m_cb), int(other.m_cr));
+        return squaredDistance(other.m_luminance, other.m_cb, other.m_cr);
     }
     int distanceQuadrat(const RyYCbCrPixel &pixel) const
     {
@@ -79,12 +79,12 @@ public:
     QRgb rgb() const;
 
 private:
-    int squaredDistance(int y, int cb, int cr) const
+    int squaredDistance(unsigned int y, unsigned int cb, unsigned int cr) const
     {
-        const int dy = int(m_luminance) - y;
-        const int dcb = int(m_cb) - cb;
-        const int dcr = int(m_cr) - cr;
-        return dy * dy + dcb * dcb + dcr * dcr;
+        const unsigned int dy = m_luminance - y;
+        const unsigned int dcb = m_cb - cb;
+        const unsigned int dcr = m_cr - cr;
+        return int(dy * dy + dcb * dcb + dcr * dcr);
     }
 
     unsigned int m_luminance = 0;

@@ -8,6 +8,8 @@
 #include <RySettingsLock.h>
 #include <RyUndoCommand.h>
 #include <RyUndoController.h>
+#include <colour/RyColorConverter.h>
+#include <colour/RyRgbPixel.h>
 #include <regiongrowing/RyEdgeDetectorSobelColor.h>
 #include <regiongrowing/RyHistogram3DIndex.h>
 #include <regiongrowing/RyRegionGrowingEdge.h>
