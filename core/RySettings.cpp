@@ -42,13 +42,13 @@ bool RySettings::doesEntryExist(const QString &key) const
     return RySettingsStore::instance().contains(pathOf(key));
 }
 
-QVariant RySettings::readVariant(const QString &key, const QVariant &defaultValue) const
+QVariant RySettings::readVariant(const QString &key, const QVariant &defaultValue, bool) const
 {
     const RySettingsLock lock;
     return RySettingsStore::instance().value(pathOf(key), defaultValue);
 }
 
-void RySettings::writeEntry(const QString &key, const QVariant &value)
+void RySettings::writeEntry(const QString &key, const QVariant &value, bool)
 {
     saveEntry(key, value, nullptr);
 }

@@ -41,8 +41,9 @@ public:
     void endGroup();
 
     bool doesEntryExist(const QString &key) const;
-    QVariant readVariant(const QString &key, const QVariant &defaultValue) const;
-    void writeEntry(const QString &key, const QVariant &value);
+    /// The flag of these two is for hosts that pass it, and changes nothing.
+    QVariant readVariant(const QString &key, const QVariant &defaultValue, bool = false) const;
+    void writeEntry(const QString &key, const QVariant &value, bool = false);
 
     /// Where the file has no entry under the item's key, or none that is a number for an int, the
     /// item gets its default value.
