@@ -6,6 +6,8 @@
 #include "image/RyImage.h"
 #include "regiongrowing/RyEdgeDetectorSobelColor_p.h"
 
+#include <QMutexLocker>
+
 #include <array>
 #include <new>
 #include <vector>
@@ -79,31 +81,48 @@ RyEdgeDetectorSobelColor::~RyEdgeDetectorSobelColor()
 
 void RyEdgeDetectorSobelColor::setup(const RyImage *image)
 {
-    m_image = image;
+    const QMutexLocker lock(&m_mutex);
+    m_image = std::shared_ptr<const RyImage>(std::shared_ptr<void>(), image); // owns nothing
 }
 
 void RyEdgeDetectorSobelColor::setup(const QImage &picture, const QFileInfo &file)
 {
-    m_ownImage = std::make_unique<RyImage>(picture, file);
-    m_image = m_ownImage.get();
+    auto image = std::make_shared<const RyImage>(picture, file);
+    const QMutexLocker lock(&m_mutex);
+    m_image.swap(image); // the former one goes after the lock
 }
 
 void RyEdgeDetectorSobelColor::run()
 {
-    m_average = m_median = 0.0;
-    m_sobelImage = QImage();
+    std::shared_ptr<const RyImage> image;
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_results = {};
+        image = m_image;
+    }
+    if (!image)
+        return;
     try {
-        detect();
+        const Results results = detect(*image);
+        const QMutexLocker lock(&m_mutex);
+        m_results = results;
     } catch (const std::bad_alloc &) { // as when the image itself cannot be allocated
     }
 }
 
-void RyEdgeDetectorSobelColor::detect()
+RyEdgeDetectorSobelColor::Results RyEdgeDetectorSobelColor::results() const
 {
-    const QImage yCbCr = m_image ? m_image->imageYCbCr() : QImage();
+    const QMutexLocker lock(&m_mutex);
+    return m_results;
+}
+
+RyEdgeDetectorSobelColor::Results RyEdgeDetectorSobelColor::detect(const RyImage &image)
+{
+    const QImage yCbCr = image.imageYCbCr();
+    Results results;
     QImage sobel(yCbCr.size(), QImage::Format_ARGB32);
     if (sobel.isNull())
-        return;
+        return results;
     sobel.fill(black); // the border, and whatever else no slice computes
     if (sobel.height() >= lowestPicture) {
         QList<SobelSlice> slices = createSobelSlices(sobel, yCbCr);
@@ -113,12 +132,15 @@ void RyEdgeDetectorSobelColor::detect()
             for (int strength = 0; strength < 256; ++strength)
                 histogram[strength] += slice.histogram[std::size_t(strength)];
         }
-        calculateMedianAndMean(histogram, (qint64(sobel.width()) - 2) * (sobel.height() - 2) / 2);
+        const qint64 half = (qint64(sobel.width()) - 2) * (sobel.height() - 2) / 2;
+        calculateMedianAndMean(results, histogram, half);
     }
-    m_sobelImage = sobel;
+    results.sobel = sobel;
+    return results;
 }
 
-void RyEdgeDetectorSobelColor::calculateMedianAndMean(const QList<int> &histogram, qint64 half)
+void RyEdgeDetectorSobelColor::calculateMedianAndMean(Results &results, const QList<int> &histogram,
+                                                      qint64 half)
 {
     qint64 count = 0;
     qint64 weighted = 0;
@@ -130,6 +152,6 @@ void RyEdgeDetectorSobelColor::calculateMedianAndMean(const QList<int> &histogra
             medianBin = strength;
     }
     if (count > 0)
-        m_average = double(weighted / count);
-    m_median = double(medianBin);
+        results.average = double(weighted / count);
+    results.median = double(medianBin);
 }

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QList>
+#include <QMutex>
 #include <QThread>
 
 #include <memory>
@@ -23,7 +24,8 @@ class RyImage;
  * Errors   none reported: an empty picture gives a null image, one lower than 4 rows a black image,
  *          both with statistics of 0.
  * Threads  a thread of its own (start(), then wait()), or run() on the caller's; rows fan out over
- *          the global pool. Results may be read when it has ended. Time O(w · h).
+ *          the global pool. All else is safe at any time: a run keeps the picture that it began
+ *          with, and until it has ended there are no results. Time O(w · h).
  */
 class RYIMAGECUTTER_EXPORT RyEdgeDetectorSobelColor : public QThread
 {
@@ -38,20 +40,26 @@ public:
 
     void run() override;
 
-    QImage sobel() const { return m_sobelImage; }
+    QImage sobel() const { return results().sobel; }
     /// The median-like strength, 0 … 254, in spite of the name: the last one below which fewer than
     /// half of the inner pixels lie. This is the statistic that region growing is given.
-    double mean() const { return m_median; }
+    double mean() const { return results().median; }
     /// The mean strength, truncated; pixels of strength 255 do not count.
-    double average() const { return m_average; }
+    double average() const { return results().average; }
 
 private:
-    void detect();
-    void calculateMedianAndMean(const QList<int> &histogram, qint64 half);
+    struct Results
+    {
+        QImage sobel;
+        double average = 0.0;
+        double median = 0.0;
+    };
 
-    const RyImage *m_image = nullptr;
-    std::unique_ptr<RyImage> m_ownImage; // of setup(QImage, QFileInfo)
-    QImage m_sobelImage;
-    double m_average = 0.0;
-    double m_median = 0.0;
+    static Results detect(const RyImage &image);
+    static void calculateMedianAndMean(Results &results, const QList<int> &histogram, qint64 half);
+    Results results() const;
+
+    mutable QMutex m_mutex;                 // guards all below
+    std::shared_ptr<const RyImage> m_image; // a run shares it
+    Results m_results;
 };

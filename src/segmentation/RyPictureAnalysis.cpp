@@ -2,6 +2,9 @@
 
 #include <QMutexLocker>
 
+#include <new>
+#include <utility>
+
 RyPictureAnalysis::RyPictureAnalysis(const QImage &picture, const QFileInfo &file)
     : m_picture(picture)
     , m_file(file)
@@ -11,7 +14,10 @@ const RyImage &RyPictureAnalysis::image()
 {
     const QMutexLocker lock(&m_mutex);
     if (!m_image) {
-        m_image = std::make_unique<const RyImage>(m_picture, m_file);
+        auto image = std::make_unique<const RyImage>(m_picture, m_file);
+        if (image->imageYCbCr().isNull() && !m_picture.isNull())
+            throw std::bad_alloc();
+        m_image = std::move(image);
         m_picture = QImage();
     }
     return *m_image;

@@ -10,7 +10,8 @@
 /**
  * What all lassos on one picture share: its colour planes and its edge picture, computed once.
  *
- * Errors   none reported: an empty picture, or too little memory, gives null planes.
+ * Errors   an empty picture gives null planes; image() throws std::bad_alloc, and tries again at
+ *          its next call.
  * Threads  safe from every thread; image() computes at its first call and blocks others meanwhile,
  *          so it is called from the thread pool, never from the host's thread.
  */
