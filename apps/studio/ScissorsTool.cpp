@@ -203,10 +203,16 @@ void ScissorsTool::release(const PointerEvent &event)
     m_pressedNode = -1;
 }
 
-void ScissorsTool::abandonPress()
+/// The wire is another one now: what was pressed is no longer there to be dragged.
+void ScissorsTool::endPress()
 {
     m_isPressed = false;
     m_pressedNode = -1;
+}
+
+void ScissorsTool::abandonPress()
+{
+    endPress();
     while (m_editor.changes().size() > m_changesAtPress)
         m_editor.undo();
 }
@@ -286,9 +292,11 @@ bool ScissorsTool::keyPress(const QKeyEvent &event)
         closeOrApply();
         return true;
     case Qt::Key_Backspace:
+        endPress();
         m_editor.removeLast();
         return true;
     case Qt::Key_Delete:
+        endPress();
         if (const qsizetype node = nodeUnderPointer(); node >= 0)
             m_editor.removeNode(node);
         return true;
@@ -310,6 +318,7 @@ bool ScissorsTool::keyRelease(const QKeyEvent &event)
 
 void ScissorsTool::closeOrApply()
 {
+    endPress();
     if (m_editor.path().canClose())
         m_editor.close(false);
     else
@@ -320,6 +329,11 @@ void ScissorsTool::apply()
 {
     if (!canApply())
         return;
+    const bool changesMask = m_use == WireUse::Add || m_use == WireUse::TakeAway;
+    if (changesMask && document().isCutting()) {
+        Q_EMIT message(tr("The mask is still being cut."));
+        return;
+    }
     if (m_use == WireUse::TakeAway && !document().hasCut()) {
         Q_EMIT message(tr("There is no mask yet that something could be taken from."));
         return;
@@ -352,8 +366,10 @@ void ScissorsTool::endUse()
 {
     m_beingUsed.clear();
     const auto wire = std::exchange(m_inUse, nullptr);
-    if (wire && !hasUnfinishedGesture())
+    if (wire && !hasUnfinishedGesture()) {
+        endPress();
         m_editor.setPath(wire->path, wire->changes);
+    }
 }
 
 /// Undoing goes on within it, and redoing uses it again, as long as it is not changed.
@@ -387,12 +403,14 @@ QString ScissorsTool::redoText() const
 
 void ScissorsTool::undo()
 {
+    endPress();
     m_appliesWhenComplete = false;
     m_editor.undo();
 }
 
 void ScissorsTool::redo()
 {
+    endPress();
     m_editor.redo();
 }
 
@@ -406,6 +424,7 @@ bool ScissorsTool::escape()
     if (m_editor.path().isEmpty())
         return false;
     m_appliesWhenComplete = false;
+    endPress();
     if (m_editor.isMoving())
         m_editor.undo(); // to where it was
     else
@@ -417,8 +436,7 @@ bool ScissorsTool::escape()
 
 void ScissorsTool::cancel()
 {
-    m_isPressed = false;
-    m_pressedNode = -1;
+    endPress();
     m_appliesWhenComplete = false;
     m_inUse.reset();
     m_returned.reset();

@@ -54,6 +54,7 @@ Q_SIGNALS:
 private:
     bool canApply() const { return m_editor.path().isClosed(); }
     void pressLeft(const PointerEvent &event);
+    void endPress();
     void closeOrApply();
     void follow(const QPointF &point, bool isStraight);
     void mark(qsizetype node, const std::optional<QPointF> &insertion);

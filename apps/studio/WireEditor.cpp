@@ -177,6 +177,7 @@ void WireEditor::note()
 
 void WireEditor::change(const std::function<void(WirePath &)> &edit)
 {
+    m_moved = -1; // its node may be another one by now, or gone
     note();
     edit(m_path);
     announce(m_undo.last());
