@@ -166,8 +166,11 @@ void CutRunner::whenIdle(const std::function<void()> &call)
 /// Undoing several steps at once asks for several states, of which the last one counts.
 void CutRunner::restore(const CutState &state)
 {
-    if (!m_jobs.empty() && m_jobs.front().hasBegun)
+    if (!m_jobs.empty() && m_jobs.front().hasBegun) {
         cancel();
+        if (!m_jobs.empty())
+            m_jobs.front().before = state; // it goes there once the session has answered
+    }
     m_gestures = state.gestures;
     m_hasCut = state.memento != nullptr;
     m_isRestoring = true;
@@ -221,13 +224,35 @@ QSet<int> CutRunner::regionsUnder(const QPointF &point, double diameter) const
                                  std::max(1, int(std::lround(diameter * scale))));
 }
 
-bool CutRunner::Job::mayStart(bool isBusy) const
+QList<Gesture> CutRunner::gestures() const
 {
-    return started < gestures.size() && !isAbandoned && !(oneByOne && isBusy);
+    QList<Gesture> all;
+    for (const QList<Gesture> &step : m_gestures)
+        all += step;
+    return m_hasCut ? all : QList<Gesture>();
 }
 
+bool CutRunner::Job::mayStart(bool isBusy) const
+{
+    return started < gestures.size() && !isAbandoned && (!oneByOne || !isBusy || continuesStroke());
+}
+
+/// Strokes come in parts as fast as a hand draws them.
+bool CutRunner::Job::continuesStroke() const
+{
+    if (started == 0)
+        return false;
+    const Gesture &last = gestures.at(started - 1);
+    const auto *const paint = std::get_if<Gesture::Paint>(&last.step);
+    const auto *const scribble = std::get_if<Gesture::Scribble>(&last.step);
+    return (paint && paint->isTemporary) || (scribble && scribble->isTemporary);
+}
+
+/// Whatever comes ends the step that is being added to: nothing could overtake it.
 void CutRunner::enqueue(Job job)
 {
+    if (!m_jobs.empty())
+        m_jobs.back().isComplete = true;
     m_jobs.push_back(std::move(job));
     advance();
 }
@@ -320,7 +345,9 @@ void CutRunner::finishFirst()
     if (job.gestures.isEmpty())
         return;
     const bool replaces = job.beginsCut() && !job.isReplayed;
-    m_gestures = replaces ? job.gestures : m_gestures + asRecorded(job.gestures);
+    if (replaces)
+        m_gestures.clear();
+    m_gestures.append(asRecorded(job.gestures));
     m_hasCut = m_hasCut || job.beginsCut();
     const CutState after = state();
     setMask(m_session.maskForeground());

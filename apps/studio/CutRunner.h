@@ -68,10 +68,10 @@ public:
     /// The call comes when all steps so far are done.
     void whenIdle(const std::function<void()> &call);
 
-    /// Gives up what is not done, and goes back to another state.
+    /// Gives up what is under way, and goes to another state; what has not begun follows.
     void restore(const CutState &state);
     CutState state() const;
-    QList<Gesture> gestures() const { return m_hasCut ? m_gestures : QList<Gesture>(); }
+    QList<Gesture> gestures() const;
 
     QImage mask() const { return m_mask; } ///< in the session's size and format; null without a cut
     QImage labels() const { return m_labels; }
@@ -105,6 +105,7 @@ private:
         CutState before = {};
 
         bool mayStart(bool isBusy) const;
+        bool continuesStroke() const;
         bool beginsCut() const { return has<Gesture::Lasso>() || has<Gesture::Close>(); }
         bool isCut() const { return beginsCut() || has<Gesture::Recut>(); }
 
@@ -134,7 +135,7 @@ private:
 
     QTransform m_toSession;
     QImage m_picture;
-    QList<Gesture> m_gestures; // of the state, without what is under way
+    QList<QList<Gesture>> m_gestures; // of the state, step by step, without what is under way
     bool m_hasCut = false;
     QImage m_mask;
     QImage m_labels;

@@ -13,7 +13,8 @@ struct UsedWire;
 struct CutState
 {
     std::shared_ptr<const RyMementoSegmentation> memento; ///< null before the first cut
-    QList<Gesture> gestures; ///< all that has any effect: mostly from the last lasso on
+    /// All that has any effect, mostly from the last lasso on, step by step: states share steps.
+    QList<QList<Gesture>> gestures;
     /// That lay on the picture and was about to be used; null for none.
     std::shared_ptr<const UsedWire> wire = {};
 };

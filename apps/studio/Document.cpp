@@ -256,7 +256,6 @@ void Document::undo()
         cancel();
         return;
     }
-    m_runner.end();
     m_runner.whenIdle([this] { m_undoController->undo(); });
 }
 
@@ -285,6 +284,7 @@ void Document::record(const CutRunner::Step &step)
             return;
         document->m_runner.restore(state);
         document->m_wireBeforeNext = state.wire;
+        document->endReplay(false);
     };
     const auto command = std::make_shared<CutStep>(step.name, step.before, step.after, restore);
     m_undoController->accept(command);
