@@ -54,8 +54,6 @@ void LassoTool::press(const PointerEvent &event)
         close();
         return;
     }
-    if (m_points.isEmpty())
-        m_firstOnWidget = event.widgetPosition;
     m_parts.append(m_points.size());
     m_points.append(event.position);
     m_undone.clear();
@@ -119,7 +117,7 @@ bool LassoTool::keyPress(const QKeyEvent &event)
 bool LassoTool::wouldClose(const PointerEvent &event) const
 {
     return m_points.size() >= fewestPoints &&
-           distance(event.widgetPosition, m_firstOnWidget) < closingRadius;
+           distance(event.position, m_points.first()) * event.widgetScale < closingRadius;
 }
 
 void LassoTool::close()
@@ -127,8 +125,10 @@ void LassoTool::close()
     const QPolygonF lasso = std::exchange(m_points, {});
     const QRectF box = lasso.boundingRect();
     cancel();
-    if (lasso.size() < fewestPoints || box.width() < 1.0 || box.height() < 1.0)
-        return; // a line encloses nothing
+    if (lasso.size() < fewestPoints || box.width() < 1.0 || box.height() < 1.0) {
+        Q_EMIT message(tr("The lasso encloses nothing."));
+        return;
+    }
     document().cutLasso(lasso);
     m_beingCut = lasso;
     changed();

@@ -45,7 +45,6 @@ private:
     QList<QPolygonF> m_undone; // parts that were taken back, the first of them last
     QPolygonF m_beingCut;      // shown until the cut is there
     QPointF m_pointer;
-    QPointF m_firstOnWidget; // while nothing zooms, as near as a hand can tell
     QPointF m_pressedOnWidget;
     bool m_isDragging = false;
     bool m_isPressed = false;
