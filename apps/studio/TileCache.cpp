@@ -122,9 +122,17 @@ void TileCache::paint(QPainter &painter, const QRect &area)
     forgetOldTiles();
 }
 
+/// A new one wants what the scene is now: drawings of it that are still on their way are older.
+TileCache::Tile &TileCache::tileAt(const QPoint &place)
+{
+    const auto tile = m_tiles.find(place);
+    return tile != m_tiles.end() ? *tile
+                                 : *m_tiles.insert(place, Tile{.image = {}, .wanted = m_version});
+}
+
 void TileCache::request(const QPoint &place)
 {
-    Tile &tile = m_tiles[place];
+    Tile &tile = tileAt(place);
     if (tile.drawn == tile.wanted || tile.requested > tile.drawn)
         return; // one at a time, or strokes would leave threads that are busy ever further behind
     tile.requested = tile.wanted;
@@ -178,7 +186,7 @@ void TileCache::take(const DrawnTile &drawn)
 void TileCache::paintTile(QPainter &painter, const QPoint &place)
 {
     const QRect rect = rectOf(place);
-    Tile &tile = m_tiles[place];
+    Tile &tile = tileAt(place);
     tile.isShownOld = tile.isShownOld || tile.drawn != tile.wanted;
     if (tile.image.isNull())
         paintPlaceholder(painter, rect);

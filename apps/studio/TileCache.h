@@ -59,8 +59,8 @@ private:
 
     struct Tile
     {
-        QImage image; ///< null until it has been drawn for the first time
-        quint64 wanted = 1;
+        QImage image;            ///< null until it has been drawn for the first time
+        quint64 wanted = 0;      ///< a version of the scene
         quint64 drawn = 0;       ///< up to date when it is what is wanted
         quint64 requested = 0;   ///< being drawn
         bool isShownOld = false; ///< on the screen, there is less than what has been drawn
@@ -80,6 +80,7 @@ private:
     bool isUpToDate(const QList<QPoint> &places) const;
     void paintTile(QPainter &painter, const QPoint &place);
     void paintPlaceholder(QPainter &painter, const QRect &rect) const;
+    Tile &tileAt(const QPoint &place);
     void request(const QPoint &place);
     void waitFor(const QList<QPoint> &places);
     void takeDrawn();
