@@ -95,10 +95,13 @@ void Canvas::setShowsContours(bool shows)
 
 void Canvas::setHidesMask(bool hides)
 {
+    if (hidesMask() == hides)
+        return;
     changeScene([this, hides](ViewScene &scene) {
         scene.hidesMask = hides;
         scene.picture = pictureFor(scene);
     });
+    Q_EMIT hidesMaskChanged(hides);
 }
 
 void Canvas::changeScene(const std::function<void(ViewScene &)> &change)

@@ -35,7 +35,7 @@ public:
 
     void setTool(Tool *tool); ///< borrowed, or null
     /// The key that hides the cut while it is held.
-    void setHidingKey(Qt::Key key) { m_hidingKey = key; }
+    void setHidingKey(QKeyCombination key) { m_hidingKey = key; }
 
     ViewMode viewMode() const { return m_tiles.scene().mode; }
     void setViewMode(ViewMode mode);
@@ -66,6 +66,7 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void zoomChanged(double scale);
+    void hidesMaskChanged(bool hides);
 
 protected:
     bool event(QEvent *event) override;
@@ -106,6 +107,7 @@ private:
     void pinch(QGestureEvent &event);
     bool nativeGesture(const QNativeGestureEvent &event);
     void updateCursor();
+    void holdHidingKey(bool isHeld);
     QRect onTiles(const QRect &widgetArea) const;
     void prepareTiles(const QRegion &widgetRegion);
     void paintTiles(QPainter &painter, const QRect &widgetArea);
@@ -118,7 +120,8 @@ private:
     ViewTransform m_view;
     bool m_fits = true;
     bool m_isCleaned = false; // the edge that was heard of last
-    Qt::Key m_hidingKey = Qt::Key_H;
+    QKeyCombination m_hidingKey = Qt::Key_H;
+    bool m_isHidingKeyHeld = false;
     bool m_isSpaceHeld = false;
     bool m_isPanning = false;
     bool m_isPressed = false; // the tool has heard a press, and will hear its release

@@ -30,8 +30,7 @@ bool Canvas::event(QEvent *event)
     case QEvent::NativeGesture:
         return nativeGesture(static_cast<QNativeGestureEvent &>(*event)) || QWidget::event(event);
     case QEvent::ShortcutOverride: // a shortcut would not tell when the key is released
-        if (static_cast<QKeyEvent *>(event)->key() == m_hidingKey &&
-            static_cast<QKeyEvent *>(event)->modifiers() == Qt::NoModifier)
+        if (static_cast<QKeyEvent *>(event)->keyCombination() == m_hidingKey)
             event->accept();
         return QWidget::event(event);
     default:
@@ -172,9 +171,9 @@ void Canvas::keyPressEvent(QKeyEvent *event)
     if (event->key() == Qt::Key_Space) {
         m_isSpaceHeld = true;
         updateCursor();
-    } else if (event->key() == m_hidingKey && event->modifiers() == Qt::NoModifier) {
+    } else if (event->keyCombination() == m_hidingKey) {
         if (!event->isAutoRepeat())
-            setHidesMask(true);
+            holdHidingKey(true);
     } else if (!m_tool || !m_tool->keyPress(*event)) {
         QWidget::keyPressEvent(event);
     }
@@ -187,8 +186,8 @@ void Canvas::keyReleaseEvent(QKeyEvent *event)
     if (event->key() == Qt::Key_Space) {
         m_isSpaceHeld = false;
         updateCursor();
-    } else if (event->key() == m_hidingKey) {
-        setHidesMask(false);
+    } else if (event->key() == m_hidingKey.key()) { // whatever else is still held
+        holdHidingKey(false);
     } else if (!m_tool || !m_tool->keyRelease(*event)) {
         QWidget::keyReleaseEvent(event);
     }
@@ -198,10 +197,16 @@ void Canvas::keyReleaseEvent(QKeyEvent *event)
 void Canvas::focusOutEvent(QFocusEvent *event)
 {
     m_isSpaceHeld = false;
-    if (m_tiles.scene().hidesMask)
-        setHidesMask(false);
+    holdHidingKey(false);
     updateCursor();
     QWidget::focusOutEvent(event);
+}
+
+/// Without the key, the cut stays hidden until it is shown again.
+void Canvas::holdHidingKey(bool isHeld)
+{
+    if (std::exchange(m_isHidingKeyHeld, isHeld) != isHeld)
+        setHidesMask(isHeld);
 }
 
 void Canvas::updateCursor()

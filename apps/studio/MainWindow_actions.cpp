@@ -178,8 +178,10 @@ void MainWindow::createViewMenu()
     menu->addSeparator();
     add("contours", tr("&Regions"), Qt::Key_R, Shape::Contours, &Canvas::setShowsContours)
             ->setCheckable(true);
-    add("hide", tr("&Hide Cut While Key Is Held"), Qt::Key_H, Shape::Hide, &Canvas::setHidesMask)
-            ->setCheckable(true);
+    QAction *const hide = add("hide", tr("&Hide Cut While Key Is Held"), Qt::Key_H, Shape::Hide,
+                              &Canvas::setHidesMask);
+    hide->setCheckable(true);
+    connect(m_canvas, &Canvas::hidesMaskChanged, hide, &QAction::setChecked);
     menu->addSeparator();
     createDocks(menu);
 }

@@ -39,7 +39,7 @@ void MainWindow::connectPreferences()
     QAction *const hide = findChild<QAction *>(QStringLiteral("hide"));
     const auto followHidingKey = [this, hide] {
         const QKeySequence key = hide->shortcut();
-        m_canvas->setHidingKey(key.isEmpty() ? Qt::Key_unknown : key[0].key());
+        m_canvas->setHidingKey(key.isEmpty() ? QKeyCombination(Qt::Key_unknown) : key[0]);
     };
     followHidingKey();
     connect(hide, &QAction::changed, this, followHidingKey);
