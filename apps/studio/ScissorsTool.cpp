@@ -203,18 +203,19 @@ void ScissorsTool::release(const PointerEvent &event)
     m_pressedNode = -1;
 }
 
-/// The wire is another one now: what was pressed is no longer there to be dragged.
+/// The wire becomes another one: what is held stays where it is, and may be gone soon.
 void ScissorsTool::endPress()
 {
     m_isPressed = false;
     m_pressedNode = -1;
+    m_editor.endMove();
 }
 
 void ScissorsTool::abandonPress()
 {
-    endPress();
     while (m_editor.changes().size() > m_changesAtPress)
         m_editor.undo();
+    endPress();
 }
 
 /// Its first press and release have had their effect.
@@ -403,8 +404,8 @@ QString ScissorsTool::redoText() const
 
 void ScissorsTool::undo()
 {
-    endPress();
     m_appliesWhenComplete = false;
+    endPress();
     m_editor.undo();
 }
 
@@ -424,8 +425,9 @@ bool ScissorsTool::escape()
     if (m_editor.path().isEmpty())
         return false;
     m_appliesWhenComplete = false;
+    const bool wasMoving = m_editor.isMoving();
     endPress();
-    if (m_editor.isMoving())
+    if (wasMoving)
         m_editor.undo(); // to where it was
     else
         m_editor.removeLast();
@@ -436,8 +438,8 @@ bool ScissorsTool::escape()
 
 void ScissorsTool::cancel()
 {
-    endPress();
     m_appliesWhenComplete = false;
+    endPress();
     m_inUse.reset();
     m_returned.reset();
     m_editor.clear();

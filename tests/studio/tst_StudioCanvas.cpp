@@ -24,6 +24,7 @@ private Q_SLOTS:
     void fingersZoomAndMove();
     void spaceAndMiddleButtonPan();
     void keyHidesTheCut();
+    void zoomsThereAndBack();
 
 private:
     QTemporaryDir m_folder;
@@ -160,8 +161,29 @@ void tst_StudioCanvas::keyHidesTheCut()
     QTest::keyPress(&m_studio->canvas(), Qt::Key_H);
     const QImage hidden = shown();
     QVERIFY(hidden != before);
+    QVERIFY(m_studio->action("hide").isChecked());
     QTest::keyRelease(&m_studio->canvas(), Qt::Key_H);
     QCOMPARE(shown(), before);
+    QVERIFY(!m_studio->action("hide").isChecked());
+    m_studio->action("hide").trigger(); // stays, wherever the keys go
+    QFocusEvent focusOut(QEvent::FocusOut);
+    QCoreApplication::sendEvent(&m_studio->canvas(), &focusOut);
+    QCOMPARE(shown(), hidden);
+}
+
+/// Drawings that are on their way come to tiles which have been forgotten and are there again.
+void tst_StudioCanvas::zoomsThereAndBack()
+{
+    QVERIFY(m_studio->cutCoffee());
+    Canvas &canvas = m_studio->canvas();
+    for (int i = 0; i < 30; ++i) {
+        canvas.setShowsContours(i % 2 == 0);
+        for (const double scale : {1.5, 3.0, 1.5}) {
+            canvas.zoomTo(scale, {200, 150});
+            canvas.repaint();
+        }
+        QVERIFY(m_studio->settle());
+    }
 }
 
 QTEST_MAIN(tst_StudioCanvas)

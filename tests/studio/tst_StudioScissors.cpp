@@ -59,6 +59,8 @@ private Q_SLOTS:
     void clicksFasterThanTheSearch();
     void undoWithinAWire();
     void escapeTakesNodesBack();
+    void keysWhileANodeIsHeld_data();
+    void keysWhileANodeIsHeld();
 
 private:
     void layRim(bool closes = true);
@@ -438,6 +440,49 @@ void tst_StudioScissors::escapeTakesNodesBack()
         m_studio->action("cancel").trigger();
     QVERIFY(path.isEmpty());
     QVERIFY(!scissors().hasUnfinishedGesture());
+}
+
+void tst_StudioScissors::keysWhileANodeIsHeld_data()
+{
+    QTest::addColumn<QByteArray>("action"); // or none, and then it is a key of the tool
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<bool>("isDragged"); // already
+    for (const bool isDragged : {false, true}) {
+        const char *const held = isDragged ? "dragged" : "pressed";
+        QTest::addRow("undo, %s", held) << QByteArray("undo") << Qt::Key() << isDragged;
+        QTest::addRow("Escape, %s", held) << QByteArray("cancel") << Qt::Key() << isDragged;
+        QTest::addRow("Backspace, %s", held) << QByteArray() << Qt::Key_Backspace << isDragged;
+        QTest::addRow("Delete, %s", held) << QByteArray() << Qt::Key_Delete << isDragged;
+        QTest::addRow("Enter, %s", held) << QByteArray() << Qt::Key_Return << isDragged;
+    }
+}
+
+/// The wire is another one after each; what is held is let go of.
+void tst_StudioScissors::keysWhileANodeIsHeld()
+{
+    QFETCH(QByteArray, action);
+    QFETCH(Qt::Key, key);
+    QFETCH(bool, isDragged);
+    const WirePath &path = scissors().editor().path();
+    for (const qsizetype nodes : {1, 2, 4}) {
+        for (const QPointF &point : rim.mid(0, nodes - 1))
+            m_studio->click(point);
+        const QPointF last = rim.at(nodes - 1);
+        m_studio->press(last);
+        for (int presses = 0; presses < 6 && !path.isEmpty(); ++presses) {
+            if (isDragged)
+                m_studio->move(last + QPointF(20, 10 + presses), Qt::LeftButton);
+            action.isEmpty() ? m_studio->key(key) : m_studio->action(action.constData()).trigger();
+            const QList<QPointF> left = path.nodes();
+            m_studio->move(last + QPointF(40, 30), Qt::LeftButton);
+            m_studio->move(last + QPointF(60, 10), Qt::LeftButton);
+            QCOMPARE(path.nodes(), left);
+        }
+        m_studio->release(last);
+        QVERIFY(isKnown());
+        QVERIFY(m_studio->settle());
+        m_studio->tools().current()->cancel();
+    }
 }
 
 QTEST_MAIN(tst_StudioScissors)

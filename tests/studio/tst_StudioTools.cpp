@@ -45,6 +45,10 @@ private Q_SLOTS:
     void gesturesTellTheWholeStory();
     void penDraws();
     void brushSize();
+    void lassoClosesWhereItIsShown();
+    void othersDuringAStroke_data();
+    void othersDuringAStroke();
+    void historyListAtAnyTime();
 
 private:
     void doAllThereIs(QList<QImage> &masks);
@@ -437,6 +441,74 @@ void tst_StudioTools::brushSize()
     number->setValue(1);
     m_studio->key(Qt::Key_BracketRight);
     QCOMPARE(number->value(), 2);
+}
+
+void tst_StudioTools::lassoClosesWhereItIsShown()
+{
+    QVERIFY(m_studio->openCoffee());
+    const QPolygonF corners{{200, 60}, {380, 60}, {300, 200}};
+    for (const QPointF &corner : corners)
+        m_studio->click(corner);
+    const QPoint first = m_studio->onCanvas(corners.first());
+    m_studio->canvas().zoomTo(m_studio->canvas().view().scale * 1.6, {350, 250});
+    QTest::mouseClick(&m_studio->canvas(), Qt::LeftButton, {}, first); // nothing is there any more
+    QVERIFY(!m_studio->document().isCutting());
+    m_studio->click(corners.first());
+    QVERIFY(m_studio->document().isCutting());
+}
+
+void tst_StudioTools::othersDuringAStroke_data()
+{
+    QTest::addColumn<QByteArray>("action");
+    for (const char *const action : {"recut", "invert"})
+        QTest::addRow("%s", action) << QByteArray(action);
+}
+
+/// They end it; what the hand goes on to draw is lost, and nothing else is.
+void tst_StudioTools::othersDuringAStroke()
+{
+    QFETCH(QByteArray, action);
+    QVERIFY(m_studio->cutCoffee());
+    m_studio->action("brush").trigger();
+    m_studio->press(wood);
+    m_studio->move(wood + QPointF(20, -10), Qt::LeftButton);
+    m_studio->action(action.constData()).trigger();
+    m_studio->move(wood + QPointF(40, -20), Qt::LeftButton);
+    m_studio->release(wood + QPointF(40, -20));
+    QVERIFY(m_studio->settle());
+    QCOMPARE(m_studio->document().undoStack()->count(), 3);
+    m_studio->drag({cup, cup + QPointF(10, 0)}, Qt::RightButton);
+    QVERIFY(m_studio->settle());
+    QCOMPARE(m_studio->document().undoStack()->count(), 4);
+    QVERIFY(!m_studio->isObject(cup));
+}
+
+void tst_StudioTools::historyListAtAnyTime()
+{
+    QVERIFY(m_studio->cutCoffee());
+    QList<QImage> masks{QImage(), m_studio->document().mask()};
+    m_studio->action("invert").trigger();
+    QVERIFY(m_studio->settle());
+    masks.append(m_studio->document().mask());
+    QUndoStack &stack = *m_studio->document().undoStack();
+    m_studio->action("scribble").trigger();
+    for (const int index : {1, 2, 1, 0, 2, 0}) {
+        m_studio->press(wood); // is given up
+        m_studio->move(wood + QPointF(30, 0), Qt::LeftButton);
+        stack.setIndex(index);
+        m_studio->release(wood + QPointF(30, 0));
+        QVERIFY(m_studio->settle());
+        QCOMPARE(stack.index(), index);
+        QCOMPARE(m_studio->document().mask(), masks.at(index));
+    }
+    m_studio->document().setSaved();
+    m_studio->window.openFile(QStringLiteral(RY_SAMPLES_DIR "/coffee.session"));
+    QTRY_VERIFY_WITH_TIMEOUT(m_studio->document().isReplaying() && stack.count() > 1, patienceMs);
+    stack.setIndex(0);
+    QVERIFY(!m_studio->document().isReplaying());
+    QVERIFY(m_studio->settle());
+    QVERIFY(m_studio->canvas().isEnabled());
+    QVERIFY(!m_studio->document().hasCut());
 }
 
 QTEST_MAIN(tst_StudioTools)
