@@ -164,6 +164,8 @@ void Canvas::updateOverlay(const QRectF &pictureArea)
 
 void Canvas::paintEvent(QPaintEvent *event)
 {
+    if (m_view.devicePixelRatio != devicePixelRatioF())
+        keepView(); // the window is on another screen
     QPainter painter(this);
     if (m_document.hasPicture())
         prepareTiles(event->region());
@@ -291,6 +293,11 @@ QPoint Canvas::insideBounds(const QPointF &origin) const
 }
 
 void Canvas::resizeEvent(QResizeEvent *)
+{
+    keepView();
+}
+
+void Canvas::keepView()
 {
     if (m_fits)
         zoomToFit();

@@ -106,6 +106,7 @@ private:
     bool pansWith(const QSinglePointEvent &event) const;
     void pinch(QGestureEvent &event);
     bool nativeGesture(const QNativeGestureEvent &event);
+    void keepView();
     void updateCursor();
     void holdHidingKey(bool isHeld);
     QRect onTiles(const QRect &widgetArea) const;

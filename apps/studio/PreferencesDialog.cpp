@@ -20,9 +20,15 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include <array>
+
 namespace {
 
 constexpr int mostPixels = 100000; // of a picture's side
+/// The canvas and its tools would not hear of them any more.
+constexpr std::array keysOfTools{Qt::Key_Space,       Qt::Key_Return, Qt::Key_Enter,
+                                 Qt::Key_Backspace,   Qt::Key_Delete, Qt::Key_BracketLeft,
+                                 Qt::Key_BracketRight};
 
 QLabel *note(const QString &text)
 {
@@ -198,15 +204,19 @@ void PreferencesDialog::restoreOwnKeys()
 
 void PreferencesDialog::findConflicts()
 {
-    QMap<QString, QString> users; // names of actions by keys
+    QMap<QKeySequence, QString> users; // names of actions by keys
+    for (const Qt::Key key : keysOfTools)
+        users.insert(key, tr("Tools"));
     QString conflict;
     for (const QAction *const action : m_shortcuts.actions()) {
-        const QKeySequence key = chosenKey(*m_keys.value(action->objectName()));
-        const QString text = key.toString(QKeySequence::NativeText);
-        if (!text.isEmpty() && users.contains(text))
-            conflict = tr("%1 is used for both “%2” and “%3”.")
-                               .arg(text, users.value(text), action->iconText());
-        users.insert(text, action->iconText());
+        const QKeySequence chosen = chosenKey(*m_keys.value(action->objectName()));
+        for (const QKeySequence &key : m_shortcuts.keysWith(action, chosen)) {
+            if (!key.isEmpty() && users.contains(key))
+                conflict = tr("%1 is used for both “%2” and “%3”.")
+                                   .arg(key.toString(QKeySequence::NativeText), users.value(key),
+                                        action->iconText());
+            users.insert(key, action->iconText());
+        }
     }
     m_conflict->setText(conflict);
     m_buttons->button(QDialogButtonBox::Ok)->setEnabled(conflict.isEmpty());

@@ -18,6 +18,11 @@ QKeySequence ShortcutMap::ownKey(const QAction *action) const
     return m_ownKeys.value(action->objectName()).value(0);
 }
 
+QList<QKeySequence> ShortcutMap::keysWith(const QAction *action, const QKeySequence &chosen) const
+{
+    return chosen == ownKey(action) ? m_ownKeys.value(action->objectName()) : QList{chosen};
+}
+
 void ShortcutMap::setKeys(const QMap<QString, QKeySequence> &keys)
 {
     QMap<QString, QKeySequence> chosen = StudioSettings::instance().shortcuts();

@@ -19,6 +19,8 @@ public:
 
     const QList<QAction *> &actions() const { return m_actions; }
     QKeySequence ownKey(const QAction *action) const; ///< the first one
+    /// What the action would have if this one were chosen: with its own key come the others.
+    QList<QKeySequence> keysWith(const QAction *action, const QKeySequence &chosen) const;
     /// By the actions' names; saved in the settings. Names that are not among them keep theirs.
     void setKeys(const QMap<QString, QKeySequence> &keys);
 

@@ -171,6 +171,13 @@ void tst_StudioHelp::conflictsAreRefused()
     QVERIFY(control<QLabel>("conflict").text().contains(QStringLiteral("Brush")));
     keyOf("brush").clear();
     QVERIFY(ok->isEnabled());
+    const QKeySequence second = m_studio->action("zoomIn").shortcuts().last();
+    for (const QKeySequence &taken : {second, QKeySequence(Qt::Key_BracketLeft)}) {
+        keyOf("scissors").setKeySequence(taken);
+        QVERIFY(!ok->isEnabled());
+    }
+    keyOf("scissors").setKeySequence(m_studio->action("scissors").shortcut());
+    QVERIFY(ok->isEnabled());
     dialog.accept();
     QVERIFY(m_studio->action("brush").shortcut().isEmpty());
     QCOMPARE(m_studio->action("lasso").shortcut(), QKeySequence(Qt::Key_B));
