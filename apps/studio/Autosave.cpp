@@ -1,6 +1,7 @@
 #include "Autosave.h"
 
 #include "Document.h"
+#include "StateFolder.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -19,7 +20,7 @@ constexpr auto interval = 1500ms;
 
 QString pathOf(const QString &name, QLatin1StringView suffix)
 {
-    return Autosave::folder() + u'/' + name + suffix;
+    return StateFolder::path() + u'/' + name + suffix;
 }
 
 QString sessionOf(const QString &name)
@@ -45,7 +46,6 @@ Autosave::Autosave(Document &document, QObject *parent)
     : QObject(parent)
     , m_document(document)
     , m_name(QUuid::createUuid().toString(QUuid::WithoutBraces))
-    , m_saver(folder())
 {
     m_timer.setSingleShot(true);
     m_timer.setInterval(interval);
@@ -69,16 +69,6 @@ Autosave::~Autosave()
     m_saver.waitForDone();
     if (m_lock)
         removeFiles(m_name);
-}
-
-/// QStandardPaths has this folder from Qt 6.7 on.
-QString Autosave::folder()
-{
-    const QString state = qEnvironmentVariable("XDG_STATE_HOME");
-    const QString base = QDir::isAbsolutePath(state)
-                                 ? state
-                                 : QDir::homePath() + QStringLiteral("/.local/state");
-    return base + QStringLiteral("/rycut-studio");
 }
 
 void Autosave::update()
@@ -116,7 +106,7 @@ void Autosave::lock()
         return;
     m_pool.start([this, name = m_name] {
         std::shared_ptr<QLockFile> lock = lockFor(name);
-        if (!QDir().mkpath(folder()) || !lock->tryLock())
+        if (!QDir().mkpath(StateFolder::path()) || !lock->tryLock())
             lock.reset();
         QMetaObject::invokeMethod(
                 this, [this, name, lock] { takeLock(name, lock); }, Qt::QueuedConnection);
@@ -127,7 +117,7 @@ void Autosave::takeLock(const QString &name, const std::shared_ptr<QLockFile> &l
 {
     m_isLocking = false;
     if (!lock) {
-        complain(tr("Unsaved work cannot be kept in “%1”.").arg(folder()));
+        complain(tr("Unsaved work cannot be kept in “%1”.").arg(StateFolder::path()));
     } else if (!m_lock && name == m_name) {
         m_lock = lock;
         m_document.isModified() ? write() : removeOwn();
@@ -156,7 +146,8 @@ void Autosave::removeFiles(const QString &name)
 QStringList Autosave::takeOver()
 {
     QStringList sessions;
-    const QDir dir(folder(), QStringLiteral("*") + SessionFile::suffix, QDir::Time, QDir::Files);
+    const QDir dir(StateFolder::path(), QStringLiteral("*") + SessionFile::suffix, QDir::Time,
+                   QDir::Files);
     const QFileInfoList files = dir.entryInfoList();
     for (const QFileInfo &file : files) {
         auto lock = lockFor(file.completeBaseName());

@@ -30,8 +30,6 @@ public:
     explicit Autosave(Document &document, QObject *parent = nullptr);
     ~Autosave() override; ///< who ends in an orderly way leaves nothing
 
-    static QString folder();
-
     /// Sessions of programs that are no more, the newest first. They belong to this program until
     /// it ends or they are removed.
     QStringList takeOver();

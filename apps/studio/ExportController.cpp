@@ -119,10 +119,7 @@ QString ExportController::suggestedFile(ExportKind kind) const
 {
     const OpenedPicture &opened = m_document.opened();
     const FileKind file = fileKind(kind);
-    const bool isOnDisk = !opened.fileName.isEmpty() && !opened.fileName.startsWith(u':');
-    QString folder = m_folder;
-    if (folder.isEmpty())
-        folder = isOnDisk ? QFileInfo(opened.fileName).absolutePath() : PicturesFolder::path();
+    const QString folder = m_folder.isEmpty() ? PicturesFolder::around(opened.fileName) : m_folder;
     return folder + u'/' + QFileInfo(opened.title).completeBaseName() + file.ending + u'.' +
            file.suffix;
 }

@@ -179,8 +179,7 @@ void MainWindow::openFile(const QString &fileName)
 
 void MainWindow::chooseFile()
 {
-    const QString last = m_document.opened().fileName;
-    const QString folder = last.isEmpty() || last.startsWith(u':') ? PicturesFolder::path() : last;
+    const QString folder = PicturesFolder::around(m_document.opened().fileName);
     const QString fileName =
             QFileDialog::getOpenFileName(this, tr("Open a Picture"), folder, pictureFilter());
     if (!fileName.isEmpty())
@@ -208,7 +207,7 @@ bool MainWindow::openMimeData(const QMimeData *source)
     if (mayDiscardChanges()) {
         m_sessions.cancel();
         m_loader.setLongestSide(StudioSettings::longestSideForCutting());
-        m_loader.load(image, tr("Pasted picture"));
+        m_loader.load(image);
     }
     return true;
 }
@@ -229,7 +228,7 @@ void MainWindow::showPicture(const OpenedPicture &picture)
     m_pages->setCurrentWidget(m_canvas);
     m_canvas->setFocus();
     m_statusBar->setPictureSize(picture.picture.size(), picture.cuttingPicture.size());
-    if (!picture.fileName.isEmpty() && !picture.fileName.startsWith(u':'))
+    if (PicturesFolder::isPutByPeople(picture.fileName))
         StudioSettings::instance().addRecentFile(picture.fileName);
     m_tools.setCurrent(m_tools.tools().first()); // every cut begins with a lasso
     updateActions();

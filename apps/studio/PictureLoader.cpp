@@ -1,5 +1,6 @@
 #include "PictureLoader.h"
 
+#include "StateFolder.h"
 #include "cutout/PictureDecoder.h"
 #include "cutout/PictureError.h"
 
@@ -60,15 +61,21 @@ PictureLoader::~PictureLoader()
     m_pool.waitForDone();
 }
 
+QString PictureLoader::titleOf(const QString &fileName)
+{
+    const bool isPasted = fileName.isEmpty() || StateFolder::holds(fileName);
+    return isPasted ? tr("Pasted picture") : QFileInfo(fileName).fileName();
+}
+
 void PictureLoader::load(const QString &fileName)
 {
     const QString absolute = QFileInfo(fileName).absoluteFilePath();
-    start(QFileInfo(fileName).fileName(), [absolute] { return decodeFile(absolute); });
+    start(titleOf(fileName), [absolute] { return decodeFile(absolute); });
 }
 
-void PictureLoader::load(const QImage &image, const QString &title)
+void PictureLoader::load(const QImage &image)
 {
-    start(title, [image] { return fromImage(image); });
+    start(titleOf({}), [image] { return fromImage(image); });
 }
 
 void PictureLoader::cancel()

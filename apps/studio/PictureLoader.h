@@ -25,9 +25,12 @@ public:
     /// A longest side of 0 cuts pictures at their full size.
     void setLongestSide(int pixels) { m_longestSide = pixels; }
 
+    /// For people: the file's name, unless it is none that anybody gave.
+    static QString titleOf(const QString &fileName);
+
     void load(const QString &fileName);
     /// A picture without a file.
-    void load(const QImage &image, const QString &title);
+    void load(const QImage &image);
     bool isLoading() const { return m_isLoading; }
     void cancel(); ///< nothing comes any more
 

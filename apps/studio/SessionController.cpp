@@ -2,6 +2,7 @@
 
 #include "Document.h"
 #include "PicturesFolder.h"
+#include "StateFolder.h"
 #include "StudioSettings.h"
 
 #include <QAbstractButton>
@@ -14,8 +15,6 @@
 #include <QScopedValueRollback>
 #include <QUndoStack>
 
-#include <utility>
-
 using namespace Qt::StringLiterals;
 
 SessionController::SessionController(Document &document, QWidget *window)
@@ -25,7 +24,6 @@ SessionController::SessionController(Document &document, QWidget *window)
     , m_saveAs(createAction(u"saveAs"_s, tr("Save Session &As…"),
                             QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)))
     , m_autosave(document)
-    , m_saver(Autosave::folder())
 {
     connect(m_save, &QAction::triggered, this, &SessionController::save);
     connect(m_saveAs, &QAction::triggered, this, &SessionController::saveAs);
@@ -53,7 +51,6 @@ QAction *SessionController::createAction(const QString &id, const QString &text,
 
 void SessionController::open(const QString &fileName)
 {
-    m_restored.clear();
     m_opener.open(QFileInfo(fileName).absoluteFilePath(), StudioSettings::longestSideForCutting());
 }
 
@@ -61,23 +58,25 @@ void SessionController::play(const OpenedPicture &picture, const QList<ReplaySte
                              const EdgeSettings &edges)
 {
     Q_EMIT pictureOpened(picture);
-    m_fileName = m_restored.isEmpty() ? m_opener.fileName() : QString();
+    m_playedFile = m_opener.fileName();
     m_playedEdges = edges; // masks that nobody sees for long are not worked on
-    m_document.replay(steps);
+    if (steps.isEmpty())
+        endReplay(true);
+    else
+        m_document.replay(steps);
 }
 
 void SessionController::endReplay(bool isComplete)
 {
-    const QString restored = std::exchange(m_restored, QString());
-    if (isComplete)
-        m_document.setEdgeSettings(m_playedEdges, tr("Edge as Saved"));
-    if (!isComplete) {
-        m_fileName.clear(); // what is there now is not what the file tells
-    } else if (restored.isEmpty()) {
-        m_document.setSaved();
-    } else {
+    if (!isComplete)
+        return; // what is there now is not what the file tells, and must not replace it
+    m_document.setEdgeSettings(m_playedEdges, tr("Edge as Saved"));
+    if (StateFolder::holds(m_playedFile)) {
         m_document.setUnsaved();
-        m_autosave.continueWith(restored);
+        m_autosave.continueWith(m_playedFile);
+    } else {
+        m_fileName = m_playedFile;
+        m_document.setSaved();
     }
 }
 
@@ -85,8 +84,7 @@ bool SessionController::save()
 {
     if (m_fileName.isEmpty())
         return saveAs();
-    saveTo(m_fileName);
-    return true;
+    return saveTo(m_fileName);
 }
 
 bool SessionController::saveAs()
@@ -101,26 +99,31 @@ bool SessionController::saveAs()
         dialog.selectFile(suggestedFile());
     if (dialog.exec() != QDialog::Accepted)
         return false;
-    saveTo(dialog.selectedFiles().first());
-    return true;
+    return saveTo(dialog.selectedFiles().first());
 }
 
 /// Beside the picture, where people can put it.
 QString SessionController::suggestedFile() const
 {
     const OpenedPicture &opened = m_document.opened();
-    const QFileInfo picture(opened.fileName);
-    const bool isOnDisk = picture.isFile() && !opened.fileName.startsWith(u':');
-    return (isOnDisk ? picture.absolutePath() : PicturesFolder::path()) + u'/' +
+    return PicturesFolder::around(opened.fileName) + u'/' +
            QFileInfo(opened.title).completeBaseName() + SessionFile::suffix;
 }
 
-void SessionController::saveTo(const QString &fileName)
+bool SessionController::saveTo(const QString &fileName)
 {
+    if (StateFolder::holds(fileName)) {
+        Q_EMIT failed(
+                tr("“%1” is where unsaved work is kept, and cleared by itself. Please save the "
+                   "session in another folder.")
+                        .arg(QDir::toNativeSeparators(StateFolder::path())));
+        return false;
+    }
     m_savedFile = QFileInfo(fileName).absoluteFilePath();
     m_savedIndex = m_document.undoStack()->index();
     m_savedEdges = m_document.edgeSettings();
     m_saver.save(m_savedFile, m_document.gestures(), m_savedEdges, m_document.opened());
+    return true;
 }
 
 void SessionController::finishSaving(const SessionFile::Saved &result)
@@ -138,8 +141,8 @@ void SessionController::finishSaving(const SessionFile::Saved &result)
 
 bool SessionController::mayDiscardChanges()
 {
-    if (!m_document.isModified())
-        return true;
+    if (!m_document.isModified() || m_document.isReplaying())
+        return true; // what is played is in its file
     if (m_isAsking)
         return false;
     const QScopedValueRollback asking(m_isAsking, true);
@@ -217,7 +220,6 @@ bool SessionController::offerToRestore(const QString &otherFile)
             return false; // all that is left is offered next time
         if (answer == QMessageBox::Yes) {
             m_opener.open(session, StudioSettings::longestSideForCutting());
-            m_restored = session;
             return true;
         }
         m_autosave.remove(session);

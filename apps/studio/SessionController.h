@@ -36,7 +36,8 @@ public:
 
     /// The session's file; empty before there is one.
     QString fileName() const { return m_fileName; }
-    void saveTo(const QString &fileName);
+    /// Answers with saved() or failed(). False when it has failed already.
+    bool saveTo(const QString &fileName);
 
     /// Asks whether unsaved work shall be saved or thrown away, and saves it. False when it has to
     /// stay.
@@ -72,11 +73,11 @@ private:
     QAction *const m_save; // children
     QAction *const m_saveAs;
     QString m_fileName;
-    QString m_restored;   // what the opener reads is a session that a crash left
     QString m_savedFile;  // while it is written
     int m_savedIndex = 0; // of the document's steps, when that began
     EdgeSettings m_savedEdges;
-    EdgeSettings m_playedEdges; // of the session that is played, for its end
+    QString m_playedFile;       // the session that is played
+    EdgeSettings m_playedEdges; // at its end
     bool m_isAsking = false;
     Autosave m_autosave;
     SessionOpener m_opener;

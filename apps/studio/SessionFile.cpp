@@ -1,6 +1,8 @@
 #include "SessionFile.h"
 
 #include "SessionError.h"
+#include "StateFolder.h"
+#include "cutout/PictureEncoder.h"
 #include "gestures/GestureFileError.h"
 #include "gestures/GestureHistory.h"
 #include "gestures/WireTracer.h"
@@ -12,7 +14,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QImageReader>
-#include <QImageWriter>
 #include <QSaveFile>
 
 #include <algorithm>
@@ -70,18 +71,27 @@ QByteArray encoded(const QImage &picture)
 {
     QByteArray bytes;
     QBuffer buffer(&bytes);
-    QImageWriter writer(&buffer, "png");
-    if (!writer.write(picture))
-        throw SessionError(writer.errorString());
+    buffer.open(QIODevice::WriteOnly);
+    if (const QString error = PictureEncoder::encode(buffer, picture, "png"); !error.isEmpty())
+        throw SessionError(error);
     return bytes;
 }
 
-/// A name beside the session that nothing has yet.
-QString freePictureName(const QFileInfo &session)
+/// A picture that the studio keeps goes with the session of its name.
+bool hasFileThatStays(const OpenedPicture &picture, const QFileInfo &session)
+{
+    if (!StateFolder::holds(picture.fileName))
+        return !picture.fileName.isEmpty();
+    return StateFolder::holds(session.filePath()) &&
+           QFileInfo(picture.fileName).completeBaseName() == session.completeBaseName();
+}
+
+/// A name beside the session: people's files stay, what the studio has kept is replaced.
+QString newPictureName(const QFileInfo &session)
 {
     const QString base = session.absolutePath() + u'/' + session.completeBaseName();
     QString name = base + QLatin1StringView(".png");
-    for (int number = 2; QFileInfo::exists(name); ++number)
+    for (int number = 2; QFileInfo::exists(name) && !StateFolder::holds(name); ++number)
         name = base + QStringLiteral("-%1.png").arg(number);
     return name;
 }
@@ -197,17 +207,13 @@ QList<ReplayStep> SessionFile::steps(const GestureFile &file, const OpenedPictur
 }
 
 SessionFile::Saved SessionFile::write(const QString &fileName, const QList<Gesture> &gestures,
-                                      const EdgeSettings &edges, const OpenedPicture &picture,
-                                      const QString &passingFolder)
+                                      const EdgeSettings &edges, const OpenedPicture &picture)
 {
     const QFileInfo session(fileName);
     Saved saved{fileName, picture.fileName, picture.reference.sha256};
-    const bool passes =
-            QFileInfo(picture.fileName).absolutePath() == QDir(passingFolder).absolutePath() &&
-            session.absolutePath() != QDir(passingFolder).absolutePath();
-    if (picture.fileName.isEmpty() || passes) {
+    if (!hasFileThatStays(picture, session)) {
         const QByteArray content = encoded(picture.picture);
-        saved.pictureFile = freePictureName(session);
+        saved.pictureFile = newPictureName(session);
         saved.pictureSha256 = QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex();
         writeFile(saved.pictureFile, content);
     }

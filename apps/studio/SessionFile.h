@@ -44,9 +44,8 @@ struct Saved
     QByteArray pictureSha256;
 };
 
-/// Writes a session; the picture beside it, where it has no file that will stay. The folder is one
-/// of files that will not.
+/// Writes a session; the picture beside it, where it has no file that will stay.
 Saved write(const QString &fileName, const QList<Gesture> &gestures, const EdgeSettings &edges,
-            const OpenedPicture &picture, const QString &passingFolder);
+            const OpenedPicture &picture);
 
 } // namespace SessionFile

@@ -6,9 +6,8 @@
 
 #include <new>
 
-SessionSaver::SessionSaver(const QString &passingFolder, QObject *parent)
+SessionSaver::SessionSaver(QObject *parent)
     : QObject(parent)
-    , m_passingFolder(passingFolder)
 {
     m_pool.setMaxThreadCount(1); // of two writes of one file, the later one must win
 }
@@ -29,8 +28,7 @@ void SessionSaver::save(const QString &fileName, const QList<Gesture> &gestures,
             finish([this, sentence] { Q_EMIT failed(sentence); });
         };
         try {
-            const auto result =
-                    SessionFile::write(fileName, gestures, edges, picture, m_passingFolder);
+            const auto result = SessionFile::write(fileName, gestures, edges, picture);
             finish([this, result] { Q_EMIT saved(result); });
         } catch (const SessionError &error) {
             fail(error.reason());

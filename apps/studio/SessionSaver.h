@@ -17,7 +17,7 @@ class SessionSaver : public QObject
     Q_OBJECT
 
 public:
-    explicit SessionSaver(const QString &passingFolder, QObject *parent = nullptr);
+    explicit SessionSaver(QObject *parent = nullptr);
     ~SessionSaver() override; ///< what is begun is written first
 
     void save(const QString &fileName, const QList<Gesture> &gestures, const EdgeSettings &edges,
@@ -32,7 +32,6 @@ Q_SIGNALS:
 private:
     void finish(const std::function<void()> &tell);
 
-    const QString m_passingFolder;
     int m_tasks = 0;
     QThreadPool m_pool; // last: its tasks end before anything else goes
 };

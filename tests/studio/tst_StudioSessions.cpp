@@ -2,7 +2,9 @@
 
 #include "Autosave.h"
 #include "EditedMask.h"
+#include "PicturesFolder.h"
 #include "RySettings.h"
+#include "StateFolder.h"
 #include "StudioSettings.h"
 #include "support/TestPictures.h"
 
@@ -69,9 +71,15 @@ QByteArray contentsOf(const QString &fileName)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+bool write(const QString &fileName, const QByteArray &contents)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
+}
+
 QStringList keptSessions()
 {
-    return QDir(Autosave::folder()).entryList({u"*.session"_s}, QDir::Files);
+    return QDir(StateFolder::path()).entryList({u"*.session"_s}, QDir::Files);
 }
 
 } // namespace
@@ -99,8 +107,12 @@ private Q_SLOTS:
     void saysWhatIsWrong();
     void anotherPictureIsAskedAbout();
     void cancelledWhilePlayed();
+    void nothingIsUnsavedWhilePlayed();
     void unsavedWorkIsSavedOnRequest();
     void keepsWhatIsUnsaved();
+    void restoredPicturesStay();
+    void dialogsBeginWherePeopleAre_data();
+    void dialogsBeginWherePeopleAre();
     void restoresAfterACrash_data();
     void restoresAfterACrash();
 
@@ -111,6 +123,7 @@ private:
     QImage replayed(const QString &session, const QString &picture);
     void answer(QMessageBox::StandardButton button);
 
+    int m_answers = 0; // given so far
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<StudioDriver> m_studio;
 };
@@ -132,6 +145,7 @@ void tst_StudioSessions::initTestCase()
 
 void tst_StudioSessions::init()
 {
+    m_answers = 0;
     m_folder = std::make_unique<QTemporaryDir>();
     qputenv("XDG_STATE_HOME", path(u"state"_s).toLocal8Bit());
     RySettings::setFileName(path(u"settings.ini"_s));
@@ -171,11 +185,12 @@ QImage tst_StudioSessions::replayed(const QString &session, const QString &pictu
 void tst_StudioSessions::answer(QMessageBox::StandardButton button)
 {
     auto *const timer = new QTimer(&m_studio->window); // the window's
-    connect(timer, &QTimer::timeout, timer, [timer, button] {
+    connect(timer, &QTimer::timeout, timer, [this, timer, button] {
         auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
         if (!box)
             return;
         timer->stop();
+        ++m_answers;
         box->button(button)->click();
     });
     timer->start(5);
@@ -254,11 +269,9 @@ void tst_StudioSessions::sessionsOfOthersArePlayed()
     QString session = coffeeSession;
     if (!gestures.isEmpty()) {
         session = path(u"other.session"_s);
-        QFile file(session);
-        QVERIFY(file.open(QIODevice::WriteOnly));
         const bool isReduced = gestures.startsWith("longest-side");
-        file.write("rycut-session 1\nfile " + coffee.toUtf8() + '\n' +
-                   (isReduced ? "" : "longest-side 0\n") + gestures);
+        QVERIFY(write(session, "rycut-session 1\nfile " + coffee.toUtf8() + '\n' +
+                                       (isReduced ? "" : "longest-side 0\n") + gestures));
     }
     QVERIFY(openSession(session));
     QVERIFY(!m_studio->document().isModified());
@@ -298,11 +311,8 @@ void tst_StudioSessions::saysWhatIsWrong()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, said);
-    QFile file(path(u"bad.session"_s));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(text);
-    file.close();
-    m_studio->window.openFile(file.fileName());
+    QVERIFY(write(path(u"bad.session"_s), text));
+    m_studio->window.openFile(path(u"bad.session"_s));
     const auto box = [&] { return m_studio->window.findChild<QMessageBox *>(); };
     QTRY_VERIFY_WITH_TIMEOUT(box(), patienceMs);
     QVERIFY2(box()->text().contains(said), qPrintable(box()->text()));
@@ -335,6 +345,25 @@ void tst_StudioSessions::cancelledWhilePlayed()
     QVERIFY(!m_studio->document().isBusy());
 }
 
+void tst_StudioSessions::nothingIsUnsavedWhilePlayed()
+{
+    SessionController &sessions = m_studio->window.sessions();
+    Document &document = m_studio->document();
+    answer(QMessageBox::Cancel);
+    bool mayBeDiscarded = false, isNamed = true; // after the first of several steps
+    const auto look = [&] {
+        isNamed = !sessions.fileName().isEmpty();
+        mayBeDiscarded = sessions.mayDiscardChanges();
+    };
+    connect(&document, &Document::replayProgress, &document, look, Qt::SingleShotConnection);
+    QVERIFY(openSession(coffeeSession));
+    QVERIFY(mayBeDiscarded);
+    QCOMPARE(m_answers, 0);
+    QVERIFY(!isNamed); // half of it must not replace it
+    QCOMPARE(sessions.fileName(), coffeeSession);
+    QVERIFY(!document.isModified());
+}
+
 void tst_StudioSessions::unsavedWorkIsSavedOnRequest()
 {
     QVERIFY(m_studio->open(coffee));
@@ -357,7 +386,66 @@ void tst_StudioSessions::keepsWhatIsUnsaved()
     m_studio->document().setSaved();
     QTRY_VERIFY_WITH_TIMEOUT(keptSessions().isEmpty(), patienceMs);
     m_studio.reset();
-    QVERIFY(QDir(Autosave::folder()).isEmpty());
+    QVERIFY(QDir(StateFolder::path()).isEmpty());
+}
+
+/// The one that was pasted before a crash has no file but the one that is kept for a while.
+void tst_StudioSessions::restoredPicturesStay()
+{
+    const QString kept = StateFolder::path() + u"/kept.session"_s;
+    const QString picture = StateFolder::path() + u"/kept.png"_s;
+    QVERIFY(QDir().mkpath(StateFolder::path()));
+    QVERIFY(QFile::copy(coffee, picture));
+    QVERIFY(write(kept, "rycut-session 1\nfile kept.png\nlongest-side 0\n"
+                        "lasso 130 60 480 60 540 200 480 340 130 340 70 200\n"));
+    Document &document = m_studio->document();
+    SessionController &sessions = m_studio->window.sessions();
+    QSignalSpy ended(&document, &Document::replayEnded);
+    answer(QMessageBox::Yes);
+    m_studio->window.begin({});
+    QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, patienceMs);
+    QVERIFY(m_studio->settle());
+    QVERIFY(!StudioSettings::instance().recentFiles().contains(picture));
+    QVERIFY(!document.opened().title.contains(u"kept"));
+
+    QSignalSpy failed(&sessions, &SessionController::failed);
+    for (const QString &name : {u"/kept.session"_s, u"/other.session"_s})
+        QVERIFY(!sessions.saveTo(StateFolder::path() + name));
+    QCOMPARE(failed.size(), 2);
+    QVERIFY(document.isModified());
+    QVERIFY(QFileInfo::exists(kept) && QFileInfo::exists(picture));
+
+    const QImage mask = maskOf(document);
+    QVERIFY(save(path(u"saved.session"_s)));
+    QCOMPARE(document.opened().fileName, path(u"saved.png"_s));
+    QVERIFY(!document.isModified());
+    QTRY_VERIFY_WITH_TIMEOUT(!QFileInfo::exists(kept) && !QFileInfo::exists(picture), patienceMs);
+    m_studio = std::make_unique<StudioDriver>();
+    QVERIFY(openSession(path(u"saved.session"_s)));
+    QCOMPARE(maskOf(m_studio->document()), mask);
+}
+
+void tst_StudioSessions::dialogsBeginWherePeopleAre_data()
+{
+    QTest::addColumn<QString>("picture"); // in the test's folder, but for the sample
+    QTest::addColumn<bool>("isBesideIt");
+    QTest::addRow("own") << u"cup.png"_s << true;
+    QTest::addRow("pasted") << QString() << false;
+    QTest::addRow("sample") << u":/samples/coffee.png"_s << false;
+    QTest::addRow("kept") << u"state/rycut-studio/kept.png"_s << false;
+    QTest::addRow("kept, by another way") << u"link/kept.png"_s << false;
+    QTest::addRow("gone") << u"gone/cup.png"_s << false;
+}
+
+void tst_StudioSessions::dialogsBeginWherePeopleAre()
+{
+    QFETCH(QString, picture);
+    QFETCH(bool, isBesideIt);
+    QVERIFY(QDir().mkpath(StateFolder::path()));
+    QVERIFY(QFile::link(StateFolder::path(), path(u"link"_s)));
+    const bool isInFolder = !picture.isEmpty() && !picture.startsWith(u':');
+    const QString folder = PicturesFolder::around(isInFolder ? path(picture) : picture);
+    QCOMPARE(folder, isBesideIt ? m_folder->path() : PicturesFolder::path());
 }
 
 void tst_StudioSessions::restoresAfterACrash_data()
@@ -387,14 +475,14 @@ void tst_StudioSessions::restoresAfterACrash()
     m_studio->window.begin({}); // nothing is offered that somebody works on
     QVERIFY(!m_studio->document().hasPicture());
     const auto isWhole = [] {
-        return contentsOf(Autosave::folder() + u'/' + keptSessions().value(0)).contains("clean 4");
+        return contentsOf(StateFolder::path() + u'/' + keptSessions().value(0)).contains("clean 4");
     };
     QTRY_VERIFY_WITH_TIMEOUT(isWhole(), patienceMs);
     victim.kill();
     QVERIFY(victim.waitForFinished(patienceMs));
 
     QSignalSpy ended(&m_studio->document(), &Document::replayEnded);
-    const QString session = Autosave::folder() + u'/' + keptSessions().constFirst();
+    const QString session = StateFolder::path() + u'/' + keptSessions().constFirst();
     const QByteArray kept = contentsOf(session);
     answer(button);
     m_studio->window.begin(named);
