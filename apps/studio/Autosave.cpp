@@ -53,13 +53,13 @@ Autosave::Autosave(Document &document, QObject *parent)
     connect(document.undoStack(), &QUndoStack::indexChanged, this, &Autosave::update);
     connect(&document, &Document::isModifiedChanged, this, &Autosave::update);
     connect(&document, &Document::edgeSettingsChanged, this, &Autosave::update);
-    connect(&document, &Document::pictureChanged, this, [this] { m_picture = {}; });
-    connect(&m_saver, &SessionSaver::failed, this, &Autosave::complain);
-    connect(&m_saver, &SessionSaver::saved, this, [this](const SessionFile::Saved &saved) {
-        if (m_isWanted)
-            m_picture = saved;
-        else
-            removeFiles(nameOf(saved.fileName)); // it was given up while it was written
+    connect(&document, &Document::replayEnded, this, &Autosave::update);
+    connect(&m_saver, &SessionSaver::failed, this,
+            [this](quint64, const QString &sentence) { complain(sentence); });
+    connect(&m_saver, &SessionSaver::saved, this, [this](quint64, const SessionFile::Saved &saved) {
+        const QString name = nameOf(saved.fileName);
+        if (!m_isWanted || name != m_name)
+            removeFiles(name); // it was given up while it was written
     });
 }
 
@@ -71,9 +71,15 @@ Autosave::~Autosave()
         removeFiles(m_name);
 }
 
+/// What is played is in its file.
+bool Autosave::hasWork() const
+{
+    return m_document.isModified() && m_document.hasCut() && !m_document.isReplaying();
+}
+
 void Autosave::update()
 {
-    if (m_document.isModified() && m_document.hasCut()) {
+    if (hasWork()) {
         if (!m_timer.isActive()) // not later because more comes
             m_timer.start();
         return;
@@ -84,19 +90,19 @@ void Autosave::update()
 
 void Autosave::write()
 {
-    if (!m_document.isModified() || !m_document.hasCut())
+    if (!hasWork())
         return;
+    if (m_saver.isSaving()) {
+        m_timer.start(); // one at a time: it may be given up, and a picture takes seconds
+        return;
+    }
     if (!m_lock) {
         lock();
         return;
     }
-    OpenedPicture picture = m_document.opened();
-    if (picture.fileName.isEmpty()) {
-        picture.fileName = m_picture.pictureFile;
-        picture.reference.sha256 = m_picture.pictureSha256;
-    }
     m_isWanted = true;
-    m_saver.save(sessionOf(m_name), m_document.gestures(), m_document.edgeSettings(), picture);
+    m_saver.save(sessionOf(m_name), m_document.gestures(), m_document.edgeSettings(),
+                 m_document.opened());
 }
 
 /// Beside the event loop, for a lock is written through to the disk. What is to be kept follows.
@@ -136,10 +142,8 @@ void Autosave::removeFiles(const QString &name)
 {
     QFile::remove(sessionOf(name));
     QFile::remove(pathOf(name, QLatin1StringView(".png")));
-    if (name == m_name) {
-        m_picture = {};
+    if (name == m_name)
         m_lock.reset();
-    }
     m_takenOver.erase(name);
 }
 

@@ -38,6 +38,7 @@ public:
     void continueWith(const QString &session);
 
 private:
+    bool hasWork() const;
     void update();
     void write();
     void lock();
@@ -53,7 +54,6 @@ private:
     std::map<QString, std::unique_ptr<QLockFile>> m_takenOver; // by name
     bool m_isWanted = false;                                   // what has been or is being written
     bool m_hasComplained = false;
-    SessionFile::Saved m_picture; // where the picture is, if it has no file of its own
     QTimer m_timer;
     SessionSaver m_saver;
     QThreadPool m_pool; // last: its tasks end before anything else goes

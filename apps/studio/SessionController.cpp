@@ -27,10 +27,17 @@ SessionController::SessionController(Document &document, QWidget *window)
 {
     connect(m_save, &QAction::triggered, this, &SessionController::save);
     connect(m_saveAs, &QAction::triggered, this, &SessionController::saveAs);
-    connect(&document, &Document::pictureChanged, this, [this] { m_fileName.clear(); });
+    connect(&document, &Document::pictureChanged, this, [this] {
+        m_fileName.clear();
+        m_lastSave = 0;
+    });
+    const auto count = [this] { ++m_revision; };
+    connect(document.undoStack(), &QUndoStack::indexChanged, this, count);
+    connect(&document, &Document::edgeSettingsChanged, this, count); // sliders go on in a step
     connect(&document, &Document::replayEnded, this, &SessionController::endReplay);
     connect(&m_saver, &SessionSaver::saved, this, &SessionController::finishSaving);
-    connect(&m_saver, &SessionSaver::failed, this, &SessionController::failed);
+    connect(&m_saver, &SessionSaver::failed, this,
+            [this](quint64, const QString &sentence) { Q_EMIT failed(sentence); });
     connect(&m_opener, &SessionOpener::isOpeningChanged, this,
             &SessionController::isOpeningChanged);
     connect(&m_opener, &SessionOpener::failed, this, &SessionController::failed);
@@ -97,6 +104,7 @@ bool SessionController::saveAs()
         dialog.selectFile(m_fileName);
     else
         dialog.selectFile(suggestedFile());
+    connect(&m_document, &Document::pictureChanged, &dialog, &QDialog::reject);
     if (dialog.exec() != QDialog::Accepted)
         return false;
     return saveTo(dialog.selectedFiles().first());
@@ -119,23 +127,21 @@ bool SessionController::saveTo(const QString &fileName)
                         .arg(QDir::toNativeSeparators(StateFolder::path())));
         return false;
     }
-    m_savedFile = QFileInfo(fileName).absoluteFilePath();
-    m_savedIndex = m_document.undoStack()->index();
-    m_savedEdges = m_document.edgeSettings();
-    m_saver.save(m_savedFile, m_document.gestures(), m_savedEdges, m_document.opened());
+    m_savedRevision = m_revision;
+    m_lastSave = m_saver.save(QFileInfo(fileName).absoluteFilePath(), m_document.gestures(),
+                              m_document.edgeSettings(), m_document.opened());
     return true;
 }
 
-void SessionController::finishSaving(const SessionFile::Saved &result)
+/// Of another picture, or of a state that is being saved anew, nothing is noted.
+void SessionController::finishSaving(quint64 number, const SessionFile::Saved &result)
 {
-    if (result.fileName != m_savedFile)
-        return; // another one is being saved by now
-    m_fileName = result.fileName;
-    m_document.setPictureFile(result.pictureFile, result.pictureSha256);
-    const bool isUnchanged = m_document.undoStack()->index() == m_savedIndex &&
-                             m_document.edgeSettings() == m_savedEdges; // sliders go on in a step
-    if (isUnchanged)
-        m_document.setSaved();
+    if (number == m_lastSave) {
+        m_fileName = result.fileName;
+        m_document.setPictureFile(result.pictureFile, result.pictureSha256);
+        if (m_revision == m_savedRevision)
+            m_document.setSaved();
+    }
     Q_EMIT saved(result.fileName);
 }
 
@@ -162,8 +168,12 @@ bool SessionController::saveAndWait()
     if (!save())
         return false;
     QEventLoop loop;
-    connect(this, &SessionController::saved, &loop, &QEventLoop::quit);
-    connect(this, &SessionController::failed, &loop, &QEventLoop::quit);
+    const auto quitAfterTheLast = [&] {
+        if (!m_saver.isSaving())
+            loop.quit();
+    };
+    connect(this, &SessionController::saved, &loop, quitAfterTheLast);
+    connect(this, &SessionController::failed, &loop, quitAfterTheLast);
     loop.exec();
     return !m_document.isModified();
 }

@@ -59,7 +59,7 @@ private:
     bool saveAs();
     bool saveAndWait();
     QString suggestedFile() const;
-    void finishSaving(const SessionFile::Saved &result);
+    void finishSaving(quint64 number, const SessionFile::Saved &result);
     void play(const OpenedPicture &picture, const QList<ReplayStep> &steps,
               const EdgeSettings &edges);
     void endReplay(bool isComplete);
@@ -73,11 +73,11 @@ private:
     QAction *const m_save; // children
     QAction *const m_saveAs;
     QString m_fileName;
-    QString m_savedFile;  // while it is written
-    int m_savedIndex = 0; // of the document's steps, when that began
-    EdgeSettings m_savedEdges;
-    QString m_playedFile;       // the session that is played
-    EdgeSettings m_playedEdges; // at its end
+    quint64 m_revision = 0;      // of the document; counts all its changes
+    quint64 m_lastSave = 0;      // the saver's number, of this picture; 0 for none
+    quint64 m_savedRevision = 0; // that it writes
+    QString m_playedFile;        // the session that is played
+    EdgeSettings m_playedEdges;  // at its end
     bool m_isAsking = false;
     Autosave m_autosave;
     SessionOpener m_opener;

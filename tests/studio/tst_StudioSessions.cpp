@@ -16,8 +16,10 @@
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QUndoCommand>
 #include <QUndoStack>
 
+#include <functional>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -103,6 +105,8 @@ private Q_SLOTS:
     void sessionsOfOthersArePlayed_data();
     void sessionsOfOthersArePlayed();
     void pastedPicturesAreSavedAlong();
+    void savesAreNotedWhereTheyBelong_data();
+    void savesAreNotedWhereTheyBelong();
     void saysWhatIsWrong_data();
     void saysWhatIsWrong();
     void anotherPictureIsAskedAbout();
@@ -289,13 +293,62 @@ void tst_StudioSessions::pastedPicturesAreSavedAlong()
     QTRY_VERIFY_WITH_TIMEOUT(m_studio->document().hasPicture(), patienceMs);
     work(*m_studio);
     const QImage mask = m_studio->document().mask();
-    QVERIFY(save(path(u"pasted.session"_s)));
+    m_studio->window.sessions().saveTo(path(u"pasted.session"_s));
+    QVERIFY(save(path(u"pasted.session"_s))); // one answer; the other one is still to come
+    QTRY_VERIFY_WITH_TIMEOUT(!m_studio->document().isModified(), patienceMs);
     QVERIFY(QFileInfo::exists(path(u"pasted.png"_s)));
     QVERIFY(save(path(u"pasted.session"_s)));
     QVERIFY(!QFileInfo::exists(path(u"pasted-2.png"_s))); // it is there already
     m_studio = std::make_unique<StudioDriver>();
     QVERIFY(openSession(path(u"pasted.session"_s)));
     QCOMPARE(m_studio->document().mask(), mask);
+}
+
+void tst_StudioSessions::savesAreNotedWhereTheyBelong_data()
+{
+    using Deed = std::function<void(MainWindow &, const QString &)>;
+    QTest::addColumn<Deed>("deed"); // while it is saved, and before the event loop hears of it
+    QTest::addColumn<bool>("isNamed");
+    QTest::addColumn<QList<bool>>("isModified"); // after each of the saves
+    QTest::addRow("unchanged") << Deed([](auto &, auto &) {}) << true << QList<bool>{false};
+    const Deed doOtherwise = [](MainWindow &window, auto &) {
+        window.document().undoStack()->undo();
+        window.document().undoStack()->push(new QUndoCommand(u"Another"_s)); // which it takes
+    };
+    QTest::addRow("undone and done otherwise") << doOtherwise << true << QList<bool>{true};
+    const Deed saveAgain = [](MainWindow &window, const QString &session) {
+        window.document().undoStack()->undo();
+        window.sessions().saveTo(session);
+    };
+    QTest::addRow("saved again") << saveAgain << true << QList<bool>{true, false};
+    const Deed openAnother = [](MainWindow &window, auto &) {
+        OpenedPicture other = window.document().opened();
+        other.fileName = u"other.png"_s;
+        window.document().setPicture(other);
+    };
+    QTest::addRow("another picture") << openAnother << false << QList<bool>{false};
+}
+
+void tst_StudioSessions::savesAreNotedWhereTheyBelong()
+{
+    using Deed = std::function<void(MainWindow &, const QString &)>;
+    QFETCH(Deed, deed);
+    QFETCH(bool, isNamed);
+    QFETCH(QList<bool>, isModified);
+    Document &document = m_studio->document();
+    SessionController &sessions = m_studio->window.sessions();
+    QVERIFY(m_studio->open(coffee));
+    work(*m_studio);
+    QList<bool> found;
+    connect(&sessions, &SessionController::saved, &document,
+            [&] { found.append(document.isModified()); });
+    const QString session = path(u"saved.session"_s);
+    sessions.saveTo(session);
+    deed(m_studio->window, session);
+    QTRY_COMPARE_WITH_TIMEOUT(found.size(), isModified.size(), patienceMs);
+    QCOMPARE(found, isModified);
+    QCOMPARE(sessions.fileName(), isNamed ? session : QString());
+    QCOMPARE(document.opened().fileName, isNamed ? coffee : u"other.png"_s);
 }
 
 void tst_StudioSessions::saysWhatIsWrong_data()
