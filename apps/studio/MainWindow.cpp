@@ -35,9 +35,15 @@ QString pictureFilter()
            QStringLiteral(";;") + MainWindow::tr("All files (*)");
 }
 
+/// Empty where there is none that can be opened.
+QString fileOf(const QMimeData &source)
+{
+    return source.urls().value(0).toLocalFile();
+}
+
 bool hasPicture(const QMimeData *source)
 {
-    return source && (source->hasUrls() || source->hasImage());
+    return source && (!fileOf(*source).isEmpty() || source->hasImage());
 }
 
 } // namespace
@@ -95,7 +101,10 @@ MainWindow::~MainWindow()
 
 void MainWindow::connectDocument()
 {
-    connect(&m_loader, &PictureLoader::loaded, this, &MainWindow::showPicture);
+    connect(&m_loader, &PictureLoader::loaded, this, [this](const OpenedPicture &picture) {
+        if (m_sessions.mayDiscardLaterChanges())
+            showPicture(picture);
+    });
     connect(&m_loader, &PictureLoader::failed, this, &MainWindow::complain);
     connect(&m_loader, &PictureLoader::isLoadingChanged, this, [this](bool isLoading) {
         isLoading ? m_statusBar->beginProgress(tr("Opening…")) : m_statusBar->endProgress();
@@ -165,7 +174,7 @@ void MainWindow::begin(const QString &fileName)
 
 void MainWindow::openFile(const QString &fileName)
 {
-    if (!mayDiscardChanges())
+    if (!m_sessions.mayDiscardChanges())
         return;
     m_loader.cancel();
     m_sessions.cancel();
@@ -192,29 +201,27 @@ void MainWindow::paste()
         m_statusBar->remark(tr("There is no picture to paste."));
 }
 
+/// In a later turn: there may be something to ask, and whoever dropped it waits for us.
 bool MainWindow::openMimeData(const QMimeData *source)
 {
     if (!hasPicture(source))
         return false;
-    const QList<QUrl> urls = source->urls();
-    if (!urls.isEmpty() && urls.first().isLocalFile()) {
-        openFile(urls.first().toLocalFile());
-        return true;
-    }
-    const QImage image = qvariant_cast<QImage>(source->imageData());
-    if (image.isNull())
+    const QString file = fileOf(*source);
+    const QImage image = file.isEmpty() ? qvariant_cast<QImage>(source->imageData()) : QImage();
+    if (file.isEmpty() && image.isNull())
         return false;
-    if (mayDiscardChanges()) {
-        m_sessions.cancel();
-        m_loader.setLongestSide(StudioSettings::longestSideForCutting());
-        m_loader.load(image);
-    }
+    const auto open = [this, file, image] { image.isNull() ? openFile(file) : openImage(image); };
+    QMetaObject::invokeMethod(this, open, Qt::QueuedConnection);
     return true;
 }
 
-bool MainWindow::mayDiscardChanges()
+void MainWindow::openImage(const QImage &image)
 {
-    return m_sessions.mayDiscardChanges();
+    if (!m_sessions.mayDiscardChanges())
+        return;
+    m_sessions.cancel();
+    m_loader.setLongestSide(StudioSettings::longestSideForCutting());
+    m_loader.load(image);
 }
 
 void MainWindow::showPicture(const OpenedPicture &picture)
@@ -289,7 +296,7 @@ void MainWindow::updateTitle()
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    event->setAccepted(mayDiscardChanges());
+    event->setAccepted(m_sessions.mayDiscardChanges());
     if (event->isAccepted())
         rememberWindow();
 }

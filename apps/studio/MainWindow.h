@@ -79,7 +79,7 @@ private:
     void chooseFile();
     void paste();
     bool openMimeData(const QMimeData *source);
-    bool mayDiscardChanges();
+    void openImage(const QImage &image);
     void showPicture(const OpenedPicture &picture);
     void showTool(Tool *tool);
     void cancel();

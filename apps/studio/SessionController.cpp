@@ -64,6 +64,8 @@ void SessionController::open(const QString &fileName)
 void SessionController::play(const OpenedPicture &picture, const QList<ReplayStep> &steps,
                              const EdgeSettings &edges)
 {
+    if (!mayDiscardLaterChanges())
+        return;
     Q_EMIT pictureOpened(picture);
     m_playedFile = m_opener.fileName();
     m_playedEdges = edges; // masks that nobody sees for long are not worked on
@@ -147,18 +149,33 @@ void SessionController::finishSaving(quint64 number, const SessionFile::Saved &r
 
 bool SessionController::mayDiscardChanges()
 {
-    if (!m_document.isModified() || m_document.isReplaying())
-        return true; // what is played is in its file
+    const bool isKept = !m_document.isModified() || m_document.isReplaying(); // which has a file
+    if (!isKept && !mayDiscardOnRequest())
+        return false;
+    m_discardableRevision = m_revision;
+    return true;
+}
+
+bool SessionController::mayDiscardLaterChanges()
+{
+    return m_revision == m_discardableRevision || mayDiscardChanges();
+}
+
+bool SessionController::mayDiscardOnRequest()
+{
     if (m_isAsking)
         return false;
     const QScopedValueRollback asking(m_isAsking, true);
     QMessageBox::StandardButtons buttons = QMessageBox::Discard | QMessageBox::Cancel;
     if (m_document.hasCut())
         buttons |= QMessageBox::Save;
-    const auto answer = QMessageBox::warning(
-            m_window, tr("Unsaved Changes"),
+    QMessageBox box(
+            QMessageBox::Warning, tr("Unsaved Changes"),
             tr("The cut of “%1” has changed. Save the changes?").arg(m_document.opened().title),
-            buttons, m_document.hasCut() ? QMessageBox::Save : QMessageBox::Cancel);
+            buttons, m_window);
+    box.setDefaultButton(m_document.hasCut() ? QMessageBox::Save : QMessageBox::Cancel);
+    connect(&m_document, &Document::pictureChanged, &box, &QDialog::reject);
+    const int answer = box.exec();
     return answer == QMessageBox::Discard || (answer == QMessageBox::Save && saveAndWait());
 }
 
@@ -206,10 +223,14 @@ QMessageBox::StandardButton SessionController::askWhetherToRestore(const QString
 {
     const QString when =
             QLocale().toString(QFileInfo(session).lastModified(), QLocale::ShortFormat);
+    const QString picture = SessionFile::pictureFile(session);
+    const QString cut = picture.isEmpty()
+                                ? tr("A cut")
+                                : tr("A cut of “%1”").arg(PictureLoader::titleOf(picture));
     QMessageBox box(QMessageBox::Question, tr("Restore a Cut"),
-                    tr("RyCut Studio ended unexpectedly. A cut was kept that had not been saved, "
-                       "as it was on %1. Restore it?")
-                            .arg(when),
+                    tr("RyCut Studio ended unexpectedly. %1 was kept that had not been saved, "
+                       "as it was on %2. Restore it?")
+                            .arg(cut, when),
                     QMessageBox::Yes | QMessageBox::Discard | QMessageBox::Cancel, m_window);
     box.setDefaultButton(QMessageBox::Yes);
     box.button(QMessageBox::Yes)->setText(tr("&Restore"));

@@ -42,6 +42,8 @@ public:
     /// Asks whether unsaved work shall be saved or thrown away, and saves it. False when it has to
     /// stay.
     bool mayDiscardChanges();
+    /// The same once what was to come instead is there: asks about what was done since.
+    bool mayDiscardLaterChanges();
     /// Offers what programs have left that did not end in an orderly way; true when some of it is
     /// being opened. The file, if any, is what is opened else.
     bool offerToRestore(const QString &otherFile = {});
@@ -57,6 +59,7 @@ private:
     QAction *createAction(const QString &id, const QString &text, const QKeySequence &shortcut);
     bool save();
     bool saveAs();
+    bool mayDiscardOnRequest();
     bool saveAndWait();
     QString suggestedFile() const;
     void finishSaving(quint64 number, const SessionFile::Saved &result);
@@ -73,7 +76,8 @@ private:
     QAction *const m_save; // children
     QAction *const m_saveAs;
     QString m_fileName;
-    quint64 m_revision = 0;      // of the document; counts all its changes
+    quint64 m_revision = 0; // of the document; counts all its changes
+    quint64 m_discardableRevision = 0;
     quint64 m_lastSave = 0;      // the saver's number, of this picture; 0 for none
     quint64 m_savedRevision = 0; // that it writes
     QString m_playedFile;        // the session that is played

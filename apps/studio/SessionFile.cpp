@@ -181,6 +181,22 @@ SessionFile::Contents SessionFile::read(const QString &fileName)
     }
 }
 
+QString SessionFile::pictureFile(const QString &fileName)
+{
+    constexpr qint64 headBytes = 16384; // the picture is told above all gestures
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray head = file.read(headBytes);
+    try {
+        const QString told =
+                GestureFile::parse(head.first(head.lastIndexOf('\n') + 1), {}).pictureFile;
+        return told.isEmpty() ? told : QFileInfo(fileName).absoluteDir().absoluteFilePath(told);
+    } catch (const GestureFileError &) {
+        return {};
+    }
+}
+
 QList<ReplayStep> SessionFile::steps(const GestureFile &file, const OpenedPicture &picture,
                                      const std::atomic_bool &isCancelled)
 {

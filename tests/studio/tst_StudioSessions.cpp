@@ -11,8 +11,10 @@
 #include <QAbstractButton>
 #include <QClipboard>
 #include <QDir>
+#include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -113,6 +115,10 @@ private Q_SLOTS:
     void cancelledWhilePlayed();
     void nothingIsUnsavedWhilePlayed();
     void unsavedWorkIsSavedOnRequest();
+    void whatIsDoneWhileLoadingIsAskedAbout_data();
+    void whatIsDoneWhileLoadingIsAskedAbout();
+    void takesWhatIsDropped_data();
+    void takesWhatIsDropped();
     void keepsWhatIsUnsaved();
     void restoredPicturesStay();
     void dialogsBeginWherePeopleAre_data();
@@ -127,7 +133,8 @@ private:
     QImage replayed(const QString &session, const QString &picture);
     void answer(QMessageBox::StandardButton button);
 
-    int m_answers = 0; // given so far
+    int m_answers = 0;  // given so far
+    QString m_question; // the last one of these
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<StudioDriver> m_studio;
 };
@@ -195,6 +202,7 @@ void tst_StudioSessions::answer(QMessageBox::StandardButton button)
             return;
         timer->stop();
         ++m_answers;
+        m_question = box->text();
         box->button(button)->click();
     });
     timer->start(5);
@@ -430,6 +438,78 @@ void tst_StudioSessions::unsavedWorkIsSavedOnRequest()
     QVERIFY(contentsOf(session).contains("invert"));
 }
 
+void tst_StudioSessions::whatIsDoneWhileLoadingIsAskedAbout_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<bool>("isDoneBefore");
+    QTest::addColumn<QMessageBox::StandardButton>("button");
+    QTest::addRow("picture, kept") << u"cup.png"_s << false << QMessageBox::Cancel;
+    QTest::addRow("picture, given up") << u"cup.png"_s << false << QMessageBox::Discard;
+    QTest::addRow("picture, asked once") << u"cup.png"_s << true << QMessageBox::Discard;
+    QTest::addRow("session, kept") << u"cup.session"_s << false << QMessageBox::Cancel;
+    QTest::addRow("session, given up") << u"cup.session"_s << false << QMessageBox::Discard;
+    QTest::addRow("session, asked once") << u"cup.session"_s << true << QMessageBox::Discard;
+}
+
+void tst_StudioSessions::whatIsDoneWhileLoadingIsAskedAbout()
+{
+    QFETCH(QString, file);
+    QFETCH(bool, isDoneBefore);
+    QFETCH(QMessageBox::StandardButton, button);
+    QVERIFY(QFile::copy(coffee, path(u"cup.png"_s)));
+    QVERIFY(QFile::copy(coffeeSession, path(u"cup.session"_s)));
+    QVERIFY(m_studio->open(coffee));
+    work(*m_studio);
+    QVERIFY(save(path(u"saved.session"_s)));
+    Document &document = m_studio->document();
+    if (isDoneBefore)
+        workOnEdge(*m_studio);
+    answer(button);
+    m_studio->window.openFile(path(file));
+    if (!isDoneBefore)
+        workOnEdge(*m_studio);
+    const auto isReplaced = [&] { return document.opened().fileName == path(u"cup.png"_s); };
+    const bool isKept = button == QMessageBox::Cancel;
+    QTRY_VERIFY_WITH_TIMEOUT(isReplaced() || (isKept && m_answers > 0), patienceMs);
+    QCOMPARE(m_answers, 1);
+    QCOMPARE(isReplaced(), !isKept);
+    QCOMPARE(document.isModified() && !document.isReplaying(), isKept);
+    QCOMPARE(document.edgeSettings() == EdgeSettings(), !isKept);
+}
+
+void tst_StudioSessions::takesWhatIsDropped_data()
+{
+    QTest::addColumn<QUrl>("url");
+    QTest::addColumn<bool>("isTaken");
+    QTest::addRow("file") << QUrl::fromLocalFile(coffee) << true;
+    QTest::addRow("elsewhere") << QUrl(u"https://example.org/cup.png"_s) << false;
+}
+
+/// Whoever it is dragged from does not wait for the question.
+void tst_StudioSessions::takesWhatIsDropped()
+{
+    QFETCH(QUrl, url);
+    QFETCH(bool, isTaken);
+    const QString rocket = QStringLiteral(RY_SAMPLES_DIR "/rocket.jpg");
+    QVERIFY(m_studio->open(rocket));
+    workOnEdge(*m_studio);
+    QMimeData data;
+    data.setUrls({url});
+    QDragEnterEvent enter({}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    enter.ignore();
+    QCoreApplication::sendEvent(&m_studio->window, &enter);
+    QCOMPARE(enter.isAccepted(), isTaken);
+    answer(QMessageBox::Discard);
+    QDropEvent drop({}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    drop.ignore();
+    QCoreApplication::sendEvent(&m_studio->window, &drop);
+    QCOMPARE(drop.isAccepted(), isTaken);
+    QCOMPARE(m_answers, 0);
+    const QString expected = isTaken ? coffee : rocket;
+    QTRY_COMPARE_WITH_TIMEOUT(m_studio->document().opened().fileName, expected, patienceMs);
+    QCOMPARE(m_answers, isTaken ? 1 : 0);
+}
+
 void tst_StudioSessions::keepsWhatIsUnsaved()
 {
     QVERIFY(m_studio->open(coffee));
@@ -460,6 +540,7 @@ void tst_StudioSessions::restoredPicturesStay()
     QVERIFY(m_studio->settle());
     QVERIFY(!StudioSettings::instance().recentFiles().contains(picture));
     QVERIFY(!document.opened().title.contains(u"kept"));
+    QVERIFY(m_question.contains(document.opened().title));
 
     QSignalSpy failed(&sessions, &SessionController::failed);
     for (const QString &name : {u"/kept.session"_s, u"/other.session"_s})
@@ -539,6 +620,7 @@ void tst_StudioSessions::restoresAfterACrash()
     const QByteArray kept = contentsOf(session);
     answer(button);
     m_studio->window.begin(named);
+    QVERIFY(m_question.contains(u"coffee.png"));
     if (isRestored) {
         QCOMPARE(StudioSettings::instance().recentFiles().contains(named), !named.isEmpty());
         QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, patienceMs);
