@@ -134,7 +134,8 @@ public:
     /// Restores a state, and emits its mask. It replaces what came before it, also a lasso or a
     /// stroke that is being cut, while strokes that wait are applied to it. Of a memento whose mask
     /// is of another size than the picture only the sets are taken. Regions that come from a memento
-    /// serve refinement; the next lasso computes its own. With too little memory nothing is changed.
+    /// serve refinement and recut(); the next lasso computes its own. With too little memory nothing
+    /// is changed.
     void setMemento(const RyMementoSegmentation &memento);
     /// Where finished gestures go; never null. The photo editor's at first.
     RyUndoController *undoController() const;
@@ -176,7 +177,9 @@ public Q_SLOTS:
     /// Cuts the lasso anew with the method that is set, as one step that can be undone. By graph cuts
     /// every pixel that a click, scribble or painted selection has put on a side since the lasso
     /// stays there, and colour models learn from it; corrections of a classic cut are not kept. Does
-    /// nothing without regions of the lasso, or of a picture of this size.
+    /// nothing without regions of the lasso, or of a picture of this size. Regions of a memento that
+    /// createMemento() has made are cut like their lasso's own; by graph cuts those that a host has
+    /// made are as well, while classic cuts then do nothing.
     void recut();
     /// For the session's own workers; signals of others are ignored.
     void setProgressFromWorker(int theCurrentStep, int theTotalStep);

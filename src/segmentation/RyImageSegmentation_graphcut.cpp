@@ -100,6 +100,8 @@ void RyImageSegmentation::recutObject()
             state.labels.size() != state.picture.size() || d->restartsToCome > 0)
             return; // nothing to cut, or a lasso that waits for its worker
         method = d->cutMethod;
+        if (method == CutMethod::Classic && state.superPixels.isEmpty())
+            return; // regions that a host has made
         restores = d->restores;
     }
     std::shared_ptr<RyUndoCommandSegmentation> command;

@@ -74,7 +74,7 @@ struct RyImageSegmentation::Private
     std::shared_ptr<RyUndoCommandSegmentation> takeUndoCommand();
     void restoreSides(RySegmentationState &restored);
     void restoreMask(RySegmentationState &restored);
-    bool restoreRegions(const QImage &labels, const QList<QList<QPoint>> &points);
+    bool restoreRegions(RySegmentationState &restored);
     void removeClicks();
 
     // These take it themselves.
