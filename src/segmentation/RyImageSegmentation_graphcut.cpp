@@ -93,6 +93,7 @@ void RyImageSegmentation::recutObject()
 {
     CutMethod method = CutMethod::Classic;
     quint64 restores = 0;
+    quint64 epoch = 0;
     {
         const QMutexLocker lock(&d->mutex);
         const RySegmentationState &state = d->state;
@@ -103,6 +104,7 @@ void RyImageSegmentation::recutObject()
         if (method == CutMethod::Classic && state.superPixels.isEmpty())
             return; // regions that a host has made
         restores = d->restores;
+        epoch = d->epoch;
     }
     std::shared_ptr<RyUndoCommandSegmentation> command;
     const auto cut = [&](RySegmentationState &work) {
@@ -111,7 +113,7 @@ void RyImageSegmentation::recutObject()
         command = std::make_shared<RyUndoCommandSegmentation>(std::move(before),
                                                               work.createMemento(false), this);
     };
-    const std::optional<QImage> mask = d->change(cut, restores);
+    const std::optional<QImage> mask = d->change(cut, restores, epoch);
     if (!mask)
         return;
     d->undoController->accept(command);

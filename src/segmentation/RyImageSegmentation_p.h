@@ -85,7 +85,8 @@ struct RyImageSegmentation::Private
     std::optional<QImage> recolor();
     static void chooseGraphCut(RySegmentationState &work, CutMethod method);
     static void cutAnew(RySegmentationState &work, CutMethod method);
-    std::optional<QImage> change(const Change &change, std::optional<quint64> restoresBefore = {});
+    std::optional<QImage> change(const Change &change, std::optional<quint64> restoresBefore = {},
+                                 std::optional<quint64> epochBefore = {});
 
     mutable QMutex mutex; // guards everything down to the next comment; no signal under it
 

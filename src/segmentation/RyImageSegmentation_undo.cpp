@@ -144,22 +144,29 @@ bool RyImageSegmentation::Private::restoreRegions(RySegmentationState &restored)
 
 /// Applies a change to a copy of the state, without the mutex, until nothing else has changed in
 /// between. Returns the new mask; nothing when the mask was restored since the given number of
-/// restores, as that would have undone the change.
+/// restores, as that would have undone the change, or when the given epoch is over.
 std::optional<QImage> RyImageSegmentation::Private::change(const Change &change,
-                                                           std::optional<quint64> restoresBefore)
+                                                           std::optional<quint64> restoresBefore,
+                                                           std::optional<quint64> epochBefore)
 {
+    const auto isOvertaken = [&] { // asked under the mutex
+        return restoresBefore.value_or(restores) != restores ||
+               epochBefore.value_or(epoch) != epoch;
+    };
     while (true) {
         RySegmentationState work; // parts that are replaced go with it, after the lock
         quint64 revisionBefore = 0;
         {
             const QMutexLocker lock(&mutex);
-            if (restoresBefore && *restoresBefore != restores)
+            if (isOvertaken())
                 return {};
             work = state;
             revisionBefore = revision;
         }
         change(work);
         const QMutexLocker lock(&mutex);
+        if (isOvertaken())
+            return {};
         if (revision != revisionBefore)
             continue;
         state.foregroundMask.swap(work.foregroundMask);

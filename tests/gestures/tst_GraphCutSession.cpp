@@ -35,6 +35,8 @@ private Q_SLOTS:
     void keepsCorrectionsAfterAnEarlyMemento();
     void recutsWhenever_data();
     void recutsWhenever();
+    void endsWithWhatItCuts_data();
+    void endsWithWhatItCuts();
     void takesANewColour();
 };
 
@@ -509,6 +511,43 @@ void tst_GraphCutSession::recutsWhenever()
         QCOMPARE(driver.session.maskForeground(), freshCut(smallLasso));
     driver.session.setup(smallPhotograph(), QFileInfo());
     QCOMPARE(driver.cut(beside), freshCut(beside)); // and goes on
+}
+
+void tst_GraphCutSession::endsWithWhatItCuts_data()
+{
+    using Call = std::function<void(RyImageSegmentation &)>;
+    QTest::addColumn<Call>("call");
+    const auto row = [](const char *name, const Call &call) { QTest::newRow(name) << call; };
+    row("reset()", [](auto &session) { session.reset(); });
+    row("cancel()", [](auto &session) { session.cancel(); });
+    row("another picture",
+        [](auto &session) { session.setup(smallPhotograph().mirrored(), QFileInfo()); });
+}
+
+/// A new cut that is overtaken is not made again on what has overtaken it.
+void tst_GraphCutSession::endsWithWhatItCuts()
+{
+    QFETCH(std::function<void(RyImageSegmentation &)>, call);
+    GraphDriver complete;
+    complete.cut(smallLasso);
+    complete.scribble(strokeAt(2), false);
+    const QImage scribbled = complete.session.maskForeground();
+    const QImage expected = complete.recut();
+    QVERIFY(scribbled != freshCut(smallLasso) && expected != freshCut(smallLasso));
+    QRandomGenerator random(5);
+    for (int i = 0; i < 25; ++i) {
+        GraphDriver driver;
+        driver.cut(smallLasso);
+        driver.scribble(strokeAt(2), false);
+        controller().stack()->clear();
+        driver.session.recut();
+        QThread::usleep(random.bounded(4000U));
+        call(driver.session); // whatever the cut has come to by then
+        QVERIFY(driver.answered());
+        const QImage mask = driver.session.maskForeground();
+        QVERIFY(mask == scribbled || mask == expected);
+        QCOMPARE(controller().stack()->count(), mask == expected ? 1 : 0);
+    }
 }
 
 void tst_GraphCutSession::takesANewColour()
