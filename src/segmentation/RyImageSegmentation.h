@@ -174,6 +174,9 @@ public Q_SLOTS:
     void startThreadWithInitialPath(const QPainterPath &thePath);
     /// Moves the region at a point to its other side. Sends nothing; see isBusy().
     void startThreadWithClicker(const QPointF &thePosition);
+    /// For the session's own workers; signals of others are ignored.
+    void setProgressFromWorker(int theCurrentStep, int theTotalStep);
+    void resetProgress();
     /// Cuts the lasso anew with the method that is set, as one step that can be undone. By graph cuts
     /// every pixel that a click, scribble or painted selection has put on a side since the lasso
     /// stays there, and colour models learn from it; corrections of a classic cut are not kept. Does
@@ -181,9 +184,6 @@ public Q_SLOTS:
     /// createMemento() has made are cut like their lasso's own; by graph cuts those that a host has
     /// made are as well, while classic cuts then do nothing.
     void recut();
-    /// For the session's own workers; signals of others are ignored.
-    void setProgressFromWorker(int theCurrentStep, int theTotalStep);
-    void resetProgress();
 
 Q_SIGNALS:
     void segmentationProgress(int currentStep, int totalSteps);
