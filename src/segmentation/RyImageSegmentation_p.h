@@ -71,6 +71,7 @@ struct RyImageSegmentation::Private
     // Their callers hold the mutex.
     void append(Request request);
     bool activateWith(Request request);
+    bool hasWorkForTheSessionThread() const;
     std::shared_ptr<RyUndoCommandSegmentation> takeUndoCommand();
     void restoreSides(RySegmentationState &restored);
     void restoreMask(RySegmentationState &restored);
@@ -116,7 +117,7 @@ struct RyImageSegmentation::Private
 
     // What has yet to be done, in the order of the calls. The session's thread is active from the
     // first request until it has seen the list empty, under the mutex, so none is left lying. While
-    // it is not active there can only be clicks.
+    // it is not active there are only clicks, or what waits for memory to start it.
     std::deque<Request> requests;
     bool active = false;
     int clickTasks = 0;       // on the pool, or waiting there

@@ -6,7 +6,10 @@
 
 #include <QMetaMethod>
 #include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QSemaphore>
 #include <QTest>
+#include <QThreadPool>
 
 #include <limits>
 
@@ -28,6 +31,8 @@ private Q_SLOTS:
     void showsTheNewestHover();
     void appliesEveryClick();
     void keepsTheOrderOfCalls();
+    void goesOnWhenAThreadFailedToStart_data();
+    void goesOnWhenAThreadFailedToStart();
     void sharesTheNewestSide_data();
     void sharesTheNewestSide();
 };
@@ -390,6 +395,45 @@ void tst_RyRefinement::keepsTheOrderOfCalls()
         QVERIFY(driver.answered());
         QCOMPARE(reference.differenceTo(driver.session), QString());
     }
+}
+
+void tst_RyRefinement::goesOnWhenAThreadFailedToStart_data()
+{
+    QTest::addColumn<QList<Step>>("before"); // calls that find no thread
+    QTest::addColumn<Step>("after");
+    const QRectF left(0.2, 0.2, 0.2, 0.4), middle(0.4, 0.3, 0.2, 0.4);
+    const Step click{Gesture::Click, middle}, paint{Gesture::Paint, left};
+    const Step scribble{Gesture::Scribble, middle}, recolour{Gesture::Recolour, {}};
+    QTest::newRow("a click after a stroke") << QList{paint} << click;
+    QTest::newRow("a click after a recolouring") << QList{recolour} << click;
+    QTest::newRow("a stroke after a stroke") << QList{paint} << scribble;
+    QTest::newRow("a stroke after click and stroke") << QList{click, paint} << scribble;
+}
+
+void tst_RyRefinement::goesOnWhenAThreadFailedToStart()
+{
+    QFETCH(QList<Step>, before);
+    QFETCH(Step, after);
+    SessionDriver driver(smallPhotograph());
+    driver.cut(smallLasso);
+    ReferenceRefinement reference(driver.session);
+    driver.forget();
+    QThreadPool &pool = *QThreadPool::globalInstance();
+    QSemaphore gate; // so that clicks wait until the thread has failed to start
+    for (int i = 0; i < pool.maxThreadCount(); ++i)
+        pool.start([&gate] { gate.acquire(); });
+    constexpr uint tooSmall = 1;
+    driver.session.setStackSize(tooSmall);
+    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("QThread::start")));
+    for (const Step &step : before)
+        perform(step, driver.session, reference);
+    QCOMPARE(driver.masks, QList{QImage()});
+    gate.release(pool.maxThreadCount());
+    QVERIFY(driver.answered());
+    driver.session.setStackSize(0);
+    perform(after, driver.session, reference);
+    QVERIFY(driver.answered());
+    QCOMPARE(reference.differenceTo(driver.session), QString());
 }
 
 void tst_RyRefinement::sharesTheNewestSide_data()
