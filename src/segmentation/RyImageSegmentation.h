@@ -40,9 +40,10 @@ class RyUndoController;
  *          the regions for corrections are there; a region is on the side that holds most of it.
  * Source   SLIC superpixels, joined by graph-based region growing, judged by a colour histogram or
  *          by graph cuts; docs/design.md names the papers.
- * Errors   none reported: a path or point with coordinates that are not finite is ignored; a lasso
- *          without area inside the picture gives a mask without foreground; an empty picture, or
- *          too little memory, gives a null mask. Corrections before a first lasso find no regions.
+ * Errors   none reported: a path with coordinates that are not finite is ignored; of a point those
+ *          that are not a number count as 0, infinite ones as on the border; a lasso without area
+ *          inside the picture gives a mask without foreground; an empty picture, or too little
+ *          memory, gives a null mask. Corrections before a first lasso find no regions.
  * Threads  every public call belongs to the thread that made the object; they may come in any order
  *          at any time, and none waits for work that another thread has begun on a lasso. Calls
  *          that draw a picture draw it in the caller's thread; so work setup() for a picture that

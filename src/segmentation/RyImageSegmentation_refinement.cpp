@@ -15,8 +15,6 @@
 
 void RyImageSegmentation::startThreadWithClicker(const QPointF &thePosition)
 {
-    if (!RyGeometry::isFinite(thePosition))
-        return;
     bool hasToStart = false;
     {
         const QMutexLocker lock(&d->mutex);
@@ -123,8 +121,6 @@ int RyImageSegmentation::safeGetSuperPixelAt(const QPoint &point) const
 
 QList<QPoint> RyImageSegmentation::pointsOfSuperpixel(const QPointF &point) const
 {
-    if (!RyGeometry::isFinite(point))
-        return {};
     const RySegmentationState state = snapshot();
     return state.pointsOf(state.safeGetSuperPixelAt(RyGeometry::roundedPoint(point)));
 }

@@ -24,6 +24,8 @@ private Q_SLOTS:
     void findsRegionsUnderABrush();
     void refinesWithoutRegions();
     void takesHugeStrokes();
+    void movesPointsIntoThePicture_data();
+    void movesPointsIntoThePicture();
     void sharesPathsWithTheHost();
     void isCalledByName();
     void cutsStrokesTogether_data();
@@ -235,10 +237,40 @@ void tst_RyRefinement::takesHugeStrokes()
     }
     const double bad = std::numeric_limits<double>::quiet_NaN();
     driver.forget();
-    driver.session.startThreadWithClicker({bad, 3});
     driver.session.startThreadWithScribble(Samples::closedPath({{1, 1}, {bad, 3}, {9, 9}}), true,
                                            false);
     QVERIFY(driver.answered() && driver.masks.isEmpty());
+}
+
+void tst_RyRefinement::movesPointsIntoThePicture_data()
+{
+    QTest::addColumn<QPointF>("at");
+    QTest::addColumn<QPoint>("pixel");
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    QTest::newRow("x is not a number") << QPointF(nan, 60) << QPoint(0, 60);
+    QTest::newRow("y is not a number") << QPointF(90, -nan) << QPoint(90, 0);
+    QTest::newRow("neither is") << QPointF(nan, nan) << QPoint(0, 0);
+    QTest::newRow("infinitely far right") << QPointF(infinity, 60) << QPoint(149, 60);
+    QTest::newRow("infinitely far up, left") << QPointF(-infinity, -infinity) << QPoint(0, 0);
+    QTest::newRow("infinitely far up, not a number") << QPointF(nan, -infinity) << QPoint(0, 0);
+    QTest::newRow("far") << QPointF(1e300, -1e300) << QPoint(149, 0);
+}
+
+void tst_RyRefinement::movesPointsIntoThePicture()
+{
+    QFETCH(QPointF, at);
+    QFETCH(QPoint, pixel);
+    SessionDriver driver(smallPhotograph());
+    driver.cut(Samples::rectangle(0, 0, 150, 100));
+    ReferenceRefinement reference(driver.session);
+    const int label = reference.labelAt(pixel);
+    QVERIFY(label > 0);
+    QCOMPARE(driver.session.pointsOfSuperpixel(at), reference.points.at(label));
+    driver.session.startThreadWithClicker(at);
+    reference.click(pixel);
+    QVERIFY(driver.answered());
+    QCOMPARE(reference.differenceTo(driver.session), QString());
 }
 
 void tst_RyRefinement::sharesPathsWithTheHost()

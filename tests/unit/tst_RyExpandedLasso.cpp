@@ -22,6 +22,7 @@ private Q_SLOTS:
     void containsByPixels();
     void snapsToTheBorder();
     void roundsHugeRectangles();
+    void roundsPoints();
 };
 
 static const QRect picture(0, 0, 600, 400);
@@ -114,6 +115,15 @@ void tst_RyExpandedLasso::roundsHugeRectangles()
     constexpr double infinity = std::numeric_limits<double>::infinity();
     QVERIFY(!RyGeometry::isFinite(Samples::closedPath({{0, 0}, {infinity, 1}, {1, 1}})));
     QVERIFY(RyGeometry::isFinite(Samples::rectangle(-1e15, 20, 2e15, 30)));
+}
+
+void tst_RyExpandedLasso::roundsPoints()
+{
+    constexpr double nearlyHalf = 0.49999999999999994; // the sum with a half is 1
+    QCOMPARE(RyGeometry::roundedPoint({nearlyHalf, -nearlyHalf}), QPoint(1, -1));
+    QCOMPARE(RyGeometry::roundedPoint({0.4999, -0.5}), QPoint(0, -1));
+    QCOMPARE(RyGeometry::roundedPoint({2.5, -2.5}), QPoint(3, -3));
+    QCOMPARE(RyGeometry::roundedPoint({1e300, -1e300}), QPoint(1000000000, -1000000000));
 }
 
 QTEST_GUILESS_MAIN(tst_RyExpandedLasso)
