@@ -21,17 +21,15 @@ inline bool isFinite(const QPainterPath &path)
     return true;
 }
 
-inline bool isFinite(const QPointF &point)
-{
-    return std::isfinite(point.x()) && std::isfinite(point.y());
-}
-
-/// The pixel nearest to a finite point, halves away from zero; huge coordinates count as far away.
+/// The pixel nearest to a point: half a pixel is added away from zero and the fraction cut off. Huge
+/// and infinite coordinates count as far away, those that are not a number as 0.
 inline QPoint roundedPoint(const QPointF &point)
 {
     const auto rounded = [](double value) {
         constexpr double limit = 1e9;
-        return int(std::round(std::clamp(value, -limit, limit)));
+        if (std::isnan(value))
+            return 0;
+        return int(std::clamp(value + std::copysign(0.5, value), -limit, limit));
     };
     return {rounded(point.x()), rounded(point.y())};
 }

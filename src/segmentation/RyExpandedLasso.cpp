@@ -1,5 +1,6 @@
 #include "segmentation/RyExpandedLasso.h"
 
+#include "image/RyGeometry.h"
 #include "segmentation/RyLasso.h"
 
 #include <QPainter>
@@ -26,9 +27,29 @@ void RyExpandedLasso::fill(QPainter &painter) const
 
 bool RyExpandedLasso::contains(const QPainterPath &path) const
 {
-    const QRectF rect = path.boundingRect();
-    if (path.isEmpty() || !m_boundingRect.contains(rect))
+    if (!RyGeometry::isFinite(path))
         return false;
-    return RyLasso::isCovered(path, rect.toAlignedRect() & m_picture,
-                              [this](QPainter &painter) { fill(painter); });
+    const QRectF rect = path.boundingRect();
+    if (rect.isEmpty()) // no rectangle contains such a one
+        return containsElements(path);
+    const QRect pixels = rect.toAlignedRect() & m_picture;
+    if (!m_boundingRect.contains(rect) ||
+        !RyLasso::isCovered(path, pixels, [this](QPainter &painter) { fill(painter); }))
+        return false;
+    const bool fillsNothing = RyLasso::isCovered(path, pixels, [](QPainter &) {});
+    return !fillsNothing || containsElements(path);
+}
+
+bool RyExpandedLasso::containsElements(const QPainterPath &path) const
+{
+    const QRectF picture(m_picture);
+    for (int i = 0; i < path.elementCount(); ++i) {
+        const QPointF point = path.elementAt(i);
+        // Right and bottom ends are exclusive, as in the insides of paths.
+        const bool isInPicture = picture.left() <= point.x() && point.x() < picture.right() &&
+                                 picture.top() <= point.y() && point.y() < picture.bottom();
+        if (!isInPicture || !(m_stroke.contains(point) || m_lasso.contains(point)))
+            return false;
+    }
+    return path.elementCount() > 0;
 }

@@ -29,11 +29,14 @@ public:
     /// Fills the area opaque white, without antialiasing, in the painter's coordinates.
     void fill(QPainter &painter) const;
 
-    /// True when the path is not empty, lies within the bounding rectangle and fills only pixels
-    /// of the area.
+    /// True when the path lies within the bounding rectangle and fills only pixels of the area. A
+    /// path that fills none, such as a line or a single point, lies in the area when all its
+    /// elements do; one without elements does not.
     bool contains(const QPainterPath &path) const;
 
 private:
+    bool containsElements(const QPainterPath &path) const;
+
     QPainterPath m_lasso;
     QPainterPath m_stroke;
     QRect m_picture;

@@ -96,7 +96,7 @@ void RyGraphFirstCut::adopt(RySegmentationState &state, const QImage &mask)
     state.foregroundMask = mask;
     state.foregroundClusters.clear();
     state.backgroundClusters.clear();
-    const qsizetype count = state.superPixels.size();
+    const qsizetype count = state.pointsOfSuperpixels.size();
     if (count == 0 || mask.size() != state.labels.size())
         return;
     std::vector<int> balance(std::size_t(count), 0); // of pixels on both sides

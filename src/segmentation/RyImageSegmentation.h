@@ -40,9 +40,10 @@ class RyUndoController;
  *          the regions for corrections are there; a region is on the side that holds most of it.
  * Source   SLIC superpixels, joined by graph-based region growing, judged by a colour histogram or
  *          by graph cuts; docs/design.md names the papers.
- * Errors   none reported: a path or point with coordinates that are not finite is ignored; a lasso
- *          without area inside the picture gives a mask without foreground; an empty picture, or
- *          too little memory, gives a null mask. Corrections before a first lasso find no regions.
+ * Errors   none reported: a path with coordinates that are not finite is ignored; of a point those
+ *          that are not a number count as 0, infinite ones as on the border; a lasso without area
+ *          inside the picture gives a mask without foreground; an empty picture, or too little
+ *          memory, gives a null mask. Corrections before a first lasso find no regions.
  * Threads  every public call belongs to the thread that made the object; they may come in any order
  *          at any time, and none waits for work that another thread has begun on a lasso. Calls
  *          that draw a picture draw it in the caller's thread; so work setup() for a picture that
@@ -134,7 +135,8 @@ public:
     /// Restores a state, and emits its mask. It replaces what came before it, also a lasso or a
     /// stroke that is being cut, while strokes that wait are applied to it. Of a memento whose mask
     /// is of another size than the picture only the sets are taken. Regions that come from a memento
-    /// serve refinement; the next lasso computes its own. With too little memory nothing is changed.
+    /// serve refinement and recut(); the next lasso computes its own. With too little memory nothing
+    /// is changed.
     void setMemento(const RyMementoSegmentation &memento);
     /// Where finished gestures go; never null. The photo editor's at first.
     RyUndoController *undoController() const;
@@ -173,14 +175,16 @@ public Q_SLOTS:
     void startThreadWithInitialPath(const QPainterPath &thePath);
     /// Moves the region at a point to its other side. Sends nothing; see isBusy().
     void startThreadWithClicker(const QPointF &thePosition);
-    /// Cuts the lasso anew with the method that is set, as one step that can be undone. By graph cuts
-    /// every pixel that a click, scribble or painted selection has put on a side since the lasso
-    /// stays there, and colour models learn from it; corrections of a classic cut are not kept. Does
-    /// nothing without regions of the lasso, or of a picture of this size.
-    void recut();
     /// For the session's own workers; signals of others are ignored.
     void setProgressFromWorker(int theCurrentStep, int theTotalStep);
     void resetProgress();
+    /// Cuts the lasso anew with the method that is set, as one step that can be undone. By graph cuts
+    /// every pixel that a click, scribble or painted selection has put on a side since the lasso
+    /// stays there, and colour models learn from it; corrections of a classic cut are not kept. Does
+    /// nothing without regions of the lasso, or of a picture of this size. Regions of a memento that
+    /// createMemento() has made are cut like their lasso's own; by graph cuts those that a host has
+    /// made are as well, while classic cuts then do nothing.
+    void recut();
 
 Q_SIGNALS:
     void segmentationProgress(int currentStep, int totalSteps);

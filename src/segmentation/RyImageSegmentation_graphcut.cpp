@@ -93,6 +93,7 @@ void RyImageSegmentation::recutObject()
 {
     CutMethod method = CutMethod::Classic;
     quint64 restores = 0;
+    quint64 epoch = 0;
     {
         const QMutexLocker lock(&d->mutex);
         const RySegmentationState &state = d->state;
@@ -100,7 +101,10 @@ void RyImageSegmentation::recutObject()
             state.labels.size() != state.picture.size() || d->restartsToCome > 0)
             return; // nothing to cut, or a lasso that waits for its worker
         method = d->cutMethod;
+        if (method == CutMethod::Classic && state.superPixels.isEmpty())
+            return; // regions that a host has made
         restores = d->restores;
+        epoch = d->epoch;
     }
     std::shared_ptr<RyUndoCommandSegmentation> command;
     const auto cut = [&](RySegmentationState &work) {
@@ -109,7 +113,7 @@ void RyImageSegmentation::recutObject()
         command = std::make_shared<RyUndoCommandSegmentation>(std::move(before),
                                                               work.createMemento(false), this);
     };
-    const std::optional<QImage> mask = d->change(cut, restores);
+    const std::optional<QImage> mask = d->change(cut, restores, epoch);
     if (!mask)
         return;
     d->undoController->accept(command);

@@ -71,10 +71,11 @@ struct RyImageSegmentation::Private
     // Their callers hold the mutex.
     void append(Request request);
     bool activateWith(Request request);
+    bool hasWorkForTheSessionThread() const;
     std::shared_ptr<RyUndoCommandSegmentation> takeUndoCommand();
     void restoreSides(RySegmentationState &restored);
     void restoreMask(RySegmentationState &restored);
-    bool restoreRegions(const QImage &labels, const QList<QList<QPoint>> &points);
+    bool restoreRegions(RySegmentationState &restored);
     void removeClicks();
 
     // These take it themselves.
@@ -85,7 +86,8 @@ struct RyImageSegmentation::Private
     std::optional<QImage> recolor();
     static void chooseGraphCut(RySegmentationState &work, CutMethod method);
     static void cutAnew(RySegmentationState &work, CutMethod method);
-    std::optional<QImage> change(const Change &change, std::optional<quint64> restoresBefore = {});
+    std::optional<QImage> change(const Change &change, std::optional<quint64> restoresBefore = {},
+                                 std::optional<quint64> epochBefore = {});
 
     mutable QMutex mutex; // guards everything down to the next comment; no signal under it
 
@@ -115,7 +117,7 @@ struct RyImageSegmentation::Private
 
     // What has yet to be done, in the order of the calls. The session's thread is active from the
     // first request until it has seen the list empty, under the mutex, so none is left lying. While
-    // it is not active there can only be clicks.
+    // it is not active there are only clicks, or what waits for memory to start it.
     std::deque<Request> requests;
     bool active = false;
     int clickTasks = 0;       // on the pool, or waiting there

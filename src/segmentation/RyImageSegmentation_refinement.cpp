@@ -9,18 +9,25 @@
 #include <QMutexLocker>
 #include <QThreadPool>
 
+#include <algorithm>
+#include <functional>
 #include <new>
 
 void RyImageSegmentation::startThreadWithClicker(const QPointF &thePosition)
 {
-    if (!RyGeometry::isFinite(thePosition))
-        return;
+    bool hasToStart = false;
     {
         const QMutexLocker lock(&d->mutex);
         d->append({.mode = Private::Request::click, .position = thePosition});
         if (d->active)
             return; // the session's thread comes to it
-        ++d->clickTasks;
+        hasToStart = d->active = d->hasWorkForTheSessionThread();
+        if (!hasToStart)
+            ++d->clickTasks;
+    }
+    if (hasToStart) {
+        startSessionThread();
+        return;
     }
     // The task has no need of the session itself, which may end before the pool has a thread free.
     QThreadPool::globalInstance()->start([session = d] { session->applyClicks(); });
@@ -114,8 +121,6 @@ int RyImageSegmentation::safeGetSuperPixelAt(const QPoint &point) const
 
 QList<QPoint> RyImageSegmentation::pointsOfSuperpixel(const QPointF &point) const
 {
-    if (!RyGeometry::isFinite(point))
-        return {};
     const RySegmentationState state = snapshot();
     return state.pointsOf(state.safeGetSuperPixelAt(RyGeometry::roundedPoint(point)));
 }
@@ -143,6 +148,12 @@ void RyImageSegmentation::Private::applyClick(const Click &click)
     change(cut, click.restores);
 }
 
+/// True while requests wait that no thread could be started for.
+bool RyImageSegmentation::Private::hasWorkForTheSessionThread() const
+{
+    return !std::all_of(requests.begin(), requests.end(), std::mem_fn(&Request::isClick));
+}
+
 /// The clicks at the head of the list, unless the session's thread is there to apply them.
 void RyImageSegmentation::Private::applyClicks()
 {
@@ -162,7 +173,7 @@ std::optional<RyImageSegmentation::Private::Click>
 RyImageSegmentation::Private::takeClickUnlessActive()
 {
     const QMutexLocker lock(&mutex);
-    if (active || requests.empty())
+    if (active || requests.empty() || !requests.front().isClick())
         return {};
     const Click click{requests.front().position, restores};
     requests.pop_front();

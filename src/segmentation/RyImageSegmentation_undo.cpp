@@ -2,6 +2,7 @@
 
 #include "segmentation/RyImageSegmentation_p.h"
 #include "segmentation/RyLasso.h"
+#include "segmentation/RyRegionRecords.h"
 
 #include <QMutexLocker>
 
@@ -16,6 +17,22 @@ QImage sessionMask(const QImage &mask)
     const QImage result = mask.convertToFormat(QImage::Format_ARGB32_Premultiplied);
     const qsizetype bytesPerLine = qsizetype(result.width()) * qsizetype(sizeof(QRgb));
     return result.bytesPerLine() == bytesPerLine ? result : result.copy();
+}
+
+/// False where a memento has no regions of the picture. What it does not know of them stays empty.
+bool takeRegions(const RyMementoSegmentation &memento, RySegmentationState &restored)
+{
+    const QImage labels = memento.labels().convertToFormat(QImage::Format_ARGB32);
+    if (labels.isNull() || labels.size() != restored.picture.size())
+        return false;
+    const auto records = memento.regionRecords();
+    const RyRegionRecords known = records ? *records : RyRegionRecords();
+    restored.labels = labels;
+    restored.pointsOfSuperpixels = memento.pointsOfSuperpixels();
+    restored.superPixels = known.superPixels;
+    restored.neighbours = known.neighbours;
+    restored.expandedLasso = known.expandedLasso;
+    return true;
 }
 
 } // namespace
@@ -74,8 +91,7 @@ void RyImageSegmentation::restore(const RyMementoSegmentation &memento)
         restored.constraints =
                 constraints ? *constraints : RyCutConstraints(restored.picture.size());
     }
-    const QImage labels = memento.labels().convertToFormat(QImage::Format_ARGB32);
-    const bool hasRegions = fits && !labels.isNull() && labels.size() == restored.picture.size();
+    const bool hasRegions = fits && takeRegions(memento, restored);
     if (hasRegions) {
         forgetWorker();
         d->lassoRect = QRect(); // a lasso needs more than a memento carries
@@ -86,7 +102,7 @@ void RyImageSegmentation::restore(const RyMementoSegmentation &memento)
         d->restoreSides(restored);
         if (fits)
             d->restoreMask(restored);
-        if (hasRegions && d->restoreRegions(labels, memento.pointsOfSuperpixels()))
+        if (hasRegions && d->restoreRegions(restored))
             steps = d->currentStep = totalSteps();
     }
     if (steps > 0)
@@ -113,11 +129,13 @@ void RyImageSegmentation::Private::restoreMask(RySegmentationState &restored)
 }
 
 /// True when a lasso's regions were still to come: they would have been replaced.
-bool RyImageSegmentation::Private::restoreRegions(const QImage &labels,
-                                                  const QList<QList<QPoint>> &points)
+bool RyImageSegmentation::Private::restoreRegions(RySegmentationState &restored)
 {
-    state.labels = labels;
-    state.pointsOfSuperpixels = points;
+    state.labels.swap(restored.labels);
+    state.pointsOfSuperpixels.swap(restored.pointsOfSuperpixels);
+    state.superPixels.swap(restored.superPixels);
+    state.neighbours.swap(restored.neighbours);
+    std::swap(state.expandedLasso, restored.expandedLasso);
     pendingLasso.reset();
     std::erase_if(requests, [](const Request &request) { return request.mode == InitialCut; });
     ++epoch;
@@ -126,22 +144,29 @@ bool RyImageSegmentation::Private::restoreRegions(const QImage &labels,
 
 /// Applies a change to a copy of the state, without the mutex, until nothing else has changed in
 /// between. Returns the new mask; nothing when the mask was restored since the given number of
-/// restores, as that would have undone the change.
+/// restores, as that would have undone the change, or when the given epoch is over.
 std::optional<QImage> RyImageSegmentation::Private::change(const Change &change,
-                                                           std::optional<quint64> restoresBefore)
+                                                           std::optional<quint64> restoresBefore,
+                                                           std::optional<quint64> epochBefore)
 {
+    const auto isOvertaken = [&] { // asked under the mutex
+        return restoresBefore.value_or(restores) != restores ||
+               epochBefore.value_or(epoch) != epoch;
+    };
     while (true) {
         RySegmentationState work; // parts that are replaced go with it, after the lock
         quint64 revisionBefore = 0;
         {
             const QMutexLocker lock(&mutex);
-            if (restoresBefore && *restoresBefore != restores)
+            if (isOvertaken())
                 return {};
             work = state;
             revisionBefore = revision;
         }
         change(work);
         const QMutexLocker lock(&mutex);
+        if (isOvertaken())
+            return {};
         if (revision != revisionBefore)
             continue;
         state.foregroundMask.swap(work.foregroundMask);

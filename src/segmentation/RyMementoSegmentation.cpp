@@ -25,6 +25,11 @@ void RyMementoSegmentation::setConstraints(
     m_constraints = constraints;
 }
 
+void RyMementoSegmentation::setRegionRecords(const std::shared_ptr<const RyRegionRecords> &records)
+{
+    m_regionRecords = records;
+}
+
 std::unique_ptr<RyMementoSegmentation> RyMementoSegmentation::clone() const
 {
     return std::make_unique<RyMementoSegmentation>(*this);

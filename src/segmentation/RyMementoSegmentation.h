@@ -13,6 +13,7 @@
 
 class RyCutConstraints;
 class RyPackedMask;
+struct RyRegionRecords;
 
 /**
  * A session's cut at one moment. Its parts share their data with the session and with each other.
@@ -44,6 +45,10 @@ public:
     /// stands for nothing.
     std::shared_ptr<const RyCutConstraints> constraints() const { return m_constraints; }
     void setConstraints(const std::shared_ptr<const RyCutConstraints> &constraints);
+    /// What a classic recut() needs beside labels and points, likewise. Null without them, and in
+    /// what a host has made.
+    std::shared_ptr<const RyRegionRecords> regionRecords() const { return m_regionRecords; }
+    void setRegionRecords(const std::shared_ptr<const RyRegionRecords> &records);
 
     std::unique_ptr<RyMementoSegmentation> clone() const;
     /// The same in less memory. Taking its mask out costs a little time then.
@@ -63,4 +68,5 @@ private:
     QColor m_maskColor;
     QPainterPath m_lassoPath;
     std::shared_ptr<const RyCutConstraints> m_constraints;
+    std::shared_ptr<const RyRegionRecords> m_regionRecords;
 };

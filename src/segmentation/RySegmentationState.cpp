@@ -5,6 +5,7 @@
 #include "image/RyLabelImage.h"
 #include "segmentation/RyLasso.h"
 #include "segmentation/RyMementoSegmentation.h"
+#include "segmentation/RyRegionRecords.h"
 
 #include <QPainter>
 
@@ -82,6 +83,9 @@ RySegmentationState::createMemento(bool withSuperPixelData) const
             withSuperPixelData ? pointsOfSuperpixels : QList<QList<QPoint>>(),
             QColor(maskColor.rgb()));
     memento->setConstraints(std::make_shared<const RyCutConstraints>(constraints));
+    if (withSuperPixelData)
+        memento->setRegionRecords(std::make_shared<const RyRegionRecords>(
+                RyRegionRecords{superPixels, neighbours, expandedLasso}));
     return memento;
 }
 
@@ -108,9 +112,12 @@ void RySegmentationState::drawSuperpixelOnForegroundUserMask(int label, bool isF
         return;
     const QRgb color = sideColor(isForeground);
     auto *const pixels = reinterpret_cast<QRgb *>(foregroundMask.bits());
-    const qsizetype width = foregroundMask.width();
-    for (const QPoint &point : pointsOf(label))
-        pixels[point.y() * width + point.x()] = color;
+    const auto width = uint(foregroundMask.width());
+    const auto height = uint(foregroundMask.height());
+    for (const QPoint &point : pointsOf(label)) {
+        if (uint(point.x()) < width && uint(point.y()) < height) // hosts' mementos hold any points
+            pixels[std::size_t(point.y()) * width + std::size_t(point.x())] = color;
+    }
 }
 
 void RySegmentationState::updateMask()

@@ -30,9 +30,13 @@ private Q_SLOTS:
     void recutsAsOneStep();
     void staysInverted();
     void recutsTheLassoOfAMemento();
+    void recutsRestoredRegions_data();
+    void recutsRestoredRegions();
     void keepsCorrectionsAfterAnEarlyMemento();
     void recutsWhenever_data();
     void recutsWhenever();
+    void endsWithWhatItCuts_data();
+    void endsWithWhatItCuts();
     void takesANewColour();
 };
 
@@ -353,6 +357,51 @@ void tst_GraphCutSession::recutsTheLassoOfAMemento()
     }
 }
 
+void tst_GraphCutSession::recutsRestoredRegions_data()
+{
+    using Between = std::function<void(GraphDriver &)>;
+    QTest::addColumn<CutMethod>("method");
+    QTest::addColumn<Between>("between");
+    const QList<std::pair<const char *, Between>> calls{
+            {"a lasso beside", [](auto &driver) { driver.cut(beside); }},
+            {"a lasso inside", [](auto &driver) { driver.cut(inside); }},
+            {"cancel()", [](auto &driver) { driver.session.cancel(); }},
+            {"setup()",
+             [](auto &driver) { driver.session.setup(smallPhotograph(), QFileInfo()); }}};
+    for (const CutMethod method : {CutMethod::Classic, CutMethod::GraphCut})
+        for (const auto &[name, between] : calls)
+            QTest::addRow("%s, %s", name, method == CutMethod::Classic ? "classic" : "graph cut")
+                    << method << between;
+}
+
+void tst_GraphCutSession::recutsRestoredRegions()
+{
+    QFETCH(CutMethod, method);
+    QFETCH(std::function<void(GraphDriver &)>, between);
+    GraphDriver driver(smallPhotograph(), method);
+    driver.cut(smallLasso);
+    const auto memento = driver.session.createMemento(true);
+    const ReferenceRefinement expected(driver.session);
+    between(driver);
+    QVERIFY(driver.answered());
+    driver.session.setMemento(*memento->compacted());
+    driver.session.startThreadWithPaintSelection(beside, true, false);
+    QVERIFY(driver.answered());
+    driver.session.setMemento(*memento); // without what the stroke has fixed
+    driver.recut();
+    QCOMPARE(expected.differenceTo(driver.session), QString());
+    QVERIFY(driver.session.containsPath(inside));
+    // Regions that nothing more is known of than a host can know.
+    const RyMementoSegmentation made(smallLasso, {}, {}, expected.mask, memento->labels(),
+                                     memento->pointsOfSuperpixels(), Qt::white);
+    driver.session.setMemento(made);
+    driver.recut();
+    if (method == CutMethod::GraphCut)
+        QCOMPARE(expected.differenceTo(driver.session), QString());
+    else
+        QCOMPARE(ReferenceRefinement(made).differenceTo(driver.session), QString());
+}
+
 void tst_GraphCutSession::keepsCorrectionsAfterAnEarlyMemento()
 {
     GraphDriver driver;
@@ -428,6 +477,21 @@ void tst_GraphCutSession::recutsWhenever_data()
         QVERIFY(driver.answered());
         QCOMPARE(driver.session.maskForeground(), freshCut(inside));
     });
+    row("with a host's memento, classic", true, [](auto &driver) {
+        const QImage mask = driver.cut(smallLasso);
+        const QList<QList<QPoint>> wild(400, {{100000, 100000}});
+        driver.session.setCutMethod(CutMethod::Classic);
+        driver.session.setMemento({smallLasso,
+                                   {1},
+                                   {2},
+                                   mask,
+                                   driver.session.createMemento(true)->labels(),
+                                   wild,
+                                   Qt::white});
+        driver.session.recut();
+        QVERIFY(driver.answered());
+        driver.session.setCutMethod(CutMethod::GraphCut);
+    });
     row("of a lasso without area", false, [](auto &driver) {
         driver.cut(Samples::closedPath({{20, 20}, {60, 60}}));
         driver.session.recut();
@@ -447,6 +511,43 @@ void tst_GraphCutSession::recutsWhenever()
         QCOMPARE(driver.session.maskForeground(), freshCut(smallLasso));
     driver.session.setup(smallPhotograph(), QFileInfo());
     QCOMPARE(driver.cut(beside), freshCut(beside)); // and goes on
+}
+
+void tst_GraphCutSession::endsWithWhatItCuts_data()
+{
+    using Call = std::function<void(RyImageSegmentation &)>;
+    QTest::addColumn<Call>("call");
+    const auto row = [](const char *name, const Call &call) { QTest::newRow(name) << call; };
+    row("reset()", [](auto &session) { session.reset(); });
+    row("cancel()", [](auto &session) { session.cancel(); });
+    row("another picture",
+        [](auto &session) { session.setup(smallPhotograph().mirrored(), QFileInfo()); });
+}
+
+/// A new cut that is overtaken is not made again on what has overtaken it.
+void tst_GraphCutSession::endsWithWhatItCuts()
+{
+    QFETCH(std::function<void(RyImageSegmentation &)>, call);
+    GraphDriver complete;
+    complete.cut(smallLasso);
+    complete.scribble(strokeAt(2), false);
+    const QImage scribbled = complete.session.maskForeground();
+    const QImage expected = complete.recut();
+    QVERIFY(scribbled != freshCut(smallLasso) && expected != freshCut(smallLasso));
+    QRandomGenerator random(5);
+    for (int i = 0; i < 25; ++i) {
+        GraphDriver driver;
+        driver.cut(smallLasso);
+        driver.scribble(strokeAt(2), false);
+        controller().stack()->clear();
+        driver.session.recut();
+        QThread::usleep(random.bounded(4000U));
+        call(driver.session); // whatever the cut has come to by then
+        QVERIFY(driver.answered());
+        const QImage mask = driver.session.maskForeground();
+        QVERIFY(mask == scribbled || mask == expected);
+        QCOMPARE(controller().stack()->count(), mask == expected ? 1 : 0);
+    }
 }
 
 void tst_GraphCutSession::takesANewColour()

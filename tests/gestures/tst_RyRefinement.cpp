@@ -6,7 +6,10 @@
 
 #include <QMetaMethod>
 #include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QSemaphore>
 #include <QTest>
+#include <QThreadPool>
 
 #include <limits>
 
@@ -21,6 +24,8 @@ private Q_SLOTS:
     void findsRegionsUnderABrush();
     void refinesWithoutRegions();
     void takesHugeStrokes();
+    void movesPointsIntoThePicture_data();
+    void movesPointsIntoThePicture();
     void sharesPathsWithTheHost();
     void isCalledByName();
     void cutsStrokesTogether_data();
@@ -28,6 +33,8 @@ private Q_SLOTS:
     void showsTheNewestHover();
     void appliesEveryClick();
     void keepsTheOrderOfCalls();
+    void goesOnWhenAThreadFailedToStart_data();
+    void goesOnWhenAThreadFailedToStart();
     void sharesTheNewestSide_data();
     void sharesTheNewestSide();
 };
@@ -230,10 +237,40 @@ void tst_RyRefinement::takesHugeStrokes()
     }
     const double bad = std::numeric_limits<double>::quiet_NaN();
     driver.forget();
-    driver.session.startThreadWithClicker({bad, 3});
     driver.session.startThreadWithScribble(Samples::closedPath({{1, 1}, {bad, 3}, {9, 9}}), true,
                                            false);
     QVERIFY(driver.answered() && driver.masks.isEmpty());
+}
+
+void tst_RyRefinement::movesPointsIntoThePicture_data()
+{
+    QTest::addColumn<QPointF>("at");
+    QTest::addColumn<QPoint>("pixel");
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    QTest::newRow("x is not a number") << QPointF(nan, 60) << QPoint(0, 60);
+    QTest::newRow("y is not a number") << QPointF(90, -nan) << QPoint(90, 0);
+    QTest::newRow("neither is") << QPointF(nan, nan) << QPoint(0, 0);
+    QTest::newRow("infinitely far right") << QPointF(infinity, 60) << QPoint(149, 60);
+    QTest::newRow("infinitely far up, left") << QPointF(-infinity, -infinity) << QPoint(0, 0);
+    QTest::newRow("infinitely far up, not a number") << QPointF(nan, -infinity) << QPoint(0, 0);
+    QTest::newRow("far") << QPointF(1e300, -1e300) << QPoint(149, 0);
+}
+
+void tst_RyRefinement::movesPointsIntoThePicture()
+{
+    QFETCH(QPointF, at);
+    QFETCH(QPoint, pixel);
+    SessionDriver driver(smallPhotograph());
+    driver.cut(Samples::rectangle(0, 0, 150, 100));
+    ReferenceRefinement reference(driver.session);
+    const int label = reference.labelAt(pixel);
+    QVERIFY(label > 0);
+    QCOMPARE(driver.session.pointsOfSuperpixel(at), reference.points.at(label));
+    driver.session.startThreadWithClicker(at);
+    reference.click(pixel);
+    QVERIFY(driver.answered());
+    QCOMPARE(reference.differenceTo(driver.session), QString());
 }
 
 void tst_RyRefinement::sharesPathsWithTheHost()
@@ -269,9 +306,9 @@ void tst_RyRefinement::isCalledByName()
                                   "startThreadWithPaintSelectionHover",
                                   "startThreadWithInitialPath",
                                   "startThreadWithClicker",
-                                  "recut",
                                   "setProgressFromWorker",
-                                  "resetProgress"};
+                                  "resetProgress",
+                                  "recut"}; // additions come last: hosts may know the indices
     QCOMPARE(names, expected);
 
     SessionDriver driver(smallPhotograph());
@@ -390,6 +427,45 @@ void tst_RyRefinement::keepsTheOrderOfCalls()
         QVERIFY(driver.answered());
         QCOMPARE(reference.differenceTo(driver.session), QString());
     }
+}
+
+void tst_RyRefinement::goesOnWhenAThreadFailedToStart_data()
+{
+    QTest::addColumn<QList<Step>>("before"); // calls that find no thread
+    QTest::addColumn<Step>("after");
+    const QRectF left(0.2, 0.2, 0.2, 0.4), middle(0.4, 0.3, 0.2, 0.4);
+    const Step click{Gesture::Click, middle}, paint{Gesture::Paint, left};
+    const Step scribble{Gesture::Scribble, middle}, recolour{Gesture::Recolour, {}};
+    QTest::newRow("a click after a stroke") << QList{paint} << click;
+    QTest::newRow("a click after a recolouring") << QList{recolour} << click;
+    QTest::newRow("a stroke after a stroke") << QList{paint} << scribble;
+    QTest::newRow("a stroke after click and stroke") << QList{click, paint} << scribble;
+}
+
+void tst_RyRefinement::goesOnWhenAThreadFailedToStart()
+{
+    QFETCH(QList<Step>, before);
+    QFETCH(Step, after);
+    SessionDriver driver(smallPhotograph());
+    driver.cut(smallLasso);
+    ReferenceRefinement reference(driver.session);
+    driver.forget();
+    QThreadPool &pool = *QThreadPool::globalInstance();
+    QSemaphore gate; // so that clicks wait until the thread has failed to start
+    for (int i = 0; i < pool.maxThreadCount(); ++i)
+        pool.start([&gate] { gate.acquire(); });
+    constexpr uint tooSmall = 1;
+    driver.session.setStackSize(tooSmall);
+    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression(QStringLiteral("QThread::start")));
+    for (const Step &step : before)
+        perform(step, driver.session, reference);
+    QCOMPARE(driver.masks, QList{QImage()});
+    gate.release(pool.maxThreadCount());
+    QVERIFY(driver.answered());
+    driver.session.setStackSize(0);
+    perform(after, driver.session, reference);
+    QVERIFY(driver.answered());
+    QCOMPARE(reference.differenceTo(driver.session), QString());
 }
 
 void tst_RyRefinement::sharesTheNewestSide_data()

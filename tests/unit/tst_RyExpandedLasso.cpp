@@ -20,8 +20,11 @@ private Q_SLOTS:
     void fillsWhatPathAlgebraGives_data();
     void fillsWhatPathAlgebraGives();
     void containsByPixels();
+    void containsPathsWithoutPixels_data();
+    void containsPathsWithoutPixels();
     void snapsToTheBorder();
     void roundsHugeRectangles();
+    void roundsPoints();
 };
 
 static const QRect picture(0, 0, 600, 400);
@@ -96,6 +99,49 @@ void tst_RyExpandedLasso::containsByPixels()
     QVERIFY(!RyExpandedLasso().contains(Samples::rectangle(1, 1, 5, 5)));
 }
 
+void tst_RyExpandedLasso::containsPathsWithoutPixels_data()
+{
+    QTest::addColumn<QPainterPath>("path");
+    const auto row = [](const char *name, const QPolygonF &points) {
+        QPainterPath path(points.first());
+        for (const QPointF &point : points.mid(1))
+            path.lineTo(point);
+        QTest::newRow(name) << path;
+    };
+    row("a point inside", {{200, 200}});
+    row("a point in the margin", {{94.5, 200}});
+    row("a point outside", {{80, 200}});
+    row("a point in the rectangle's corner", {{97, 97}});
+    row("a point on the picture's left border", {{0, 380}});
+    row("a point on the picture's bottom border", {{40, 400}});
+    row("a point beyond the picture", {{-3, 380}});
+    row("a line inside", {{150, 150}, {250, 220.5}});
+    row("a level line inside", {{150, 150}, {250, 150}});
+    row("an upright line inside", {{150, 150}, {150, 220}});
+    row("a level line outside", {{80, 80}, {95, 80}});
+    row("an upright line outside", {{500, 10}, {500, 300}});
+    row("a line that leaves it", {{150, 150}, {300, 80}});
+    row("a line that leaves it in the rectangle", {{200, 200}, {98, 98}});
+    row("a line outside", {{400, 40}, {500, 90}});
+    row("a speck inside", {{200.1, 200.1}, {200.3, 200.1}, {200.2, 200.3}, {200.1, 200.1}});
+    row("a speck in the rectangle's corner",
+        {{97.1, 97.1}, {97.3, 97.1}, {97.2, 97.3}, {97.1, 97.1}});
+    QTest::newRow("nothing") << QPainterPath();
+}
+
+void tst_RyExpandedLasso::containsPathsWithoutPixels()
+{
+    QFETCH(QPainterPath, path);
+    QPainterPath lasso = Samples::ellipse(100, 100, 200, 200);
+    lasso.addPath(Samples::rectangle(0, 350, 50, 50)); // in the picture's corner
+    QPainterPathStroker stroker;
+    stroker.setWidth(20);
+    const QPainterPath grown = stroker.createStroke(lasso).united(lasso).intersected(
+            Samples::rectangle(0, 0, picture.width(), picture.height()));
+    QCOMPARE(RyExpandedLasso(lasso, picture, 10).contains(path), grown.contains(path));
+    QVERIFY(!RyExpandedLasso().contains(path));
+}
+
 void tst_RyExpandedLasso::snapsToTheBorder()
 {
     const QPainterPath path = RyLasso::snappedToBorder(
@@ -114,6 +160,15 @@ void tst_RyExpandedLasso::roundsHugeRectangles()
     constexpr double infinity = std::numeric_limits<double>::infinity();
     QVERIFY(!RyGeometry::isFinite(Samples::closedPath({{0, 0}, {infinity, 1}, {1, 1}})));
     QVERIFY(RyGeometry::isFinite(Samples::rectangle(-1e15, 20, 2e15, 30)));
+}
+
+void tst_RyExpandedLasso::roundsPoints()
+{
+    constexpr double nearlyHalf = 0.49999999999999994; // the sum with a half is 1
+    QCOMPARE(RyGeometry::roundedPoint({nearlyHalf, -nearlyHalf}), QPoint(1, -1));
+    QCOMPARE(RyGeometry::roundedPoint({0.4999, -0.5}), QPoint(0, -1));
+    QCOMPARE(RyGeometry::roundedPoint({2.5, -2.5}), QPoint(3, -3));
+    QCOMPARE(RyGeometry::roundedPoint({1e300, -1e300}), QPoint(1000000000, -1000000000));
 }
 
 QTEST_GUILESS_MAIN(tst_RyExpandedLasso)

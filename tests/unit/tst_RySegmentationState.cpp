@@ -19,6 +19,7 @@ private Q_SLOTS:
     void lastRowAndColumnDecideNothing();
     void neighboursConfirmBackground();
     void nothingIsDrawnOnOtherSizes();
+    void nothingIsDrawnOutside();
     void invertsAndRecolours();
     void contoursNeedTwoOtherNeighbours_data();
     void contoursNeedTwoOtherNeighbours();
@@ -105,6 +106,21 @@ void tst_RySegmentationState::nothingIsDrawnOnOtherSizes()
 
     state.picture = QImage(9, 9, QImage::Format_ARGB32);
     QCOMPARE(Pixels::foreground(state.drawContour()), 81);
+}
+
+void tst_RySegmentationState::nothingIsDrawnOutside()
+{
+    RySegmentationState state = tiles(4, 3);
+    RyInitialCut(state).clear();
+    state.pointsOfSuperpixels[5] = {{3, 4},   {-1, 5},  {40, 5},           {5, -1},
+                                    {5, 30},  {39, 29}, {100000, 100000},  {INT_MIN, INT_MAX},
+                                    {-40, 3}, {7, 7},   {INT_MAX, INT_MAX}};
+    state.drawSuperpixelOnForegroundUserMask(5, true);
+    QImage expected = state.foregroundMask;
+    expected.fill(state.maskColor.rgb());
+    for (const QPoint &inside : {QPoint(3, 4), QPoint(39, 29), QPoint(7, 7)})
+        expected.setPixel(inside, 0);
+    QCOMPARE(state.foregroundMask, expected);
 }
 
 void tst_RySegmentationState::invertsAndRecolours()
