@@ -11,11 +11,13 @@
 #include <QActionGroup>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QImageReader>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QStackedWidget>
@@ -106,18 +108,15 @@ void MainWindow::connectDocument()
             showPicture(picture);
     });
     connect(&m_loader, &PictureLoader::failed, this, &MainWindow::complain);
-    connect(&m_loader, &PictureLoader::isLoadingChanged, this, [this](bool isLoading) {
-        isLoading ? m_statusBar->beginProgress(tr("Opening…")) : m_statusBar->endProgress();
-        updateActions();
-    });
+    connect(&m_loader, &PictureLoader::isLoadingChanged, this, &MainWindow::updateActions);
     connect(&m_document, &Document::failed, this, &MainWindow::complain);
     connect(&m_document, &Document::remarked, m_statusBar, &StatusBar::remark);
     connect(&m_document, &Document::maskChanged, this, &MainWindow::updateActions);
-    connect(&m_document, &Document::progress, m_statusBar, &StatusBar::setProgress);
-    connect(&m_document, &Document::isCuttingChanged, this, [this](bool isCutting) {
-        isCutting ? m_statusBar->beginProgress(tr("Cutting %p %")) : m_statusBar->endProgress();
-        updateActions();
+    connect(&m_document, &Document::progress, this, [this](int currentStep, int totalSteps) {
+        if (!m_document.isReplaying()) // which counts other steps
+            m_statusBar->setProgress(currentStep, totalSteps);
     });
+    connect(&m_document, &Document::isCuttingChanged, this, &MainWindow::updateActions);
     connectSessions();
     connect(&m_document, &Document::isModifiedChanged, this, &MainWindow::updateTitle);
 }
@@ -125,12 +124,7 @@ void MainWindow::connectDocument()
 void MainWindow::connectExports()
 {
     connect(&m_exports, &ExportController::failed, this, &MainWindow::complain);
-    connect(&m_exports, &ExportController::isBusyChanged, this, [this](bool isBusy) {
-        if (isBusy)
-            m_statusBar->beginProgress(tr("Exporting…"));
-        else if (!m_document.isCutting() && !m_loader.isLoading())
-            m_statusBar->endProgress();
-    });
+    connect(&m_exports, &ExportController::isBusyChanged, this, &MainWindow::updateActions);
     connect(&m_exports, &ExportController::done, this, [this](const QString &sentence) {
         constexpr int messageMs = 5000;
         m_statusBar->showMessage(sentence, messageMs);
@@ -141,10 +135,7 @@ void MainWindow::connectSessions()
 {
     connect(&m_sessions, &SessionController::failed, this, &MainWindow::complain);
     connect(&m_sessions, &SessionController::pictureOpened, this, &MainWindow::showPicture);
-    connect(&m_sessions, &SessionController::isOpeningChanged, this, [this](bool isOpening) {
-        isOpening ? m_statusBar->beginProgress(tr("Opening…")) : m_statusBar->endProgress();
-        updateActions();
-    });
+    connect(&m_sessions, &SessionController::isOpeningChanged, this, &MainWindow::updateActions);
     connect(&m_sessions, &SessionController::saved, this, [this](const QString &fileName) {
         constexpr int messageMs = 5000;
         m_statusBar->showMessage(tr("Saved as %1").arg(QDir::toNativeSeparators(fileName)),
@@ -152,14 +143,10 @@ void MainWindow::connectSessions()
         updateTitle();
     });
     connect(&m_document, &Document::replayProgress, this, [this](int currentStep, int totalSteps) {
-        m_statusBar->beginProgress(tr("Restoring step %v of %m"));
+        updateActions();
         m_statusBar->setProgress(currentStep, totalSteps);
-        updateActions();
     });
-    connect(&m_document, &Document::replayEnded, this, [this] {
-        m_statusBar->endProgress();
-        updateActions();
-    });
+    connect(&m_document, &Document::replayEnded, this, &MainWindow::updateActions);
 }
 
 void MainWindow::begin(const QString &fileName)
@@ -252,8 +239,20 @@ void MainWindow::showTool(Tool *tool)
         m_toolOptions->deleteLater();
         m_toolOptions = nullptr;
     }
-    if (QWidget *const options = tool->createOptions(m_optionsBar))
+    if (QWidget *const options = tool->createOptions(m_optionsBar)) {
         m_toolOptions = m_optionsBar->addWidget(options);
+        returnKeysFrom(*options);
+    }
+}
+
+/// Once something is chosen or entered there, keys are for the tool again.
+void MainWindow::returnKeysFrom(const QWidget &options)
+{
+    const auto takeFocus = [this] { m_canvas->setFocus(); };
+    for (const QComboBox *const choice : options.findChildren<QComboBox *>())
+        connect(choice, &QComboBox::activated, m_canvas, takeFocus);
+    for (const QLineEdit *const line : options.findChildren<QLineEdit *>())
+        connect(line, &QLineEdit::returnPressed, m_canvas, takeFocus);
 }
 
 void MainWindow::cancel()
@@ -284,6 +283,19 @@ void MainWindow::updateActions()
     m_canvas->setEnabled(!m_document.isReplaying());
     if (m_document.hasPicture())
         m_statusBar->setHint(m_tools.current()->description().hint);
+    m_statusBar->showProgressOf(whatIsUnderWay());
+}
+
+/// Of several things, the one that changes the picture that is seen.
+QString MainWindow::whatIsUnderWay() const
+{
+    if (m_document.isReplaying())
+        return tr("Restoring step %v of %m");
+    if (m_document.isCutting())
+        return tr("Cutting %p %");
+    if (m_loader.isLoading() || m_sessions.isOpening())
+        return tr("Opening…");
+    return m_exports.isBusy() ? tr("Exporting…") : QString();
 }
 
 void MainWindow::updateTitle()

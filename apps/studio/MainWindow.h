@@ -88,6 +88,8 @@ private:
     void showHelp();
     void complain(const QString &sentence);
     void updateActions();
+    QString whatIsUnderWay() const;
+    void returnKeysFrom(const QWidget &options);
     void updateTitle();
 
     Document m_document;

@@ -68,23 +68,19 @@ void StatusBar::setZoom(double scale)
     m_zoom->setText(scale > 0.0 ? tr("%1 %").arg(std::lround(scale * percent)) : QString());
 }
 
-void StatusBar::beginProgress(const QString &what)
+void StatusBar::showProgressOf(const QString &what)
 {
+    m_cancel->setVisible(!what.isEmpty());
+    m_progress->setVisible(!what.isEmpty());
+    if (m_progress->format() == what)
+        return;
     m_progress->setRange(0, 1); // so that the text is there; bars without an end have none
     m_progress->showValue(0);
     m_progress->setFormat(what);
-    m_progress->show();
-    m_cancel->show();
 }
 
 void StatusBar::setProgress(int currentStep, int totalSteps)
 {
     m_progress->setRange(0, totalSteps);
     m_progress->showValue(currentStep);
-}
-
-void StatusBar::endProgress()
-{
-    m_progress->hide();
-    m_cancel->hide();
 }

@@ -19,10 +19,9 @@ public:
     void setPictureSize(const QSize &size, const QSize &cuttingSize);
     void setZoom(double scale);
 
-    /// A computation begins, whose steps are not known yet.
-    void beginProgress(const QString &what);
+    /// Of a computation whose steps are not known yet; of none when that is empty.
+    void showProgressOf(const QString &what);
     void setProgress(int currentStep, int totalSteps);
-    void endProgress();
 
 Q_SIGNALS:
     void cancelRequested();
