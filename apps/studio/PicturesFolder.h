@@ -9,7 +9,8 @@ namespace PicturesFolder {
 /// made.
 QString path();
 
-/// False where nobody put the picture: it was pasted, came with the program, or was left by a crash.
+/// False where nobody put the picture: it was pasted, came with the program, or was left by a
+/// crash.
 bool isPutByPeople(const QString &picture);
 
 /// Where the picture lies, if people put it there; else path().

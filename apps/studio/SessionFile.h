@@ -32,8 +32,8 @@ struct Contents
 
 Contents read(const QString &fileName);
 
-/// The picture that the file tells, absolute, whether it is there or not; empty where it tells none.
-/// Reads no more than that takes.
+/// The picture that the file tells, absolute, whether it is there or not; empty where it tells
+/// none. Reads no more than that takes.
 QString pictureFile(const QString &fileName);
 
 /// What leads to the file's cut, ready to be played on the picture. True in the flag ends it early,

@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// Where the studio keeps what is not saved yet. Files there come and go by themselves: a picture goes
-/// with the session of its name.
+/// Where the studio keeps what is not saved yet. Files there come and go by themselves: a picture
+/// goes with the session of its name.
 namespace StateFolder {
 
 QString path();

@@ -1,20 +1,17 @@
+#include "Answerer.h"
 #include "StudioDriver.h"
 
 #include "Autosave.h"
 #include "EditedMask.h"
-#include "PicturesFolder.h"
 #include "RySettings.h"
 #include "StateFolder.h"
 #include "StudioSettings.h"
 #include "support/TestPictures.h"
 
-#include <QAbstractButton>
 #include <QClipboard>
 #include <QDir>
-#include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QMessageBox>
-#include <QMimeData>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -115,14 +112,8 @@ private Q_SLOTS:
     void cancelledWhilePlayed();
     void nothingIsUnsavedWhilePlayed();
     void unsavedWorkIsSavedOnRequest();
-    void whatIsDoneWhileLoadingIsAskedAbout_data();
-    void whatIsDoneWhileLoadingIsAskedAbout();
-    void takesWhatIsDropped_data();
-    void takesWhatIsDropped();
     void keepsWhatIsUnsaved();
     void restoredPicturesStay();
-    void dialogsBeginWherePeopleAre_data();
-    void dialogsBeginWherePeopleAre();
     void restoresAfterACrash_data();
     void restoresAfterACrash();
 
@@ -131,12 +122,10 @@ private:
     bool openSession(const QString &fileName);
     bool save(const QString &fileName);
     QImage replayed(const QString &session, const QString &picture);
-    void answer(QMessageBox::StandardButton button);
 
-    int m_answers = 0;  // given so far
-    QString m_question; // the last one of these
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<StudioDriver> m_studio;
+    std::unique_ptr<Answerer> m_answerer;
 };
 
 int tst_StudioSessions::beKilled()
@@ -156,11 +145,11 @@ void tst_StudioSessions::initTestCase()
 
 void tst_StudioSessions::init()
 {
-    m_answers = 0;
     m_folder = std::make_unique<QTemporaryDir>();
     qputenv("XDG_STATE_HOME", path(u"state"_s).toLocal8Bit());
     RySettings::setFileName(path(u"settings.ini"_s));
     m_studio = std::make_unique<StudioDriver>();
+    m_answerer = std::make_unique<Answerer>();
 }
 
 void tst_StudioSessions::cleanup()
@@ -190,22 +179,6 @@ QImage tst_StudioSessions::replayed(const QString &session, const QString &pictu
             QStringLiteral(RY_RYCUT_PROGRAM),
             {u"replay"_s, session, picture, u"--quiet"_s, u"--mask"_s, path(u"mask.png"_s)});
     return QImage(path(u"mask.png"_s)).convertToFormat(QImage::Format_Grayscale8);
-}
-
-/// To the next question, whenever it comes; questions have event loops of their own.
-void tst_StudioSessions::answer(QMessageBox::StandardButton button)
-{
-    auto *const timer = new QTimer(&m_studio->window); // the window's
-    connect(timer, &QTimer::timeout, timer, [this, timer, button] {
-        auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (!box)
-            return;
-        timer->stop();
-        ++m_answers;
-        m_question = box->text();
-        box->button(button)->click();
-    });
-    timer->start(5);
 }
 
 void tst_StudioSessions::savedSessionsComeBack_data()
@@ -385,7 +358,7 @@ void tst_StudioSessions::anotherPictureIsAskedAbout()
     QVERIFY(TestPictures::gradient(600, 400).save(path(u"cup.png"_s)));
     QVERIFY(QFile::copy(coffeeSession, path(u"cup.session"_s)));
     for (const auto button : {QMessageBox::No, QMessageBox::Yes}) {
-        answer(button);
+        m_answerer->answer(button);
         m_studio->window.openFile(path(u"cup.session"_s));
         QTRY_VERIFY_WITH_TIMEOUT(!m_studio->window.sessions().isOpening(), patienceMs);
         QVERIFY(m_studio->settle());
@@ -410,7 +383,7 @@ void tst_StudioSessions::nothingIsUnsavedWhilePlayed()
 {
     SessionController &sessions = m_studio->window.sessions();
     Document &document = m_studio->document();
-    answer(QMessageBox::Cancel);
+    m_answerer->answer(QMessageBox::Cancel);
     bool mayBeDiscarded = false, isNamed = true; // after the first of several steps
     const auto look = [&] {
         isNamed = !sessions.fileName().isEmpty();
@@ -419,7 +392,7 @@ void tst_StudioSessions::nothingIsUnsavedWhilePlayed()
     connect(&document, &Document::replayProgress, &document, look, Qt::SingleShotConnection);
     QVERIFY(openSession(coffeeSession));
     QVERIFY(mayBeDiscarded);
-    QCOMPARE(m_answers, 0);
+    QCOMPARE(m_answerer->count(), 0);
     QVERIFY(!isNamed); // half of it must not replace it
     QCOMPARE(sessions.fileName(), coffeeSession);
     QVERIFY(!document.isModified());
@@ -433,81 +406,9 @@ void tst_StudioSessions::unsavedWorkIsSavedOnRequest()
     QVERIFY(save(session));
     m_studio->document().invert();
     QVERIFY(m_studio->settle());
-    answer(QMessageBox::Save);
+    m_answerer->answer(QMessageBox::Save);
     QVERIFY(m_studio->window.close());
     QVERIFY(contentsOf(session).contains("invert"));
-}
-
-void tst_StudioSessions::whatIsDoneWhileLoadingIsAskedAbout_data()
-{
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<bool>("isDoneBefore");
-    QTest::addColumn<QMessageBox::StandardButton>("button");
-    QTest::addRow("picture, kept") << u"cup.png"_s << false << QMessageBox::Cancel;
-    QTest::addRow("picture, given up") << u"cup.png"_s << false << QMessageBox::Discard;
-    QTest::addRow("picture, asked once") << u"cup.png"_s << true << QMessageBox::Discard;
-    QTest::addRow("session, kept") << u"cup.session"_s << false << QMessageBox::Cancel;
-    QTest::addRow("session, given up") << u"cup.session"_s << false << QMessageBox::Discard;
-    QTest::addRow("session, asked once") << u"cup.session"_s << true << QMessageBox::Discard;
-}
-
-void tst_StudioSessions::whatIsDoneWhileLoadingIsAskedAbout()
-{
-    QFETCH(QString, file);
-    QFETCH(bool, isDoneBefore);
-    QFETCH(QMessageBox::StandardButton, button);
-    QVERIFY(QFile::copy(coffee, path(u"cup.png"_s)));
-    QVERIFY(QFile::copy(coffeeSession, path(u"cup.session"_s)));
-    QVERIFY(m_studio->open(coffee));
-    work(*m_studio);
-    QVERIFY(save(path(u"saved.session"_s)));
-    Document &document = m_studio->document();
-    if (isDoneBefore)
-        workOnEdge(*m_studio);
-    answer(button);
-    m_studio->window.openFile(path(file));
-    if (!isDoneBefore)
-        workOnEdge(*m_studio);
-    const auto isReplaced = [&] { return document.opened().fileName == path(u"cup.png"_s); };
-    const bool isKept = button == QMessageBox::Cancel;
-    QTRY_VERIFY_WITH_TIMEOUT(isReplaced() || (isKept && m_answers > 0), patienceMs);
-    QCOMPARE(m_answers, 1);
-    QCOMPARE(isReplaced(), !isKept);
-    QCOMPARE(document.isModified() && !document.isReplaying(), isKept);
-    QCOMPARE(document.edgeSettings() == EdgeSettings(), !isKept);
-}
-
-void tst_StudioSessions::takesWhatIsDropped_data()
-{
-    QTest::addColumn<QUrl>("url");
-    QTest::addColumn<bool>("isTaken");
-    QTest::addRow("file") << QUrl::fromLocalFile(coffee) << true;
-    QTest::addRow("elsewhere") << QUrl(u"https://example.org/cup.png"_s) << false;
-}
-
-/// Whoever it is dragged from does not wait for the question.
-void tst_StudioSessions::takesWhatIsDropped()
-{
-    QFETCH(QUrl, url);
-    QFETCH(bool, isTaken);
-    const QString rocket = QStringLiteral(RY_SAMPLES_DIR "/rocket.jpg");
-    QVERIFY(m_studio->open(rocket));
-    workOnEdge(*m_studio);
-    QMimeData data;
-    data.setUrls({url});
-    QDragEnterEvent enter({}, Qt::CopyAction, &data, Qt::LeftButton, {});
-    enter.ignore();
-    QCoreApplication::sendEvent(&m_studio->window, &enter);
-    QCOMPARE(enter.isAccepted(), isTaken);
-    answer(QMessageBox::Discard);
-    QDropEvent drop({}, Qt::CopyAction, &data, Qt::LeftButton, {});
-    drop.ignore();
-    QCoreApplication::sendEvent(&m_studio->window, &drop);
-    QCOMPARE(drop.isAccepted(), isTaken);
-    QCOMPARE(m_answers, 0);
-    const QString expected = isTaken ? coffee : rocket;
-    QTRY_COMPARE_WITH_TIMEOUT(m_studio->document().opened().fileName, expected, patienceMs);
-    QCOMPARE(m_answers, isTaken ? 1 : 0);
 }
 
 void tst_StudioSessions::keepsWhatIsUnsaved()
@@ -534,13 +435,13 @@ void tst_StudioSessions::restoredPicturesStay()
     Document &document = m_studio->document();
     SessionController &sessions = m_studio->window.sessions();
     QSignalSpy ended(&document, &Document::replayEnded);
-    answer(QMessageBox::Yes);
+    m_answerer->answer(QMessageBox::Yes);
     m_studio->window.begin({});
     QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, patienceMs);
     QVERIFY(m_studio->settle());
     QVERIFY(!StudioSettings::instance().recentFiles().contains(picture));
     QVERIFY(!document.opened().title.contains(u"kept"));
-    QVERIFY(m_question.contains(document.opened().title));
+    QVERIFY(m_answerer->lastQuestion().contains(document.opened().title));
 
     QSignalSpy failed(&sessions, &SessionController::failed);
     for (const QString &name : {u"/kept.session"_s, u"/other.session"_s})
@@ -557,29 +458,6 @@ void tst_StudioSessions::restoredPicturesStay()
     m_studio = std::make_unique<StudioDriver>();
     QVERIFY(openSession(path(u"saved.session"_s)));
     QCOMPARE(maskOf(m_studio->document()), mask);
-}
-
-void tst_StudioSessions::dialogsBeginWherePeopleAre_data()
-{
-    QTest::addColumn<QString>("picture"); // in the test's folder, but for the sample
-    QTest::addColumn<bool>("isBesideIt");
-    QTest::addRow("own") << u"cup.png"_s << true;
-    QTest::addRow("pasted") << QString() << false;
-    QTest::addRow("sample") << u":/samples/coffee.png"_s << false;
-    QTest::addRow("kept") << u"state/rycut-studio/kept.png"_s << false;
-    QTest::addRow("kept, by another way") << u"link/kept.png"_s << false;
-    QTest::addRow("gone") << u"gone/cup.png"_s << false;
-}
-
-void tst_StudioSessions::dialogsBeginWherePeopleAre()
-{
-    QFETCH(QString, picture);
-    QFETCH(bool, isBesideIt);
-    QVERIFY(QDir().mkpath(StateFolder::path()));
-    QVERIFY(QFile::link(StateFolder::path(), path(u"link"_s)));
-    const bool isInFolder = !picture.isEmpty() && !picture.startsWith(u':');
-    const QString folder = PicturesFolder::around(isInFolder ? path(picture) : picture);
-    QCOMPARE(folder, isBesideIt ? m_folder->path() : PicturesFolder::path());
 }
 
 void tst_StudioSessions::restoresAfterACrash_data()
@@ -618,9 +496,9 @@ void tst_StudioSessions::restoresAfterACrash()
     QSignalSpy ended(&m_studio->document(), &Document::replayEnded);
     const QString session = StateFolder::path() + u'/' + keptSessions().constFirst();
     const QByteArray kept = contentsOf(session);
-    answer(button);
+    m_answerer->answer(button);
     m_studio->window.begin(named);
-    QVERIFY(m_question.contains(u"coffee.png"));
+    QVERIFY(m_answerer->lastQuestion().contains(u"coffee.png"));
     if (isRestored) {
         QCOMPARE(StudioSettings::instance().recentFiles().contains(named), !named.isEmpty());
         QTRY_COMPARE_WITH_TIMEOUT(ended.size(), 1, patienceMs);
