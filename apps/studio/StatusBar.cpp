@@ -35,7 +35,7 @@ StatusBar::StatusBar(QWidget *parent)
     addPermanentWidget(m_cancel);
     addPermanentWidget(m_size);
     addPermanentWidget(m_zoom);
-    endProgress();
+    showProgressOf({});
 }
 
 void StatusBar::setHint(const QString &hint)
