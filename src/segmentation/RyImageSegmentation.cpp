@@ -91,7 +91,7 @@ void RyImageSegmentation::reset()
         state.expandedLasso = {};
         state.graphCut.reset();
         state.constraints = RyCutConstraints(state.picture.size());
-        d->graphCutMask = QImage();
+        state.hasEarlyCut = false;
         forgotten.swap(d->pendingMemento);
         d->hoverClusters.clear();
         d->removeClicks();

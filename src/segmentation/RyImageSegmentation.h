@@ -36,8 +36,9 @@ class RyUndoController;
  *          the picture, or within 2 % of its border, count as on the border.
  * Output   masks of the picture's size, Format_ARGB32_Premultiplied: transparent where the object
  *          is, elsewhere the opaque mask colour.
- *          With CutMethod::GraphCut a new lasso's mask comes as soon as it is cut, and once more when
- *          the regions for corrections are there; a region is on the side that holds most of it.
+ *          With CutMethod::GraphCut a new lasso's mask comes as soon as it is cut, and once more, with
+ *          what was scribbled on it meanwhile, when the regions for corrections are there; a region
+ *          is on the side that holds most of it.
  * Source   SLIC superpixels, joined by graph-based region growing, judged by a colour histogram or
  *          by graph cuts; docs/design.md names the papers.
  * Errors   none reported: a path with coordinates that are not finite is ignored; of a point those

@@ -19,16 +19,19 @@ void RyImageSegmentation::doInitialCut(quint64 epoch)
 {
     RySegmentationState work;
     bool hasNewLasso = false;
+    bool isRecoloured = false;
     CutMethod method = CutMethod::Classic;
     {
         const QMutexLocker lock(&d->mutex);
         if (d->epoch != epoch || d->state.pointsOfSuperpixels.isEmpty())
             return; // reset(), a newer lasso or a memento came first
         work = d->state;
+        d->state.hasEarlyCut = false;
+        isRecoloured = work.maskColor.rgb() != d->maskColor.rgb();
         work.maskColor = d->maskColor;
         hasNewLasso = d->pendingLasso.has_value();
         if (hasNewLasso)
-            d->graphCutMask = QImage(); // of a lasso before, which was not cut any more
+            work.hasEarlyCut = false; // of a lasso before, which was not cut any more
         work.lassoPath = d->pendingLasso.value_or(work.lassoPath);
         d->pendingLasso.reset();
         method = d->cutMethod;
@@ -37,6 +40,8 @@ void RyImageSegmentation::doInitialCut(quint64 epoch)
         return;
     QElapsedTimer timer;
     timer.start();
+    if (work.hasEarlyCut && isRecoloured)
+        work.updateMask();
     if (hasNewLasso)
         Private::chooseGraphCut(work, method);
     // Of a picture that was replaced by one of another size nothing can be shown.
@@ -142,27 +147,20 @@ void RyImageSegmentation::cutObjectInitial(RySegmentationState &work, quint64 ep
 /// The same steps, as far as the host can tell.
 void RyImageSegmentation::cutObjectByGraph(RySegmentationState &work, quint64 epoch)
 {
-    QImage mask; // that the worker has cut, and the host has seen
     int workerSteps = 0;
     int total = 0;
     {
         const QMutexLocker lock(&d->mutex);
         if (d->epoch != epoch)
             return;
-        mask.swap(d->graphCutMask);
-        if (d->graphCutMaskColor != work.maskColor.rgb())
-            mask = QImage(); // the colour has been changed since
         workerSteps = d->workerTotalSteps;
         total = totalSteps();
     }
     Q_EMIT segmentationProgress(workerSteps, total);
-    if (mask.isNull()) {
-        mask = RyGraphFirstCut::mask(*work.graphCut, work.constraints, work.picture.size(),
-                                     work.maskColor.rgb());
-        if (mask.isNull())
-            throw std::bad_alloc();
-    }
-    RyGraphFirstCut::adopt(work, mask);
+    if (work.hasEarlyCut) // with what the user has corrected since
+        RyGraphFirstCut::adopt(work, work.foregroundMask);
+    else
+        RyGraphFirstCut::recut(work);
     for (int step = 0; step < Private::stepsOfTheFirstCut; ++step)
         increaseAndUpdateProgressbar(epoch);
 }

@@ -33,7 +33,7 @@ void RyImageSegmentation::recut()
         startSessionThread();
 }
 
-/// The worker's mask, while it goes on to the regions.
+/// The worker's mask, while it goes on to the regions. Corrections of it stay.
 void RyImageSegmentation::showGraphCut(const QImage &mask)
 {
     if (!d->worker || sender() != d->worker.get())
@@ -41,7 +41,10 @@ void RyImageSegmentation::showGraphCut(const QImage &mask)
     {
         const QMutexLocker lock(&d->mutex);
         RySegmentationState &state = d->state;
-        if (mask.size() != state.picture.size() || d->restoredLassos == d->lassos)
+        if (mask.size() != state.picture.size())
+            return;
+        state.hasEarlyCut = true;
+        if (d->restoredLassos == d->lassos)
             return;
         state.foregroundMask = mask;
         state.maskColor = d->worker->graphCutColor();

@@ -104,11 +104,8 @@ void RyImageSegmentation::initialSegmentationIsFinished()
         state.statistics = results.statistics;
         state.graphCut = results.graphCut;
         state.graphCutLasso = results.graphCutLasso; // state.lassoPath may be a memento's by now
-        if (d->restoredLassos != d->lassos)
+        if (!state.hasEarlyCut && d->restoredLassos != d->lassos)
             state.constraints = RyCutConstraints(state.picture.size());
-        d->graphCutMask = results.graphCutMask;
-        if (results.graphCut)
-            d->graphCutMaskColor = finished->graphCutColor();
         d->removeClicks();
         ++d->epoch;
         ++d->revision;

@@ -105,9 +105,6 @@ struct RyImageSegmentation::Private
     QColor maskColor; // asked for; the state has the one that its mask is drawn in
 
     CutMethod cutMethod = CutMethod::Classic;
-    // Of the worker whose regions were adopted, until the first cut takes it.
-    QImage graphCutMask;
-    QRgb graphCutMaskColor = 0;
     bool maskIsInverted = false;
     bool isForeground = false; // of the newest stroke or hover: all that wait share it
     QSet<int> hoverClusters;   // the newest ones, until they are shown

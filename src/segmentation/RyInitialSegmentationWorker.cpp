@@ -162,11 +162,11 @@ void RyInitialSegmentationWorker::cutByGraph(Results &results)
     results.graphCut = RyGraphFirstCut::analyse(picture, results.graphCutLasso);
     if (!results.graphCut || m_state == State::Stopped)
         return;
-    results.graphCutMask =
+    const QImage mask =
             RyGraphFirstCut::mask(*results.graphCut, {}, picture.size(), *m_graphCutColor);
-    if (results.graphCutMask.isNull())
+    if (mask.isNull())
         throw std::bad_alloc();
-    Q_EMIT maskIsReady(results.graphCutMask);
+    Q_EMIT maskIsReady(mask);
 }
 
 void RyInitialSegmentationWorker::increaseAndUpdateProgressbar()

@@ -52,7 +52,6 @@ public:
         RyExpandedLasso pathExpanded;
         std::shared_ptr<const RyGraphCut> graphCut; ///< null where none was asked for
         QPainterPath graphCutLasso;                 ///< moved into the picture
-        QImage graphCutMask;                        ///< as maskIsReady() has told it
         RySegmentationStatistics statistics;
     };
 

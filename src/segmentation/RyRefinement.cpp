@@ -115,7 +115,7 @@ void RyRefinement::drawPathOnForegroundUserMask(const RyStroke &stroke, RyStroke
 
 void RyRefinement::fix(int y, int left, int right, bool isForeground)
 {
-    if (m_state.graphCut)
+    if (m_state.graphCut || m_state.hasEarlyCut)
         m_state.constraints.fix(y, left, right, isForeground);
 }
 

@@ -49,6 +49,7 @@ public:
     QColor maskColor;
     std::shared_ptr<const RyGraphCut> graphCut; // null where region colours made the first cut
     QPainterPath graphCutLasso;                 // which lasso it is of, moved into the picture
+    bool hasEarlyCut = false;                   // a graph cut is shown whose regions are to come
     RyCutConstraints constraints;               // by corrections, while there is a graph cut
     RySegmentationStatistics statistics;
 

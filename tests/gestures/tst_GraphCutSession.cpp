@@ -21,6 +21,8 @@ private Q_SLOTS:
     void init();
     void showsTheMaskFirst();
     void putsRegionsOnTheSideOfMost();
+    void keepsCorrectionsOfTheEarlyMask_data();
+    void keepsCorrectionsOfTheEarlyMask();
     void dependsOnPictureAndLassoOnly();
     void cutsTheNewestLasso();
     void switchesMethods();
@@ -89,6 +91,20 @@ QImage freshCut(const QPainterPath &lasso, CutMethod method = CutMethod::GraphCu
     return GraphDriver(smallPhotograph(), method).cut(lasso);
 }
 
+void verifyThatRegionsAreOnTheSideOfMost(const RyImageSegmentation &session)
+{
+    const ReferenceRefinement now(session);
+    QCOMPARE(now.foreground.size() + now.background.size(), now.points.size() - 1);
+    for (int label = 1; label < now.points.size(); ++label) {
+        const auto &points = now.points.at(label);
+        const auto inObject = std::count_if(points.begin(), points.end(), [&](const QPoint &at) {
+            return now.mask.pixel(at) == 0;
+        });
+        QCOMPARE(now.foreground.contains(label), 2 * inObject > points.size());
+        QCOMPARE(now.background.contains(label), 2 * inObject <= points.size());
+    }
+}
+
 QPainterPath strokeAt(int i)
 {
     return Samples::ellipse(5 + i * 37 % 110, 5 + i * 23 % 70, 18, 14);
@@ -128,16 +144,60 @@ void tst_GraphCutSession::showsTheMaskFirst()
 void tst_GraphCutSession::putsRegionsOnTheSideOfMost()
 {
     GraphDriver driver;
-    const QImage mask = driver.cut(smallLasso);
-    const ReferenceRefinement now(driver.session);
-    QCOMPARE(now.foreground.size() + now.background.size(), now.points.size() - 1);
-    for (int label = 1; label < now.points.size(); ++label) {
-        const auto &points = now.points.at(label);
-        const auto inObject = std::count_if(points.begin(), points.end(),
-                                            [&](const QPoint &at) { return mask.pixel(at) == 0; });
-        QCOMPARE(now.foreground.contains(label), 2 * inObject > points.size());
-        QCOMPARE(now.background.contains(label), 2 * inObject <= points.size());
-    }
+    driver.cut(smallLasso);
+    verifyThatRegionsAreOnTheSideOfMost(driver.session);
+}
+
+void tst_GraphCutSession::keepsCorrectionsOfTheEarlyMask_data()
+{
+    QTest::addColumn<bool>("isForeground");
+    QTest::addColumn<bool>("inverts");
+    QTest::addColumn<QColor>("color");
+    for (const bool isForeground : {false, true})
+        for (const bool inverts : {false, true})
+            for (const QColor color : {QColor(Qt::white), QColor(Qt::red)})
+                QTest::addRow("to %s, %s, %s", isForeground ? "foreground" : "background",
+                              inverts ? "inverted" : "straight", qPrintable(color.name()))
+                        << isForeground << inverts << color;
+}
+
+void tst_GraphCutSession::keepsCorrectionsOfTheEarlyMask()
+{
+    QFETCH(bool, isForeground);
+    QFETCH(bool, inverts);
+    QFETCH(QColor, color);
+    const QPainterPath stroke = Samples::rectangle(60, 10, 50, 60);
+    GraphDriver driver;
+    RyImageSegmentation &session = driver.session;
+    ReferenceRefinement expected(*session.createMemento(false));
+    expected.mask = freshCut(smallLasso);
+    session.startThreadWithInitialPath(smallLasso);
+    // Asked for while the host hears the early mask, so before the regions can be adopted.
+    connect(
+            &session, &RyImageSegmentation::sendNewMask, this,
+            [&] {
+                QVERIFY(!session.isValid());
+                if (inverts) {
+                    session.invertMask();
+                    expected.invert();
+                }
+                session.startThreadWithScribble(stroke, isForeground, true);
+                session.startThreadWithScribble(stroke, isForeground, false);
+                expected.scribble(stroke, isForeground);
+                session.setMaskColor(color);
+                expected.recolour(color.rgb());
+            },
+            Qt::SingleShotConnection);
+    QVERIFY(driver.settle());
+    QCOMPARE(driver.masks.last(), expected.mask);
+    QCOMPARE(session.maskForeground(), expected.mask);
+    verifyThatRegionsAreOnTheSideOfMost(session);
+    QCOMPARE(controller().stack()->count(), 1);
+    const QImage mask = driver.recut();
+    QVERIFY(!mask.isNull());
+    for (int y = 10; y < 70; ++y)
+        for (int x = 60; x < 110; ++x)
+            QCOMPARE(mask.pixel(x, y), isForeground ? 0U : color.rgb());
 }
 
 void tst_GraphCutSession::dependsOnPictureAndLassoOnly()
