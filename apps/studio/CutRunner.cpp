@@ -32,6 +32,7 @@ std::shared_ptr<const RyMementoSegmentation> unpacked(const RyMementoSegmentatio
             memento.lassoPath(), memento.foregroundClusters(), memento.backgroundClusters(),
             memento.mask(), memento.labels(), memento.pointsOfSuperpixels(), memento.maskColor());
     result->setConstraints(memento.constraints());
+    result->setRegionRecords(memento.regionRecords());
     return result;
 }
 

@@ -48,6 +48,8 @@ private Q_SLOTS:
     void lassoClosesWhereItIsShown();
     void othersDuringAStroke_data();
     void othersDuringAStroke();
+    void cutsAnewAfterUndo_data();
+    void cutsAnewAfterUndo();
     void historyListAtAnyTime();
 
 private:
@@ -481,6 +483,35 @@ void tst_StudioTools::othersDuringAStroke()
     QVERIFY(m_studio->settle());
     QCOMPARE(m_studio->document().undoStack()->count(), 4);
     QVERIFY(!m_studio->isObject(cup));
+}
+
+void tst_StudioTools::cutsAnewAfterUndo_data()
+{
+    QTest::addColumn<QByteArray>("method");
+    for (const char *const method : {"methodClassic", "methodGraphCut"})
+        QTest::addRow("%s", method) << QByteArray(method);
+}
+
+/// Of the lasso that undo has brought back, as it was cut with the method before.
+void tst_StudioTools::cutsAnewAfterUndo()
+{
+    QFETCH(QByteArray, method);
+    QVERIFY(m_studio->cutCoffee());
+    m_studio->action(method.constData()).trigger();
+    m_studio->action("recut").trigger();
+    QVERIFY(m_studio->settle());
+    const QImage expected = m_studio->document().mask();
+    m_studio->action("lasso").trigger();
+    m_studio->drag({{150, 30}, {420, 30}, {420, 250}, {150, 250}});
+    QVERIFY(m_studio->settle());
+    for (int undone = 0; undone < 2; ++undone) {
+        m_studio->action("undo").trigger();
+        QVERIFY(m_studio->settle());
+    }
+    m_studio->action("recut").trigger();
+    QVERIFY(m_studio->settle());
+    QCOMPARE(m_studio->document().undoStack()->count(), 2);
+    QCOMPARE(m_studio->document().mask(), expected);
 }
 
 void tst_StudioTools::historyListAtAnyTime()
