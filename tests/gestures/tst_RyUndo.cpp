@@ -4,6 +4,7 @@
 #include "support/ReferenceRefinement.h"
 #include "support/Samples.h"
 #include "support/SessionDriver.h"
+#include "support/TestClasses.h"
 
 #include <QAction>
 #include <QRandomGenerator>
@@ -531,5 +532,5 @@ void tst_RyUndo::restoresRegions()
         QCOMPARE(each->cut(smallLasso), cut); // with regions of its own
 }
 
-QTEST_MAIN(tst_RyUndo)
+RY_TEST_CLASS(tst_RyUndo, QApplication)
 #include "tst_RyUndo.moc"

@@ -1,4 +1,5 @@
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
 #include "RySettings.h"
 #include "ScissorsTool.h"
@@ -485,5 +486,5 @@ void tst_StudioScissors::keysWhileANodeIsHeld()
     }
 }
 
-QTEST_MAIN(tst_StudioScissors)
+RY_TEST_CLASS(tst_StudioScissors, QApplication)
 #include "tst_StudioScissors.moc"

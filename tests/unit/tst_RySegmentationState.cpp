@@ -3,6 +3,7 @@
 #include "segmentation/RySegmentationState.h"
 #include "support/Pixels.h"
 #include "support/Samples.h"
+#include "support/TestClasses.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -176,5 +177,5 @@ void tst_RySegmentationState::contoursNeedTwoOtherNeighbours()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_RySegmentationState)
+RY_TEST_CLASS(tst_RySegmentationState, QCoreApplication)
 #include "tst_RySegmentationState.moc"

@@ -1,4 +1,5 @@
 #include "WirePath.h"
+#include "support/TestClasses.h"
 
 #include <QTest>
 
@@ -150,5 +151,5 @@ void tst_WirePath::outlineNamesEachPointOnce()
     QCOMPARE(outline.last(), QPointF(1, 21));
 }
 
-QTEST_GUILESS_MAIN(tst_WirePath)
+RY_TEST_CLASS(tst_WirePath, QCoreApplication)
 #include "tst_WirePath.moc"
