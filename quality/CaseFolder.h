@@ -13,7 +13,7 @@
  *     CASE/lasso.txt     and lasso-uneven.txt, lasso-tight.txt, lasso-loose.txt: one vertex "x y" a
  *                        line, in picture pixels; a lasso closes itself
  *
- * Errors   thrown as QualityError, with the name of the file.
+ * Errors   thrown as AppError, with the name of the file.
  */
 class CaseFolder
 {

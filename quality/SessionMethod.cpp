@@ -1,7 +1,7 @@
 #include "SessionMethod.h"
 
 #include "Masks.h"
-#include "QualityError.h"
+#include "cutout/AppError.h"
 #include "gestures/EventWait.h"
 #include "segmentation/RyImageSegmentation.h"
 
@@ -65,7 +65,7 @@ Cut cut(const SessionMethod::Preparation &prepare, const QImage &picture, const 
     session.startThreadWithInitialPath(path);
     waitUntilIdle(session);
     if (!hasMask)
-        throw QualityError(u"the session gave no mask: there is too little memory"_s);
+        throw AppError(u"the session gave no mask: there is too little memory"_s);
     result.mask = objectOf(session.maskForeground());
     result.stages = stages(session.statistics());
     return result;

@@ -32,7 +32,7 @@ struct GestureFile
     QList<Gesture> gestures;
     EdgeChoices edges; ///< at the picture's full size, of what is cut in the end
 
-    /// The name is for messages. Whatever is malformed is thrown as GestureFileError.
+    /// The name is for messages. Whatever is malformed is thrown as AppError.
     static GestureFile parse(const QByteArray &text, const QString &name);
     /// Parsing this gives every number back as it was.
     QByteArray text() const;

@@ -1,7 +1,7 @@
 #include "gestures/GesturePlayer.h"
 
+#include "cutout/AppError.h"
 #include "gestures/EventWait.h"
-#include "gestures/GestureError.h"
 #include "scissors/RyScissorsEdgePicture.h"
 #include "segmentation/RyImageSegmentation.h"
 
@@ -62,7 +62,7 @@ void GesturePlayer::apply(const Gesture::Seed &seed)
 void GesturePlayer::apply(const Gesture::Wire &wire)
 {
     if (!m_wire.continueTo(m_toSession.map(wire.point)) && !m_isStopped)
-        throw GestureError(u"no wire leads to %1 %2"_s.arg(wire.point.x()).arg(wire.point.y()));
+        throw AppError(u"no wire leads to %1 %2"_s.arg(wire.point.x()).arg(wire.point.y()));
 }
 
 void GesturePlayer::apply(const Gesture::Close &)
@@ -72,6 +72,6 @@ void GesturePlayer::apply(const Gesture::Close &)
         m_lasso = m_toSession.inverted().map(outline);
         GestureStarter(m_session, {}).start(Gesture::Lasso{outline}); // as it is, without rounding
     } else if (!m_isStopped) {
-        throw GestureError(u"no wire leads back to its seed"_s);
+        throw AppError(u"no wire leads back to its seed"_s);
     }
 }

@@ -10,7 +10,7 @@
  * Takes the text of a session apart, line by line and word by word. Comments and empty lines are
  * skipped.
  *
- * Errors   thrown as GestureFileError.
+ * Errors   thrown as AppError.
  */
 class GestureReader : public GestureFields
 {

@@ -25,7 +25,6 @@ public:
     /// Begins a wire anew. Points are rounded to pixels of the picture, the nearest one for those
     /// outside.
     void begin(const QPointF &point);
-    bool hasBegun() const { return m_hasBegun; }
     /// Leads the wire on to the point; meanwhile events are processed. False when the scissors find
     /// no way there, and once stop() was called; the wire then stays as it is.
     bool continueTo(const QPointF &point);

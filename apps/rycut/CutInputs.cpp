@@ -7,7 +7,7 @@
 #include "Interruption.h"
 #include "LassoText.h"
 #include "PictureInput.h"
-#include "gestures/GestureFileError.h"
+#include "cutout/AppError.h"
 
 #include <QCryptographicHash>
 
@@ -35,10 +35,10 @@ GestureFile readGestureFile(const CutOptions &options, const Interruption &inter
 {
     if (options.gesturesFile.isEmpty())
         return {};
+    const QByteArray text = InputData::open(options.gesturesFile, interruption)->readAll();
     try {
-        return GestureFile::parse(InputData::open(options.gesturesFile, interruption)->readAll(),
-                                  InputData::displayName(options.gesturesFile));
-    } catch (const GestureFileError &error) {
+        return GestureFile::parse(text, InputData::displayName(options.gesturesFile));
+    } catch (const AppError &error) {
         throwBadInput(error.message());
     }
 }

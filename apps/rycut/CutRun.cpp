@@ -10,8 +10,8 @@
 #include "ProgressBar.h"
 #include "Stopwatch.h"
 #include "cutout/EdgeOperations.h"
+#include "cutout/AppError.h"
 #include "cutout/MaskImage.h"
-#include "gestures/GestureError.h"
 
 using namespace Qt::StringLiterals;
 
@@ -65,7 +65,7 @@ QImage CutRun::play(CutSession &session, const QImage &picture) const
 {
     try {
         return session.cut(picture, m_result.session.gestures);
-    } catch (const GestureError &error) {
+    } catch (const AppError &error) {
         const QString &file = m_options.gesturesFile;
         throw CommandError(ExitStatus::EmptyResult,
                            u"%1: %2"_s.arg(InputData::displayName(file), error.message()));

@@ -101,7 +101,7 @@ void PictureLoader::start(const QString &title, const Decode &decode)
             opened.title = title;
             finish(request, [this, opened] { Q_EMIT loaded(opened); });
         } catch (const PictureError &error) {
-            fail(error.reason());
+            fail(error.message());
         } catch (const std::bad_alloc &) {
             fail(tr("there is too little memory"));
         }

@@ -2,8 +2,8 @@
 
 #include "SessionError.h"
 #include "StateFolder.h"
+#include "cutout/AppError.h"
 #include "cutout/PictureEncoder.h"
-#include "gestures/GestureFileError.h"
 #include "gestures/GestureHistory.h"
 #include "gestures/WireTracer.h"
 #include "scissors/RyScissorsEdgePicture.h"
@@ -176,7 +176,7 @@ SessionFile::Contents SessionFile::read(const QString &fileName)
         contents.file = GestureFile::parse(file.readAll(), QFileInfo(fileName).fileName());
         contents.pictureFile = findPicture(QFileInfo(fileName), contents.file.pictureFile);
         return contents;
-    } catch (const GestureFileError &error) {
+    } catch (const AppError &error) {
         throw SessionError(error.message());
     }
 }
@@ -192,7 +192,7 @@ QString SessionFile::pictureFile(const QString &fileName)
         const QString told =
                 GestureFile::parse(head.first(head.lastIndexOf('\n') + 1), {}).pictureFile;
         return told.isEmpty() ? told : QFileInfo(fileName).absoluteDir().absoluteFilePath(told);
-    } catch (const GestureFileError &) {
+    } catch (const AppError &) {
         return {};
     }
 }
