@@ -16,7 +16,7 @@
  * One gesture a line, in pixels of the picture; "#" starts a comment. The first line says
  * "rycut-session 1", the next one may say which picture it was: "picture WIDTHxHEIGHT SHA256". Then
  * may follow where its file is, "file NAME", and how it was cut, "longest-side PIXELS". How the edge
- * is worked on in the end may be told anywhere, in the words of EdgeChoices.
+ * is worked on in the end may be told anywhere, in the words of EdgeTable.
  */
 struct GestureFile
 {

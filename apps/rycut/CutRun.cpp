@@ -100,7 +100,7 @@ void CutRun::makeFullMask()
     mask.setDotsPerMeterY(m_result.picture.dotsPerMeterY());
     m_result.times.scalingMs += stopwatch.lapMs();
 
-    m_result.fullMask = EdgeOperations::apply(mask, m_result.session.edges.options());
+    m_result.fullMask = EdgeOperations::apply(mask, m_result.session.edges.settings());
     requireMemory(m_result.fullMask.alpha);
     m_interruption.check();
     m_result.objectBox = MaskImage::objectBox(m_result.fullMask.alpha);

@@ -55,7 +55,7 @@ void WireFiles::write(WireOutput output, OutputFile &file, const WireResult &res
 
 QImage WireFiles::overlay(const WireResult &result) const
 {
-    if (m_options.edges.options() == EdgeOptions())
+    if (m_options.edges.settings().edges() == EdgeOptions())
         return WirePictures::overlay(result, result.picture);
     return WirePictures::overlay(result,
                                  ObjectPictures::overlay(result.picture, result.mask.alpha));

@@ -112,7 +112,7 @@ void WireRun::fillInside()
     PictureMemory::require(inside, m_options.picture);
     if (MaskImage::objectPixels(inside) == 0)
         throw CommandError(ExitStatus::EmptyResult, u"the wire encloses nothing"_s);
-    m_result.mask = EdgeOperations::apply(inside, m_options.edges.options());
+    m_result.mask = EdgeOperations::apply(inside, m_options.edges.settings());
     PictureMemory::require(m_result.mask.alpha, m_options.picture);
     m_interruption.check();
     if (MaskImage::objectPixels(m_result.mask.alpha) == 0)

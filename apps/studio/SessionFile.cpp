@@ -241,7 +241,7 @@ SessionFile::Saved SessionFile::write(const QString &fileName, const QList<Gestu
                                ? 0
                                : std::max(cuttingSize.width(), cuttingSize.height());
     file.gestures = gestures;
-    file.edges = edges.choices();
+    file.edges = EdgeChoices::of(edges);
     writeFile(fileName, file.text());
     return saved;
 }

@@ -66,7 +66,7 @@ void SessionOpener::accept()
     const auto prepare = [this, file = m_contents.file, picture = m_picture,
                           isCancelled = m_isCancelled] {
         const QList<ReplayStep> steps = SessionFile::steps(file, picture, *isCancelled);
-        return [this, picture, steps, edges = EdgeSettings::of(file.edges)] {
+        return [this, picture, steps, edges = file.edges.settings()] {
             setOpening(false);
             m_picture = {};
             Q_EMIT opened(picture, steps, edges);
