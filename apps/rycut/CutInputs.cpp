@@ -57,8 +57,8 @@ QList<Gesture> gesturesToPlay(const GestureFile &file, const CutOptions &options
                               const Interruption &interruption)
 {
     QList<Gesture> gestures;
-    if (options.maskColour.rgb() != QColor(Qt::white).rgb())
-        gestures.append(Gesture(Gesture::Color{options.maskColour}));
+    if (options.maskColor.rgb() != QColor(Qt::white).rgb())
+        gestures.append(Gesture(Gesture::Color{options.maskColor}));
     if (options.isGraphCut)
         gestures.append(Gesture(Gesture::Method{true}));
     if (!options.lassoFile.isEmpty() || !options.polygon.isEmpty()) {

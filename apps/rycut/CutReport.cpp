@@ -83,7 +83,7 @@ QByteArray CutReport::json(const CutResult &result)
 {
     const RySegmentationStatistics &statistics = result.statistics;
     const QJsonObject findings{
-            {u"mask_colour"_s, result.maskColour.name()},
+            {u"mask_colour"_s, result.maskColor.name()},
             {u"lasso"_s, lassoObject(result.lasso)},
             {u"gestures"_s, gesturesAfterTheLasso(result.session.gestures)},
             {u"object_box"_s, boxObject(result.objectBox)},

@@ -3,14 +3,15 @@
 #include "CommandError.h"
 #include "Console.h"
 #include "CutInputs.h"
+#include "CutOutputs.h"
 #include "CutReport.h"
 #include "CutSession.h"
 #include "InputData.h"
 #include "PictureMemory.h"
 #include "ProgressBar.h"
 #include "Stopwatch.h"
-#include "cutout/EdgeOperations.h"
 #include "cutout/AppError.h"
+#include "cutout/EdgeOperations.h"
 #include "cutout/MaskImage.h"
 
 using namespace Qt::StringLiterals;
@@ -78,7 +79,7 @@ void CutRun::takeResults(const CutSession &session)
     m_result.lasso = session.lasso();
     m_result.labels = memento->labels();
     m_result.foregroundRegions = memento->foregroundClusters().size();
-    m_result.maskColour = memento->maskColor();
+    m_result.maskColor = memento->maskColor();
     m_result.statistics = session.segmentation().statistics();
     if (m_options.outputs.contains(CutOutput::Contours))
         m_result.contours = session.segmentation().drawContour();
@@ -86,7 +87,7 @@ void CutRun::takeResults(const CutSession &session)
 
 void CutRun::failWithReport(const QString &message)
 {
-    m_files.writeReport(m_result);
+    m_files.writeReport([this] { return CutReport::json(m_result); });
     m_files.commitReport();
     throw CommandError(ExitStatus::EmptyResult, message);
 }
@@ -111,8 +112,10 @@ void CutRun::makeFullMask()
 
 void CutRun::writeOutputs()
 {
-    m_files.write(m_result, m_interruption);
-    m_files.writeReport(m_result);
+    Stopwatch stopwatch;
+    m_files.write(CutOutputs::all(), m_result, m_options, m_interruption);
+    m_result.times.writingMs += stopwatch.lapMs();
+    m_files.writeReport([this] { return CutReport::json(m_result); });
     m_interruption.check();
     const QStringList names = m_files.commitAll();
     if (!m_options.quiet)

@@ -146,6 +146,25 @@ QString PictureOptionsParser::fileName(const QString &name) const
     return value(name);
 }
 
+QString PictureOptionsParser::outputName(const QString &option, const QStringList &formats) const
+{
+    const QString name = fileName(option);
+    if (!formats.isEmpty())
+        OutputNames::requireFormat(option, name, formats);
+    return name;
+}
+
+void PictureOptionsParser::checkFiles(QStringList outputs, const QString &report,
+                                      const QStringList &outputOptions)
+{
+    if (!report.isEmpty())
+        outputs.append(report);
+    if (outputs.isEmpty())
+        throwUsage(u"nothing to write; name a file with --%1 or --report"_s.arg(
+                outputOptions.join(u", --"_s)));
+    OutputNames::requireDistinct(outputs);
+}
+
 int PictureOptionsParser::maxLength() const
 {
     const bool fullSize = isSet(u"full-size"_s);

@@ -8,6 +8,7 @@
 #include "PictureMemory.h"
 #include "ProgressBar.h"
 #include "Stopwatch.h"
+#include "WireOutputs.h"
 #include "WirePictures.h"
 #include "WireReport.h"
 #include "cutout/EdgeOperations.h"
@@ -123,9 +124,12 @@ void WireRun::fillInside()
 
 void WireRun::writeOutputs()
 {
-    m_files.write(m_result, m_interruption);
+    Stopwatch stopwatch;
+    m_files.write(WireOutputs::all(), m_result, m_options, m_interruption);
+    m_result.times.writingMs = stopwatch.lapMs();
+    m_files.writeReport([this] { return WireReport::json(m_result); });
     m_interruption.check();
-    const QStringList names = m_files.commit();
+    const QStringList names = m_files.commitAll();
     if (!m_options.quiet)
         Console::sayWritten(names, WireReport::stages(m_result));
 }
