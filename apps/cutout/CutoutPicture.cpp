@@ -6,12 +6,12 @@
 
 QImage CutoutPicture::compose(const QImage &picture, const CutoutMask &mask, const Options &options)
 {
-    const QImage colours = EdgeColours::cleaned(picture, mask, options.cleanPixels);
-    if (colours.isNull())
+    const QImage colors = EdgeColours::cleaned(picture, mask, options.cleanPixels);
+    if (colors.isNull())
         return {};
     return cropped(options.background.isValid()
-                           ? ObjectPictures::onBackground(colours, mask.alpha, options.background)
-                           : ObjectPictures::onTransparency(colours, mask.alpha),
+                           ? ObjectPictures::onBackground(colors, mask.alpha, options.background)
+                           : ObjectPictures::onTransparency(colors, mask.alpha),
                    mask, options);
 }
 
