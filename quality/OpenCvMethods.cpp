@@ -3,8 +3,6 @@
 #include "DistanceMap.h"
 #include "Masks.h"
 
-#include <QElapsedTimer>
-
 #include <opencv2/imgproc.hpp>
 
 using namespace Qt::StringLiterals;

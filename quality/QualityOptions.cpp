@@ -62,7 +62,8 @@ void declareOptions(QCommandLineParser &parser)
              u"factor"_s, u"1"_s},
             {u"csv"_s, u"Write one line a case, lasso and method."_s, u"file"_s},
             {u"sheet"_s,
-             u"Draw all results (PNG); with several kinds of lasso, one file each, named after it."_s,
+             u"Draw all results (PNG); with several kinds of lasso, one file each, named "
+             "after it."_s,
              u"file"_s},
     });
 }

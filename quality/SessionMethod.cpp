@@ -1,12 +1,11 @@
 #include "SessionMethod.h"
 
-#include "Masks.h"
 #include "cutout/AppError.h"
+#include "cutout/MaskImage.h"
 #include "gestures/EventWait.h"
 #include "segmentation/RyImageSegmentation.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -20,19 +19,6 @@ QList<StageTime> stages(const RySegmentationStatistics &statistics)
             {u"wait for edges"_s, statistics.edgesWaitMs},
             {u"regions"_s, statistics.regionsMs},
             {u"first cut"_s, statistics.firstCutMs}};
-}
-
-/// Sessions' masks are transparent where the object is.
-QImage objectOf(const QImage &sessionMask)
-{
-    QImage object = Masks::empty(sessionMask.size());
-    for (int y = 0; y < object.height(); ++y) {
-        const auto *const row = reinterpret_cast<const QRgb *>(sessionMask.constScanLine(y));
-        uchar *const out = object.scanLine(y);
-        for (int x = 0; x < object.width(); ++x)
-            out[x] = qAlpha(row[x]) == 0 ? 255 : 0;
-    }
-    return object;
 }
 
 void waitUntilIdle(const RyImageSegmentation &session)
@@ -53,7 +39,7 @@ Cut cut(const SessionMethod::Preparation &prepare, const QImage &picture, const 
     QObject::connect(&session, &RyImageSegmentation::sendNewMask, &session,
                      [&](const QImage &mask) {
                          if (!hasMask) // one that is sent again is the same
-                             result.ms = double(timer.nsecsElapsed()) / 1e6;
+                             result.ms = elapsedMs(timer);
                          hasMask = !mask.isNull();
                      });
 
@@ -66,7 +52,7 @@ Cut cut(const SessionMethod::Preparation &prepare, const QImage &picture, const 
     waitUntilIdle(session);
     if (!hasMask)
         throw AppError(u"the session gave no mask: there is too little memory"_s);
-    result.mask = objectOf(session.maskForeground());
+    result.mask = MaskImage::fromSession(session.maskForeground());
     result.stages = stages(session.statistics());
     return result;
 }

@@ -14,12 +14,12 @@ public:
     void choose(const EdgeTable::Row &row, int number) { m_numbers[&row] = number; }
     std::optional<int> chosen(const EdgeTable::Row &row) const;
 
-    /// With what the others tell where nothing is told here.
+    /// These, and those of the others where nothing is told here.
     EdgeChoices over(const EdgeChoices &others) const;
     EdgeSettings settings() const; ///< 0 for what is left open
     /// For soft edges the usual rim when nothing else is told.
     int cleanPixels() const;
 
 private:
-    std::map<const EdgeTable::Row *, int> m_numbers; // by rows of the one table
+    std::map<const EdgeTable::Row *, int> m_numbers; // keys are rows of EdgeTable
 };

@@ -135,7 +135,8 @@ void widen(QImage &level)
     }
 }
 
-/// Between the four coarse pixels around a fine one, which lies a quarter off the nearest centre.
+/// Bilinear between the four coarse pixels around a fine one. Its centre is a quarter of a coarse
+/// pixel away from the nearest centre, so the weights are products of 3/4 and 1/4.
 QRgb interpolated(QRgb nearest, QRgb beside, QRgb above, QRgb across)
 {
     const auto channel = [&](int (*part)(QRgb)) {
@@ -145,7 +146,7 @@ QRgb interpolated(QRgb nearest, QRgb beside, QRgb above, QRgb across)
     return (colour & ~alphaBits) | foundAlpha;
 }
 
-/// The coarse pixel on the other side of a fine one, as seen from its own.
+/// Of the two coarse pixels nearest to a fine one, that which does not contain it.
 int neighbour(int fine, int coarseCount)
 {
     return std::clamp(fine / 2 + (fine % 2 == 0 ? -1 : 1), 0, coarseCount - 1);

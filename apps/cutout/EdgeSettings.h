@@ -7,9 +7,10 @@ struct EdgeSettings : EdgeOptions
 {
     int clean = 0; ///< the rim whose colours are taken from further inside, in pixels
 
-    const EdgeOptions &edges() const { return *this; } ///< what changes the mask
-    /// The rim that is cleaned. Soft edges mix with what was behind them, so they are cleaned unless
-    /// somebody objects; here 0 objects to nothing.
+    /// What changes the mask.
+    const EdgeOptions &edges() const { return *this; }
+    /// The rim that is cleaned. Soft edges mix with what was behind them: where no rim is told,
+    /// theirs is the usual one.
     int cleanPixels() const;
     bool operator==(const EdgeSettings &) const = default;
 };

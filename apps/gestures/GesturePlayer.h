@@ -11,7 +11,7 @@
 class RyImageSegmentation;
 
 /**
- * Does to a session what a user did, each gesture when the session has answered the one before:
+ * Does to a session what a user did. Each gesture waits for the session's answer to the one before,
  * so the outcome does not depend on how fast the machine is.
  *
  * Threads  the session's host thread.

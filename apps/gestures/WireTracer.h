@@ -9,8 +9,8 @@
 #include <QPolygonF>
 
 /**
- * Lays a wire from point to point, each stretch when the scissors have found it: so the outcome
- * does not depend on how fast the machine is.
+ * Lays a wire from point to point. It waits until the scissors have found a stretch before it asks
+ * for the next one, so the outcome does not depend on how fast the machine is.
  *
  * Threads  one thread with an event loop.
  */

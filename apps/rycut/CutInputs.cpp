@@ -43,7 +43,7 @@ GestureFile readGestureFile(const CutOptions &options, const Interruption &inter
     }
 }
 
-/// Session files take fewer coordinates than lassos do.
+/// Lassos may have larger coordinates than session files.
 void checkCanBeWritten(const QPolygonF &lasso)
 {
     constexpr double most = Gesture::mostCoordinate;
@@ -52,7 +52,7 @@ void checkCanBeWritten(const QPolygonF &lasso)
                                                                                           'f', 0));
 }
 
-/// The mask's colour, the method, the lasso and the file's gestures, in the order in which they are played.
+/// The mask's colour, the method, the lasso and the file's gestures, as they are played.
 QList<Gesture> gesturesToPlay(const GestureFile &file, const CutOptions &options,
                               const Interruption &interruption)
 {
@@ -111,7 +111,7 @@ void CutInputs::read(CutResult &result, const CutOptions &options, const Interru
     result.session.gestures = gesturesToPlay(file, options, interruption);
     const bool comparesPictures = file.picture && !options.force;
     const auto device = InputData::open(options.picture, interruption);
-    QByteArray hash; // large files take a while, so it is made for those who ask
+    QByteArray hash; // made for those who ask only, as large files take a while
     if (comparesPictures || options.outputs.contains(CutOutput::Session))
         hash = sha256(*device);
     result.picture = PictureInput::decode(*device, options);

@@ -30,7 +30,7 @@ QJsonObject lassoObject(const QPolygonF &lasso)
     return object;
 }
 
-/// Without the first lasso and a colour before it, so that a plain cut has none.
+/// How many follow the first lasso; none in a plain cut.
 qsizetype gesturesAfterTheLasso(const QList<Gesture> &gestures)
 {
     const auto firstLasso =
