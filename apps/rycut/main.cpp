@@ -36,7 +36,7 @@ ExitStatus runProgram(int &argc, char **argv)
     const ExitStatus status = Dispatcher().run(QApplication::arguments().mid(1));
     // All temporary files are gone by now. Leaving as usual would wait for the session's
     // computation on the thread pool, which stops only between its stages.
-    if (status == ExitStatus::Interrupted)
+    if (status > ExitStatus::Interrupted)
         std::_Exit(int(status));
     return status;
 }
