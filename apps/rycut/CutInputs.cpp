@@ -27,7 +27,7 @@ QPolygonF readLasso(const CutOptions &options, const Interruption &interruption)
 {
     if (options.lassoFile.isEmpty())
         return LassoText::fromArgument(u"--polygon"_s, options.polygon, LassoText::fewestVertices);
-    return LassoText::fromFile(InputData::open(options.lassoFile, interruption)->readAll(),
+    return LassoText::fromFile(InputData::text(options.lassoFile, interruption),
                                InputData::displayName(options.lassoFile));
 }
 
@@ -35,7 +35,7 @@ GestureFile readGestureFile(const CutOptions &options, const Interruption &inter
 {
     if (options.gesturesFile.isEmpty())
         return {};
-    const QByteArray text = InputData::open(options.gesturesFile, interruption)->readAll();
+    const QByteArray text = InputData::text(options.gesturesFile, interruption);
     try {
         return GestureFile::parse(text, InputData::displayName(options.gesturesFile));
     } catch (const AppError &error) {
