@@ -32,7 +32,9 @@ CutOptions CutOptionsParser::options() const
     CutOptions options;
     checkArguments();
     readInputs(options);
-    if (QStringList{options.picture, options.lassoFile, options.gesturesFile}.count(u"-"_s) > 1)
+    QStringList inputs{options.picture, options.lassoFile, options.gesturesFile};
+    inputs.removeAll(QString());
+    if (inputs.count(u"-"_s) > 1)
         throwUsage(u"only one input can come from standard input"_s);
     readPictureOptions(options);
     options.force = isSet(u"force"_s);
@@ -42,7 +44,7 @@ CutOptions CutOptionsParser::options() const
         options.maskColor = color(u"mask-colour"_s);
     readOutputs(CutOutputs::all(), options);
     CutOutputs::addCompanions(options.outputs);
-    checkFiles(CutOutputs::all(), options);
+    checkFiles(CutOutputs::all(), options, inputs);
     return options;
 }
 

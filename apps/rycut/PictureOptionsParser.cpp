@@ -155,14 +155,14 @@ QString PictureOptionsParser::outputName(const QString &option, const QStringLis
 }
 
 void PictureOptionsParser::checkFiles(QStringList outputs, const QString &report,
-                                      const QStringList &outputOptions)
+                                      const QStringList &outputOptions, const QStringList &inputs)
 {
     if (!report.isEmpty())
         outputs.append(report);
     if (outputs.isEmpty())
         throwUsage(u"nothing to write; name a file with --%1 or --report"_s.arg(
                 outputOptions.join(u", --"_s)));
-    OutputNames::requireDistinct(outputs);
+    OutputNames::requireDistinct(outputs, inputs);
 }
 
 int PictureOptionsParser::maxLength() const

@@ -59,16 +59,16 @@ protected:
                 kind.check(kind, options);
         }
     }
-    /// That there are outputs, and that each has a file of its own.
+    /// That there are outputs, and that each has a file of its own which is no input.
     template <typename Kinds, typename Options>
-    void checkFiles(const Kinds &kinds, const Options &options) const
+    void checkFiles(const Kinds &kinds, const Options &options, const QStringList &inputs) const
     {
         QStringList outputOptions;
         for (const auto &kind : kinds) {
             if (!kind.option.isEmpty())
                 outputOptions.append(kind.option);
         }
-        checkFiles(options.outputs.values(), options.report, outputOptions);
+        checkFiles(options.outputs.values(), options.report, outputOptions, inputs);
     }
     void checkArguments() const;
 
@@ -86,7 +86,7 @@ private:
     /// Of an output in one of these formats, or in any where there are none.
     QString outputName(const QString &option, const QStringList &formats) const;
     static void checkFiles(QStringList outputs, const QString &report,
-                           const QStringList &outputOptions);
+                           const QStringList &outputOptions, const QStringList &inputs);
     void readEdges(PictureOptions &options) const;
     int number(const QString &name, int least, int most = INT_MAX) const;
     int maxLength() const;

@@ -37,7 +37,7 @@ WireOptions WireOptionsParser::options() const
     if (!edgeOption.isEmpty() && !options.close)
         WireOutputs::throwNeedsInside(edgeOption);
     readOutputs(WireOutputs::all(), options);
-    checkFiles(WireOutputs::all(), options);
+    checkFiles(WireOutputs::all(), options, {options.picture});
     return options;
 }
 
