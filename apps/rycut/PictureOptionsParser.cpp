@@ -30,7 +30,7 @@ PictureOptionsParser::PictureOptionsParser(const QString &command, const QString
             description +
             u" '-' as a file name is standard input or output. Exit status: 0 done, 1 wrong usage, "
             "2 an input cannot be read or does not fit, 3 nothing found to cut out, 4 cannot "
-            "write, 130 interrupted."_s);
+            "write, 5 not enough memory, 130 interrupted (129 and 143 by SIGHUP and SIGTERM)."_s);
     QString syntax = command;
     for (const auto &[name, text] : arguments) {
         syntax += u' ' + name;
