@@ -14,6 +14,8 @@
 #include "cutout/EdgeOperations.h"
 #include "cutout/MaskImage.h"
 
+#include <memory>
+
 using namespace Qt::StringLiterals;
 
 CutRun::CutRun(const CutOptions &options)
@@ -75,7 +77,8 @@ QImage CutRun::play(CutSession &session, const QImage &picture) const
 
 void CutRun::takeResults(const CutSession &session)
 {
-    const auto memento = session.segmentation().createMemento(true);
+    const std::unique_ptr<const RyMementoSegmentation> memento(
+            session.segmentation().createMemento(true));
     m_result.lasso = session.lasso();
     m_result.labels = memento->labels();
     m_result.foregroundRegions = memento->foregroundClusters().size();

@@ -26,16 +26,6 @@ QList<Gesture> asRecorded(QList<Gesture> gestures)
     return gestures;
 }
 
-std::shared_ptr<const RyMementoSegmentation> unpacked(const RyMementoSegmentation &memento)
-{
-    auto result = std::make_shared<RyMementoSegmentation>(
-            memento.lassoPath(), memento.foregroundClusters(), memento.backgroundClusters(),
-            memento.mask(), memento.labels(), memento.pointsOfSuperpixels(), memento.maskColor());
-    result->setConstraints(memento.constraints());
-    result->setRegionRecords(memento.regionRecords());
-    return result;
-}
-
 } // namespace
 
 CutRunner::CutRunner(QObject *parent)
@@ -150,12 +140,9 @@ void CutRunner::cancel()
 void CutRunner::cancelCut(const Job &job)
 {
     const QScopedValueRollback restoring(m_isRestoring, true); // masks that are on their way
-    if (job.before.memento) {
-        m_session.cancel();
-        m_session.setMemento(*job.before.memento);
-    } else {
-        m_session.setup(m_picture, QFileInfo()); // leaves no worker behind, as cancel() may
-    }
+    m_session.setup(m_picture, QFileInfo()); // leaves no worker behind, as cancel() may
+    if (job.before.memento)
+        m_session.setMemento(job.before.memento.get());
     setMask(job.before.memento ? job.before.memento->mask() : QImage());
 }
 
@@ -185,7 +172,7 @@ void CutRunner::restore(const CutState &state)
             return;
         }
         m_pool.start([this, memento, restore] {
-            const auto plain = unpacked(*memento);
+            const std::shared_ptr<const RyMementoSegmentation> plain = memento->unpacked();
             QMetaObject::invokeMethod(
                     this, [this, plain, restore] { takeUnpacked(plain, restore); },
                     Qt::QueuedConnection);
@@ -200,7 +187,7 @@ void CutRunner::takeUnpacked(const std::shared_ptr<const RyMementoSegmentation> 
     if (restore != m_restores)
         return;
     if (memento)
-        m_session.setMemento(*memento);
+        m_session.setMemento(memento.get());
     else
         m_session.reset();
     m_isRestoring = false;
@@ -213,7 +200,8 @@ CutState CutRunner::state() const
 {
     if (!m_hasCut)
         return {};
-    return {m_session.createMemento(true), m_gestures};
+    return {std::shared_ptr<const RyMementoSegmentation>(m_session.createMemento(true)),
+            m_gestures};
 }
 
 QSet<int> CutRunner::regionsUnder(const QPointF &point, double diameter) const
