@@ -2,10 +2,10 @@
 
 #include "cutout/AppError.h"
 #include "cutout/MaskImage.h"
-#include "gestures/EventWait.h"
 #include "segmentation/RyImageSegmentation.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
 
 using namespace Qt::StringLiterals;
 
@@ -23,8 +23,11 @@ QList<StageTime> stages(const RySegmentationStatistics &statistics)
 
 void waitUntilIdle(const RyImageSegmentation &session)
 {
-    EventWait::until([&session] { return !session.isBusy(); });
-    QCoreApplication::processEvents(); // what the session said last
+    QEventLoop loop;
+    QObject::connect(&session, &RyImageSegmentation::becameIdle, &loop, &QEventLoop::quit);
+    while (session.isBusy())
+        loop.exec();
+    QCoreApplication::sendPostedEvents(); // what is on its way when all was done at once
 }
 
 Cut cut(const SessionMethod::Preparation &prepare, const QImage &picture, const QPolygonF &lasso)
@@ -32,6 +35,7 @@ Cut cut(const SessionMethod::Preparation &prepare, const QImage &picture, const 
     Cut result;
     QElapsedTimer timer;
     bool hasMask = false;
+    bool hasFailed = false;
     RyImageSegmentation session;
     session.setMaskColor(Qt::white);
     prepare(session);
@@ -42,6 +46,7 @@ Cut cut(const SessionMethod::Preparation &prepare, const QImage &picture, const 
                              result.ms = elapsedMs(timer);
                          hasMask = !mask.isNull();
                      });
+    QObject::connect(&session, &RyImageSegmentation::failed, &session, [&] { hasFailed = true; });
 
     QPainterPath path;
     path.addPolygon(lasso);
@@ -50,8 +55,8 @@ Cut cut(const SessionMethod::Preparation &prepare, const QImage &picture, const 
     session.setup(picture, QFileInfo());
     session.startThreadWithInitialPath(path);
     waitUntilIdle(session);
-    if (!hasMask)
-        throw AppError(u"the session gave no mask: there is too little memory"_s);
+    if (hasFailed)
+        throw AppError(u"the session gave no mask: there is not enough memory"_s);
     result.mask = MaskImage::fromSession(session.maskForeground());
     result.stages = stages(session.statistics());
     return result;

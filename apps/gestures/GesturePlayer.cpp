@@ -1,11 +1,11 @@
 #include "gestures/GesturePlayer.h"
 
 #include "cutout/AppError.h"
-#include "gestures/EventWait.h"
 #include "scissors/RyScissorsEdgePicture.h"
 #include "segmentation/RyImageSegmentation.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
 
 #include <utility>
 
@@ -27,6 +27,7 @@ void GesturePlayer::stop()
 {
     m_isStopped = true;
     m_wire.stop();
+    Q_EMIT stopped();
 }
 
 bool GesturePlayer::play(const Gesture &gesture)
@@ -40,10 +41,12 @@ bool GesturePlayer::play(const Gesture &gesture)
 
 void GesturePlayer::waitForAnswer()
 {
-    do { // the session does not say when it falls idle
-        EventWait::until([this] { return !m_session.isBusy() || m_isStopped; });
-        QCoreApplication::sendPostedEvents(); // signals on their way, which may lead to more work
-    } while (m_session.isBusy() && !m_isStopped);
+    QEventLoop loop;
+    connect(&m_session, &RyImageSegmentation::becameIdle, &loop, &QEventLoop::quit);
+    connect(this, &GesturePlayer::stopped, &loop, &QEventLoop::quit);
+    while (m_session.isBusy() && !m_isStopped)
+        loop.exec();
+    QCoreApplication::sendPostedEvents(); // what is on its way when all was done at once
 }
 
 void GesturePlayer::apply(const Gesture::Lasso &lasso)

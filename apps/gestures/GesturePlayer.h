@@ -37,6 +37,9 @@ public Q_SLOTS:
     /// For good. The session may still be at work.
     void stop();
 
+Q_SIGNALS:
+    void stopped();
+
 private:
     void apply(const Gesture::Lasso &lasso);
     void apply(const Gesture::Seed &seed);

@@ -34,5 +34,5 @@ Q_SIGNALS:
 private:
     RyImageSegmentation m_segmentation;
     GesturePlayer m_player;
-    bool m_heardNullMask = false; // last, in answer to the gesture that is played
+    bool m_hasFailed = false; // for want of memory, or of a thread
 };
