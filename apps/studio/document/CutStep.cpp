@@ -1,32 +1,28 @@
 #include "document/CutStep.h"
 
-#include <QMutexLocker>
 #include <QThreadPool>
-
-#include <new>
-#include <utility>
 
 namespace {
 
-CutState compacted(CutState state)
+qint64 labelBytes(const CutState &state)
 {
-    if (state.memento)
-        state.memento = state.memento->compacted();
-    return state;
+    return state.memento ? state.memento->labels().sizeInBytes() : 0;
 }
 
-qint64 maskBytes(const CutState &state)
+/// A mask that has yet to be packed counts as if it were: it will not take long.
+qint64 maskBytes(const CutState &state, bool isCompact)
 {
-    return state.memento
-                   ? state.memento->compactedSizeInBytes() - state.memento->labels().sizeInBytes()
-                   : 0;
+    if (!state.memento)
+        return 0;
+    return (isCompact ? state.memento->sizeInBytes() : state.memento->compactedSizeInBytes()) -
+           labelBytes(state);
 }
 
 /// Labels, and for each of their pixels its place.
 qint64 regionBytes(const CutState &state)
 {
     constexpr int bytesOfAPlace = 2; // for each byte of a label
-    return state.memento ? state.memento->labels().sizeInBytes() * (1 + bytesOfAPlace) : 0;
+    return labelBytes(state) * (1 + bytesOfAPlace);
 }
 
 bool sharesRegions(const CutState &a, const CutState &b)
@@ -39,54 +35,28 @@ bool sharesRegions(const CutState &a, const CutState &b)
 
 CutStep::CutStep(const QString &name, const CutState &before, const CutState &after,
                  const Restore &restore)
-    : RyUndoCommand(name, nullptr, false)
-    , m_before(before)
-    , m_after(after)
+    : RyStateChange(name, before, after)
     , m_restore(restore)
 {}
 
 CutStep::~CutStep()
 {
-    QThreadPool::globalInstance()->start(
-            [before = std::move(m_before), after = std::move(m_after)] {});
+    QThreadPool::globalInstance()->start([states = takeStates()] {});
 }
 
-void CutStep::compact()
+CutState CutStep::compacted(const CutState &state) const
 {
-    CutState before = locked(m_before);
-    CutState after = locked(m_after);
-    try {
-        before = compacted(before);
-        after = compacted(after);
-    } catch (const std::bad_alloc &) {
-        return; // as they are, they take more memory, and serve as well
-    }
-    const QMutexLocker lock(&m_mutex);
-    std::swap(m_before, before); // what is replaced goes after the lock
-    std::swap(m_after, after);
+    CutState result = state;
+    if (state.memento)
+        result.memento = state.memento->compacted();
+    return result;
 }
 
 /// Regions count for the step that brings new ones; all others share them.
 qint64 CutStep::sizeInBytes() const
 {
-    const CutState before = locked(m_before);
-    const CutState after = locked(m_after);
-    const qint64 masks = maskBytes(before) + maskBytes(after);
-    return sharesRegions(before, after) ? masks : masks + regionBytes(after);
-}
-
-void CutStep::undoCore()
-{
-    m_restore(locked(m_before));
-}
-
-void CutStep::doCoreAction()
-{
-    m_restore(locked(m_after));
-}
-
-CutState CutStep::locked(const CutState &state) const
-{
-    const QMutexLocker lock(&m_mutex);
-    return state;
+    const States kept = states();
+    const qint64 masks =
+            maskBytes(kept.before, kept.areCompact) + maskBytes(kept.after, kept.areCompact);
+    return sharesRegions(kept.before, kept.after) ? masks : masks + regionBytes(kept.after);
 }

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "RyUndoCommand.h"
+#include "RyStateChange.h"
 #include "document/CutState.h"
-
-#include <QMutex>
 
 #include <functional>
 
@@ -12,7 +10,7 @@
  *
  * Threads  compact() any thread, everything else the GUI thread.
  */
-class CutStep : public RyUndoCommand
+class CutStep : public RyStateChange<CutState>
 {
 public:
     using Restore = std::function<void(const CutState &)>;
@@ -23,19 +21,12 @@ public:
     /// size take 40 ms.
     ~CutStep() override;
 
-    /// Keeps the masks in less memory from now on; takes time in proportion to their size.
-    void compact();
     qint64 sizeInBytes() const override;
 
 protected:
-    void undoCore() override;
-    void doCoreAction() override;
+    CutState compacted(const CutState &state) const override;
+    void restore(const CutState &state) override { m_restore(state); }
 
 private:
-    CutState locked(const CutState &state) const;
-
-    mutable QMutex m_mutex; // guards both states
-    CutState m_before;
-    CutState m_after;
     const Restore m_restore;
 };
