@@ -5,6 +5,7 @@
 #include "document/EditedMask.h"
 
 #include <algorithm>
+#include <new>
 
 namespace {
 
@@ -26,20 +27,15 @@ QImage asBackground(const QImage &alpha)
 EdgePreview::EdgePreview(const Document &document, QObject *parent)
     : QObject(parent)
     , m_document(document)
+    , m_lane(BackgroundLane::Keeps::Newest)
 {
     constexpr int delayMs = 25;
-    m_pool.setMaxThreadCount(1); // what was given up ends before the next begins
     m_delay.setSingleShot(true);
     m_delay.setInterval(delayMs);
     connect(&m_delay, &QTimer::timeout, this, &EdgePreview::start);
     connect(&document, &Document::maskChanged, this, &EdgePreview::takeMask);
     connect(&document, &Document::pictureChanged, this, &EdgePreview::takeMask);
     connect(&document, &Document::edgeSettingsChanged, this, &EdgePreview::takeSettings);
-}
-
-EdgePreview::~EdgePreview()
-{
-    m_stop.request_stop();
 }
 
 /// Whose colours are to be seen.
@@ -62,7 +58,7 @@ void EdgePreview::setShowsColours(bool shows)
     }
     m_rim = 0; // the mask is the same
     if (isNeeded())
-        show(m_mask, {});
+        show({m_edge.mask, {}});
     else
         takeMask();
 }
@@ -71,7 +67,7 @@ void EdgePreview::takeMask()
 {
     if (!isNeeded()) {
         giveUp();
-        show(m_document.mask(), {});
+        show({m_document.mask(), {}});
     } else if (!m_delay.isActive()) {
         m_delay.start();
     }
@@ -90,49 +86,39 @@ void EdgePreview::takeSettings()
 
 void EdgePreview::giveUp()
 {
-    ++m_request;
-    m_stop.request_stop();
-    m_stop = {};
-    m_pool.clear();
+    m_lane.cancel();
     m_delay.stop();
-    m_isWorking = false;
-    m_isOutdated = false;
 }
 
 void EdgePreview::start()
 {
-    m_isOutdated = m_isWorking;
-    if (m_isWorking)
-        return;
-    m_isWorking = true;
-    m_pool.start([this, request = m_request, source = m_document.cutoutSource(), rim = m_rim,
-                  stop = m_stop.get_token()] {
-        const CutoutMask cutout = EditedMask::make(source, stop);
-        const QImage mask = asBackground(cutout.alpha);
-        ImagePyramid colours;
-        if (rim > 0 && !mask.isNull() && !stop.stop_requested())
-            colours = ImagePyramid::ofPhotograph(
-                    EdgeColours::cleaned(source.opened.picture, cutout, rim));
-        QMetaObject::invokeMethod(
-                this, [this, request, mask, colours] { finish(request, mask, colours); },
-                Qt::QueuedConnection);
-    });
+    const auto work = [source = m_document.cutoutSource(), rim = m_rim](
+                              const std::stop_token &stop) { return edited(source, rim, stop); };
+    const auto showEdited = [this](const Edge &edge) {
+        show({edge.mask, m_rim > 0 ? edge.colours : ImagePyramid()});
+    };
+    const auto showUnedited = [this](const QString &) { show({m_document.mask(), {}}); };
+    m_lane.run(work, showEdited, showUnedited); // better a mask as it was than none
 }
 
-void EdgePreview::finish(quint64 request, const QImage &mask, const ImagePyramid &colours)
+/// The lane's thread.
+EdgePreview::Edge EdgePreview::edited(const CutoutSource &source, int rimPixels,
+                                      const std::stop_token &stop)
 {
-    if (request != m_request)
-        return;
-    m_isWorking = false;
-    if (m_isOutdated)
-        start();
-    show(mask.isNull() ? m_document.mask() : mask, // without memory, better this than none
-         m_rim > 0 ? colours : ImagePyramid());
+    const CutoutMask cutout = EditedMask::make(source, stop);
+    if (stop.stop_requested())
+        return {};
+    Edge edge{asBackground(cutout.alpha), {}};
+    if (edge.mask.isNull())
+        throw std::bad_alloc();
+    if (rimPixels > 0)
+        edge.colours = ImagePyramid::ofPhotograph(
+                EdgeColours::cleaned(source.opened.picture, cutout, rimPixels));
+    return edge;
 }
 
-void EdgePreview::show(const QImage &mask, const ImagePyramid &colours)
+void EdgePreview::show(const Edge &edge)
 {
-    m_mask = mask;
-    m_colours = colours;
+    m_edge = edge;
     Q_EMIT changed();
 }

@@ -1,16 +1,15 @@
 #pragma once
 
+#include "background/BackgroundLane.h"
 #include "cutout/EdgeOptions.h"
 #include "document/ImagePyramid.h"
 
 #include <QImage>
 #include <QObject>
-#include <QThreadPool>
 #include <QTimer>
 
-#include <stop_token>
-
 class Document;
+struct CutoutSource;
 
 /**
  * The mask as a document's edge settings change it, and the colours along it, made beside the event
@@ -26,40 +25,40 @@ class EdgePreview : public QObject
 public:
     /// The document is borrowed.
     explicit EdgePreview(const Document &document, QObject *parent = nullptr);
-    ~EdgePreview() override;
 
     /// Opaque where the background is. At the picture's size and in Format_Alpha8, or the session's
     /// own when nothing changes it; null without a cut.
-    QImage mask() const { return m_mask; }
+    QImage mask() const { return m_edge.mask; }
     /// The picture with a clean edge, where that was asked for and differs; else null.
-    ImagePyramid colours() const { return m_colours; }
+    ImagePyramid colours() const { return m_edge.colours; }
     /// Colours take time as well, and only some views show them.
     void setShowsColours(bool shows);
-    bool isUpToDate() const { return !m_isWorking && !m_delay.isActive(); }
+    bool isUpToDate() const { return !m_lane.isBusy() && !m_delay.isActive(); }
 
 Q_SIGNALS:
     void changed(); ///< mask or colours
 
 private:
+    struct Edge
+    {
+        QImage mask;
+        ImagePyramid colours;
+    };
+
+    static Edge edited(const CutoutSource &source, int rimPixels, const std::stop_token &stop);
     int rimPixels() const;
     bool isNeeded() const;
     void takeMask();
     void takeSettings();
     void giveUp();
     void start();
-    void finish(quint64 request, const QImage &mask, const ImagePyramid &colours);
-    void show(const QImage &mask, const ImagePyramid &colours);
+    void show(const Edge &edge);
 
     const Document &m_document;
-    QImage m_mask;
-    ImagePyramid m_colours;
+    Edge m_edge;
     bool m_showsColours = false;
     EdgeOptions m_edges; // last heard of
     int m_rim = 0;       // of what is being made, or was
     QTimer m_delay;      // several changes at once are answered once
-    quint64 m_request = 0;
-    bool m_isWorking = false;
-    bool m_isOutdated = false; // what is worked on
-    std::stop_source m_stop;
-    QThreadPool m_pool; // last: its tasks end before anything else goes
+    BackgroundLane m_lane;
 };

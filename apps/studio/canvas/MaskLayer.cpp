@@ -1,10 +1,8 @@
 #include "canvas/MaskLayer.h"
 
-#include <QtConcurrent>
-
 #include <algorithm>
 #include <cstring>
-#include <utility>
+#include <iterator>
 
 namespace {
 
@@ -34,49 +32,31 @@ QRect difference(const QImage &a, const QImage &b)
 
 MaskLayer::MaskLayer(QObject *parent)
     : QObject(parent)
+    , m_lane(BackgroundLane::Keeps::Newest)
 {}
-
-MaskLayer::~MaskLayer()
-{
-    m_work.waitForFinished();
-}
 
 void MaskLayer::setMask(const QImage &mask)
 {
-    if (m_isWorking)
-        m_next = mask;
-    else
-        start(mask);
-}
-
-void MaskLayer::start(const QImage &mask)
-{
-    m_isWorking = true;
-    m_work = QtConcurrent::run([this, pyramid = m_pyramid, mask] {
-        const Result result = takenIn(pyramid, mask);
-        QMetaObject::invokeMethod(
-                this, [this, result] { finish(result); }, Qt::QueuedConnection);
+    const auto work = [this, mask](const std::stop_token &) { return takeIn(mask); };
+    m_lane.run(work, [this](const Result &result) {
+        m_pyramid = result.pyramid;
+        Q_EMIT changed(result.changedArea);
     });
 }
 
-MaskLayer::Result MaskLayer::takenIn(ImagePyramid pyramid, const QImage &mask)
+/// The lane's thread.
+MaskLayer::Result MaskLayer::takeIn(const QImage &mask)
 {
-    if (mask.isNull())
-        return {ImagePyramid(), QRect(QPoint(), pyramid.size())};
-    if (mask.size() != pyramid.size() || mask.format() != pyramid.picture().format())
-        return {ImagePyramid(mask), mask.rect()};
-    const QRect area = mask.format() == QImage::Format_Alpha8
-                               ? difference<uchar>(pyramid.picture(), mask)
-                               : difference<QRgb>(pyramid.picture(), mask);
-    pyramid.replace(mask, area);
-    return {pyramid, area};
-}
-
-void MaskLayer::finish(const Result &result)
-{
-    m_pyramid = result.pyramid;
-    m_isWorking = false;
-    if (const std::optional<QImage> next = std::exchange(m_next, {}))
-        start(*next);
-    Q_EMIT changed(result.changedArea);
+    QRect area = mask.rect();
+    if (mask.isNull()) {
+        area = QRect(QPoint(), m_latest.size());
+        m_latest = {};
+    } else if (mask.size() != m_latest.size() || mask.format() != m_latest.picture().format()) {
+        m_latest = ImagePyramid(mask);
+    } else {
+        area = mask.format() == QImage::Format_Alpha8 ? difference<uchar>(m_latest.picture(), mask)
+                                                      : difference<QRgb>(m_latest.picture(), mask);
+        m_latest.replace(mask, area);
+    }
+    return {m_latest, area};
 }

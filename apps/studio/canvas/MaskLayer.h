@@ -1,13 +1,11 @@
 #pragma once
 
+#include "background/BackgroundLane.h"
 #include "document/ImagePyramid.h"
 
-#include <QFuture>
 #include <QImage>
 #include <QObject>
 #include <QRect>
-
-#include <optional>
 
 /**
  * The cut's mask as the canvas draws it. Masks are taken in beside the event loop; of those that
@@ -21,13 +19,12 @@ class MaskLayer : public QObject
 
 public:
     explicit MaskLayer(QObject *parent = nullptr);
-    ~MaskLayer() override;
 
     /// As sessions send it, or in Format_Alpha8; null without a cut.
     void setMask(const QImage &mask);
     const ImagePyramid &pyramid() const { return m_pyramid; }
     /// True when the last mask has been taken in.
-    bool isUpToDate() const { return !m_isWorking; }
+    bool isUpToDate() const { return !m_lane.isBusy(); }
 
 Q_SIGNALS:
     void changed(const QRect &area); ///< in pixels of the mask
@@ -39,12 +36,9 @@ private:
         QRect changedArea;
     };
 
-    static Result takenIn(ImagePyramid pyramid, const QImage &mask);
-    void start(const QImage &mask);
-    void finish(const Result &result);
+    Result takeIn(const QImage &mask);
 
     ImagePyramid m_pyramid;
-    std::optional<QImage> m_next;
-    bool m_isWorking = false;
-    QFuture<void> m_work;
+    ImagePyramid m_latest; // the lane's: what the next mask differs from
+    BackgroundLane m_lane; // last: its work uses that
 };

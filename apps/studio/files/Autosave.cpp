@@ -46,6 +46,7 @@ Autosave::Autosave(Document &document, QObject *parent)
     : QObject(parent)
     , m_document(document)
     , m_name(QUuid::createUuid().toString(QUuid::WithoutBraces))
+    , m_locking(BackgroundLane::Keeps::Newest)
 {
     m_timer.setSingleShot(true);
     m_timer.setInterval(interval);
@@ -108,20 +109,22 @@ void Autosave::write()
 /// Beside the event loop, for a lock is written through to the disk. What is to be kept follows.
 void Autosave::lock()
 {
-    if (std::exchange(m_isLocking, true))
+    if (m_locking.isBusy())
         return;
-    m_pool.start([this, name = m_name] {
+    const auto work = [name = m_name](const std::stop_token &) {
         std::shared_ptr<QLockFile> lock = lockFor(name);
         if (!QDir().mkpath(StateFolder::path()) || !lock->tryLock())
             lock.reset();
-        QMetaObject::invokeMethod(
-                this, [this, name, lock] { takeLock(name, lock); }, Qt::QueuedConnection);
-    });
+        return lock;
+    };
+    const auto take = [this, name = m_name](const std::shared_ptr<QLockFile> &lock) {
+        takeLock(name, lock);
+    };
+    m_locking.run(work, take);
 }
 
 void Autosave::takeLock(const QString &name, const std::shared_ptr<QLockFile> &lock)
 {
-    m_isLocking = false;
     if (!lock) {
         complain(tr("Unsaved work cannot be kept in “%1”.").arg(StateFolder::path()));
     } else if (!m_lock && name == m_name) {

@@ -5,7 +5,6 @@
 #include <QLockFile>
 #include <QObject>
 #include <QStringList>
-#include <QThreadPool>
 #include <QTimer>
 
 #include <map>
@@ -50,11 +49,10 @@ private:
     Document &m_document;
     QString m_name;                    // of this program's files, without suffix
     std::shared_ptr<QLockFile> m_lock; // while there is something to keep
-    bool m_isLocking = false;
     std::map<QString, std::unique_ptr<QLockFile>> m_takenOver; // by name
     bool m_isWanted = false;                                   // what has been or is being written
     bool m_hasComplained = false;
     QTimer m_timer;
     SessionSaver m_saver;
-    QThreadPool m_pool; // last: its tasks end before anything else goes
+    BackgroundLane m_locking;
 };

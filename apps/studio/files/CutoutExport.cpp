@@ -1,15 +1,17 @@
 #include "files/CutoutExport.h"
 
+#include "cutout/AppError.h"
 #include "cutout/MaskImage.h"
 #include "cutout/MaskOutline.h"
 #include "cutout/PictureEncoder.h"
 #include "cutout/SvgOutline.h"
 #include "document/EditedMask.h"
-#include "files/ExportError.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QSaveFile>
+
+#include <new>
 
 namespace {
 
@@ -21,7 +23,7 @@ QString tr(const char *text)
 void throwIfStopped(const std::stop_token &stop)
 {
     if (stop.stop_requested())
-        throw ExportError(tr("it was cancelled"));
+        throw AppError(tr("it was cancelled"));
 }
 
 CutoutMask objectMask(const CutoutSource &source, const std::stop_token &stop)
@@ -29,9 +31,9 @@ CutoutMask objectMask(const CutoutSource &source, const std::stop_token &stop)
     const CutoutMask mask = EditedMask::make(source, stop);
     throwIfStopped(stop);
     if (mask.alpha.isNull())
-        throw ExportError(tr("there is too little memory"));
+        throw std::bad_alloc();
     if (MaskImage::objectBox(mask.alpha).isEmpty())
-        throw ExportError(tr("nothing is left of the object"));
+        throw AppError(tr("nothing is left of the object"));
     return mask;
 }
 
@@ -40,7 +42,7 @@ QImage composed(const CutoutSource &source, const CutoutMask &mask,
 {
     const QImage image = CutoutPicture::compose(source.opened.picture, mask, options);
     if (image.isNull())
-        throw ExportError(tr("there is too little memory"));
+        throw std::bad_alloc();
     return image;
 }
 
@@ -54,7 +56,7 @@ void writePng(QIODevice &device, const QImage &image)
 {
     const QString problem = PictureEncoder::encode(device, image, "png");
     if (!problem.isEmpty())
-        throw ExportError(problem);
+        throw AppError(problem);
 }
 
 } // namespace
@@ -71,10 +73,10 @@ void CutoutExport::write(const QString &fileName, ExportKind kind, const CutoutS
     // A device or a pipe would be replaced by a file of the same name.
     const QFileInfo present(fileName);
     if (present.exists() && !present.isFile())
-        throw ExportError(tr("there is something of this name that is not a file"));
+        throw AppError(tr("there is something of this name that is not a file"));
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly))
-        throw ExportError(file.errorString());
+        throw AppError(file.errorString());
     const CutoutMask mask = objectMask(source, stop);
     switch (kind) {
     case ExportKind::Cutout:
@@ -89,5 +91,5 @@ void CutoutExport::write(const QString &fileName, ExportKind kind, const CutoutS
     }
     throwIfStopped(stop);
     if (!file.commit())
-        throw ExportError(file.errorString());
+        throw AppError(file.errorString());
 }

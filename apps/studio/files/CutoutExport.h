@@ -12,7 +12,7 @@
 /**
  * Makes what leaves the program, at the picture's full size.
  *
- * Errors   ExportError, also once a stop was requested.
+ * Errors   AppError, also once a stop was requested, and std::bad_alloc.
  * Threads  any thread; takes time in proportion to the picture.
  */
 namespace CutoutExport {

@@ -1,5 +1,6 @@
 #include "files/PictureLoader.h"
 
+#include "cutout/AppError.h"
 #include "cutout/PictureDecoder.h"
 #include "cutout/PictureError.h"
 #include "files/StateFolder.h"
@@ -14,12 +15,11 @@ namespace {
 
 OpenedPicture decodeFile(const QString &fileName)
 {
-    const auto fail = [](const QString &reason) { throw PictureError(reason); };
     if (QFileInfo(fileName).isDir())
-        fail(PictureLoader::tr("it is a folder"));
+        throw AppError(PictureLoader::tr("it is a folder"));
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
-        fail(file.errorString());
+        throw AppError(file.errorString());
     QCryptographicHash hash(QCryptographicHash::Sha256);
     hash.addData(&file);
     file.seek(0);
@@ -51,14 +51,9 @@ void prepareForWork(OpenedPicture &opened, int longestSide)
 
 PictureLoader::PictureLoader(QObject *parent)
     : QObject(parent)
+    , m_lane(BackgroundLane::Keeps::Newest)
 {
-    m_pool.setMaxThreadCount(1); // two large pictures at once would need twice the memory
-}
-
-PictureLoader::~PictureLoader()
-{
-    m_pool.clear();
-    m_pool.waitForDone();
+    connect(&m_lane, &BackgroundLane::isBusyChanged, this, &PictureLoader::isLoadingChanged);
 }
 
 QString PictureLoader::titleOf(const QString &fileName)
@@ -78,52 +73,22 @@ void PictureLoader::load(const QImage &image)
     start(titleOf({}), [image] { return fromImage(image); });
 }
 
-void PictureLoader::cancel()
-{
-    ++m_request;
-    m_pool.clear();
-    setLoading(false);
-}
-
 void PictureLoader::start(const QString &title, const Decode &decode)
 {
-    m_pool.clear();
-    const quint64 request = ++m_request;
-    setLoading(true);
-    m_pool.start([this, request, title, decode, longestSide = m_longestSide] {
-        const auto fail = [&](const QString &reason) {
-            const QString sentence = tr("“%1” cannot be opened: %2.").arg(title, reason);
-            finish(request, [this, sentence] { Q_EMIT failed(sentence); });
-        };
+    m_lane.cancel();
+    const auto open = [title, decode, longestSide = m_longestSide](const std::stop_token &) {
         try {
             OpenedPicture opened = decode();
             prepareForWork(opened, longestSide);
             opened.title = title;
-            finish(request, [this, opened] { Q_EMIT loaded(opened); });
+            return opened;
         } catch (const PictureError &error) {
-            fail(error.reason());
-        } catch (const std::bad_alloc &) {
-            fail(tr("there is too little memory"));
+            throw AppError(error.reason());
         }
-    });
-}
-
-/// Any thread. Tells in the GUI thread, unless there is a newer request by then.
-void PictureLoader::finish(quint64 request, const std::function<void()> &tell)
-{
-    const auto deliver = [this, request, tell] {
-        if (request != m_request)
-            return;
-        setLoading(false);
-        tell();
     };
-    QMetaObject::invokeMethod(this, deliver, Qt::QueuedConnection);
-}
-
-void PictureLoader::setLoading(bool isLoading)
-{
-    if (m_isLoading == isLoading)
-        return;
-    m_isLoading = isLoading;
-    Q_EMIT isLoadingChanged(isLoading);
+    const auto tell = [this](const OpenedPicture &opened) { Q_EMIT loaded(opened); };
+    const auto fail = [this, title](const QString &reason) {
+        Q_EMIT failed(tr("“%1” cannot be opened: %2.").arg(title, reason));
+    };
+    m_lane.run(open, tell, fail);
 }

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "background/BackgroundLane.h"
 #include "document/OpenedPicture.h"
 
 #include <QImage>
 #include <QObject>
 #include <QString>
-#include <QThreadPool>
 
 #include <functional>
 
@@ -20,7 +20,6 @@ class PictureLoader : public QObject
 
 public:
     explicit PictureLoader(QObject *parent = nullptr);
-    ~PictureLoader() override;
 
     /// A longest side of 0 cuts pictures at their full size.
     void setLongestSide(int pixels) { m_longestSide = pixels; }
@@ -31,8 +30,8 @@ public:
     void load(const QString &fileName);
     /// A picture without a file.
     void load(const QImage &image);
-    bool isLoading() const { return m_isLoading; }
-    void cancel(); ///< nothing comes any more
+    bool isLoading() const { return m_lane.isBusy(); }
+    void cancel() { m_lane.cancel(); } ///< nothing comes any more
 
 Q_SIGNALS:
     void isLoadingChanged(bool isLoading);
@@ -43,11 +42,7 @@ private:
     using Decode = std::function<OpenedPicture()>;
 
     void start(const QString &title, const Decode &decode);
-    void finish(quint64 request, const std::function<void()> &tell);
-    void setLoading(bool isLoading);
 
     int m_longestSide = 0;
-    quint64 m_request = 0;
-    bool m_isLoading = false;
-    QThreadPool m_pool; // last: its tasks end before anything else goes
+    BackgroundLane m_lane; // two large pictures at once would need twice the memory
 };

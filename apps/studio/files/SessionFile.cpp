@@ -1,7 +1,7 @@
 #include "files/SessionFile.h"
 
+#include "cutout/AppError.h"
 #include "cutout/PictureEncoder.h"
-#include "files/SessionError.h"
 #include "files/StateFolder.h"
 #include "gestures/GestureFileError.h"
 #include "gestures/GestureHistory.h"
@@ -64,7 +64,7 @@ void writeFile(const QString &fileName, const QByteArray &content)
     const bool isWritten = file.open(QIODevice::WriteOnly) &&
                            file.write(content) == content.size() && file.commit();
     if (!isWritten)
-        throw SessionError(file.errorString());
+        throw AppError(file.errorString());
 }
 
 QByteArray encoded(const QImage &picture)
@@ -73,7 +73,7 @@ QByteArray encoded(const QImage &picture)
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     if (const QString error = PictureEncoder::encode(buffer, picture, "png"); !error.isEmpty())
-        throw SessionError(error);
+        throw AppError(error);
     return bytes;
 }
 
@@ -136,7 +136,7 @@ private:
     static void require(bool isFound)
     {
         if (!isFound)
-            throw SessionError(tr("one of its wires does not find its way on this picture"));
+            throw AppError(tr("one of its wires does not find its way on this picture"));
     }
 
     const OpenedPicture &m_picture;
@@ -170,14 +170,14 @@ SessionFile::Contents SessionFile::read(const QString &fileName)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
-        throw SessionError(file.errorString());
+        throw AppError(file.errorString());
     try {
         Contents contents;
         contents.file = GestureFile::parse(file.readAll(), QFileInfo(fileName).fileName());
         contents.pictureFile = findPicture(QFileInfo(fileName), contents.file.pictureFile);
         return contents;
     } catch (const GestureFileError &error) {
-        throw SessionError(error.message());
+        throw AppError(error.message());
     }
 }
 
@@ -198,14 +198,14 @@ QString SessionFile::pictureFile(const QString &fileName)
 }
 
 QList<ReplayStep> SessionFile::steps(const GestureFile &file, const OpenedPicture &picture,
-                                     const std::atomic_bool &isCancelled)
+                                     const std::stop_token &stop)
 {
     QList<ReplayStep> steps;
     WireLayer wires(picture);
     QList<Gesture> methods{Gesture(Gesture::Method())}; // of the cut that comes next
     const auto recorded = GestureHistory::inSteps(GestureHistory::withoutUndo(file.gestures));
     for (const QList<Gesture> &gestures : recorded) {
-        if (isCancelled)
+        if (stop.stop_requested())
             break;
         const Gesture &last = gestures.last();
         if (isOfAWire(last)) {

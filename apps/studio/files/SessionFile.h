@@ -9,12 +9,12 @@
 #include <QList>
 #include <QString>
 
-#include <atomic>
+#include <stop_token>
 
 /**
  * Session files as the studio writes and reads them. docs/sessions.md has the format.
  *
- * Errors   thrown as SessionError.
+ * Errors   thrown as AppError.
  * Threads  any; everything blocks its caller.
  */
 namespace SessionFile {
@@ -36,10 +36,10 @@ Contents read(const QString &fileName);
 /// none. Reads no more than that takes.
 QString pictureFile(const QString &fileName);
 
-/// What leads to the file's cut, ready to be played on the picture. True in the flag ends it early,
-/// with whatever there is by then.
+/// What leads to the file's cut, ready to be played on the picture. Once a stop is requested, whatever
+/// there is by then.
 QList<ReplayStep> steps(const GestureFile &file, const OpenedPicture &picture,
-                        const std::atomic_bool &isCancelled);
+                        const std::stop_token &stop);
 
 struct Saved
 {

@@ -1,15 +1,13 @@
 #include "files/SessionOpener.h"
 
-#include "files/SessionError.h"
-
 #include <QDir>
 
-#include <new>
+#include <utility>
 
 SessionOpener::SessionOpener(QObject *parent)
     : QObject(parent)
+    , m_lane(BackgroundLane::Keeps::Newest)
 {
-    m_pool.setMaxThreadCount(1);
     connect(&m_loader, &PictureLoader::loaded, this, &SessionOpener::check);
     connect(&m_loader, &PictureLoader::failed, this, [this](const QString &sentence) {
         cancel();
@@ -17,30 +15,24 @@ SessionOpener::SessionOpener(QObject *parent)
     });
 }
 
-SessionOpener::~SessionOpener()
-{
-    disconnect();
-    cancel();
-    m_pool.waitForDone();
-}
-
 void SessionOpener::open(const QString &fileName, int longestSide)
 {
     cancel();
-    m_isCancelled = std::make_shared<std::atomic_bool>(false);
     m_fileName = fileName;
     m_longestSide = longestSide;
     setOpening(true);
-    run([this, fileName] {
-        const SessionFile::Contents contents = SessionFile::read(fileName);
-        return [this, contents] {
-            m_contents = contents;
-            if (contents.pictureFile.isEmpty())
-                Q_EMIT pictureNeeded();
-            else
-                takePicture(contents.pictureFile);
-        };
-    });
+    m_lane.run([fileName](const std::stop_token &) { return SessionFile::read(fileName); },
+               [this](const SessionFile::Contents &contents) { take(contents); },
+               [this](const QString &reason) { fail(reason); });
+}
+
+void SessionOpener::take(const SessionFile::Contents &contents)
+{
+    m_contents = contents;
+    if (contents.pictureFile.isEmpty())
+        Q_EMIT pictureNeeded();
+    else
+        takePicture(contents.pictureFile);
 }
 
 void SessionOpener::takePicture(const QString &fileName)
@@ -63,53 +55,31 @@ void SessionOpener::check(const OpenedPicture &picture)
 
 void SessionOpener::accept()
 {
-    const auto prepare = [this, file = m_contents.file, picture = m_picture,
-                          isCancelled = m_isCancelled] {
-        const QList<ReplayStep> steps = SessionFile::steps(file, picture, *isCancelled);
-        return [this, picture, steps, edges = EdgeSettings::of(file.edges)] {
-            setOpening(false);
-            m_picture = {};
-            Q_EMIT opened(picture, steps, edges);
-        };
+    const auto prepare = [file = m_contents.file,
+                          picture = m_picture](const std::stop_token &stop) {
+        return SessionFile::steps(file, picture, stop);
     };
-    run(prepare);
+    const auto tell = [this](const QList<ReplayStep> &steps) {
+        setOpening(false);
+        const OpenedPicture picture = std::exchange(m_picture, {});
+        Q_EMIT opened(picture, steps, EdgeSettings::of(m_contents.file.edges));
+    };
+    m_lane.run(prepare, tell, [this](const QString &reason) { fail(reason); });
 }
 
 void SessionOpener::cancel()
 {
-    if (m_isCancelled)
-        *m_isCancelled = true;
+    m_lane.cancel();
     m_loader.cancel();
     m_picture = {};
     setOpening(false);
 }
 
-/// The work is done by the pool and returns what is to be done then, in the GUI thread.
-void SessionOpener::run(const Work &work)
+void SessionOpener::fail(const QString &reason)
 {
-    m_pool.start([this, work, isCancelled = m_isCancelled, fileName = m_fileName] {
-        std::function<void()> then;
-        const auto fail = [&](const QString &reason) {
-            const QString sentence = tr("“%1” cannot be opened: %2.")
-                                             .arg(QDir::toNativeSeparators(fileName), reason);
-            then = [this, sentence] {
-                cancel();
-                Q_EMIT failed(sentence);
-            };
-        };
-        try {
-            then = work();
-        } catch (const SessionError &error) {
-            fail(error.reason());
-        } catch (const std::bad_alloc &) {
-            fail(tr("there is too little memory"));
-        }
-        const auto deliver = [then, isCancelled] {
-            if (!*isCancelled)
-                then();
-        };
-        QMetaObject::invokeMethod(this, deliver, Qt::QueuedConnection);
-    });
+    cancel();
+    Q_EMIT failed(
+            tr("“%1” cannot be opened: %2.").arg(QDir::toNativeSeparators(m_fileName), reason));
 }
 
 void SessionOpener::setOpening(bool isOpening)

@@ -4,11 +4,6 @@
 #include "files/SessionFile.h"
 
 #include <QObject>
-#include <QThreadPool>
-
-#include <atomic>
-#include <functional>
-#include <memory>
 
 /**
  * Opens a session file beside the event loop: reads it, finds and decodes its picture, lays its
@@ -22,7 +17,6 @@ class SessionOpener : public QObject
 
 public:
     explicit SessionOpener(QObject *parent = nullptr);
-    ~SessionOpener() override;
 
     /// The longest side is for files that do not tell any.
     void open(const QString &fileName, int longestSide);
@@ -43,10 +37,9 @@ Q_SIGNALS:
     void failed(const QString &sentence);
 
 private:
-    using Work = std::function<std::function<void()>()>;
-
-    void run(const Work &work);
+    void take(const SessionFile::Contents &contents);
     void check(const OpenedPicture &picture);
+    void fail(const QString &reason);
     void setOpening(bool isOpening);
 
     PictureLoader m_loader;
@@ -55,6 +48,5 @@ private:
     SessionFile::Contents m_contents;
     OpenedPicture m_picture;
     bool m_isOpening = false;
-    std::shared_ptr<std::atomic_bool> m_isCancelled; // of the newest request, whose tasks share it
-    QThreadPool m_pool; // last: its tasks end before anything else goes
+    BackgroundLane m_lane;
 };

@@ -1,11 +1,9 @@
 #pragma once
 
+#include "background/BackgroundLane.h"
 #include "files/SessionFile.h"
 
 #include <QObject>
-#include <QThreadPool>
-
-#include <functional>
 
 /**
  * Writes session files beside the event loop, one after the other.
@@ -18,14 +16,13 @@ class SessionSaver : public QObject
 
 public:
     explicit SessionSaver(QObject *parent = nullptr);
-    ~SessionSaver() override; ///< what is begun is written first
 
     /// Returns the number that the answer bears, from 1 on. A picture without a file that stays is
     /// encoded once, however often it is saved before its document knows of the file.
     quint64 save(const QString &fileName, const QList<Gesture> &gestures, const EdgeSettings &edges,
                  const OpenedPicture &picture);
-    bool isSaving() const { return m_tasks > 0; }
-    void waitForDone() { m_pool.waitForDone(); } ///< nothing is told any sooner
+    bool isSaving() const { return m_lane.isBusy(); }
+    void waitForDone() { m_lane.waitForDone(); } ///< nothing is told any sooner
 
 Q_SIGNALS:
     void saved(quint64 number, const SessionFile::Saved &result);
@@ -34,11 +31,9 @@ Q_SIGNALS:
 private:
     SessionFile::Saved write(const QString &fileName, const QList<Gesture> &gestures,
                              const EdgeSettings &edges, OpenedPicture picture);
-    void finish(const std::function<void()> &tell);
 
     quint64 m_lastNumber = 0;
-    int m_tasks = 0;
-    SessionFile::Saved m_written; // the last one; the pool's, as the next one
+    SessionFile::Saved m_written; // the last one; the lane's, as the next one
     qint64 m_writtenPicture = 0;  // its cache key
-    QThreadPool m_pool;           // last: its tasks end before anything else goes
+    BackgroundLane m_lane;        // last: its work uses others
 };

@@ -13,8 +13,8 @@ constexpr QColor defaultMaskColor{24, 100, 220, 150};
 } // namespace
 
 StudioSettings::StudioSettings()
+    : m_lane(BackgroundLane::Keeps::All)
 {
-    m_pool.setMaxThreadCount(1); // of two writes, the later one must win
     StudioSettings::loadSettings();
 }
 
@@ -106,7 +106,7 @@ int StudioSettings::longestSideForCutting()
 
 void StudioSettings::loadSettings()
 {
-    m_pool.waitForDone();
+    m_lane.waitForDone();
     const RySettingsLock lock;
     beginGroup(group);
     load(&m_items.regionBrushWidth);
@@ -120,14 +120,14 @@ void StudioSettings::loadSettings()
 
 void StudioSettings::saveSettings()
 {
-    m_pool.start([this, items = m_items] {
+    const auto work = [this, items = m_items](const std::stop_token &) {
         write(items);
-        QMetaObject::invokeMethod(
-                this, [this, error = saveError()] { Q_EMIT saved(error); }, Qt::QueuedConnection);
-    });
+        return saveError();
+    };
+    m_lane.run(work, [this](const QString &error) { Q_EMIT saved(error); });
 }
 
-/// The pool's thread. Items that were changed here count as changed until they are written.
+/// The lane's thread. Items that were changed here count as changed until they are written.
 void StudioSettings::write(const Items &items)
 {
     const RySettingsLock lock;

@@ -3,13 +3,13 @@
 #include "RyConfigItem.h"
 #include "RySettings.h"
 #include "RySingleton.h"
+#include "background/BackgroundLane.h"
 
 #include <QColor>
 #include <QKeySequence>
 #include <QMap>
 #include <QString>
 #include <QStringList>
-#include <QThreadPool>
 
 /**
  * What the program remembers from one start to the next.
@@ -73,6 +73,6 @@ private:
     void write(const Items &items);
 
     Items m_items;
-    Items m_written;    // those of the thread that writes them
-    QThreadPool m_pool; // last: its task uses all the others
+    Items m_written;       // the lane's
+    BackgroundLane m_lane; // last: its work uses all the others
 };

@@ -47,20 +47,16 @@ QPolygonF reversed(QPolygonF line)
 
 WireEditor::WireEditor(QObject *parent)
     : QObject(parent)
+    , m_lane(BackgroundLane::Keeps::Newest)
 {
     for (WireSearch *const search : {&m_ahead, &m_behind})
         connect(search, &WireSearch::advanced, this, &WireEditor::goOn);
 }
 
-WireEditor::~WireEditor()
-{
-    m_pool.waitForDone();
-}
-
 void WireEditor::setPicture(const QImage &picture)
 {
     clear();
-    ++m_pictures;
+    m_lane.cancel();
     m_picture = picture;
     m_size = picture.size();
     m_ahead.setEdges({});
@@ -71,18 +67,14 @@ void WireEditor::prepare()
 {
     if (m_picture.isNull())
         return;
-    const auto make = [this, picture = std::exchange(m_picture, {}), number = m_pictures] {
-        const QImage edges = RyScissorsEdgePicture::edgePicture(picture);
-        QMetaObject::invokeMethod(
-                this, [this, edges, number] { takeEdges(edges, number); }, Qt::QueuedConnection);
+    const auto make = [picture = std::exchange(m_picture, {})](const std::stop_token &) {
+        return RyScissorsEdgePicture::edgePicture(picture);
     };
-    m_pool.start(make);
+    m_lane.run(make, [this](const QImage &edges) { takeEdges(edges); });
 }
 
-void WireEditor::takeEdges(const QImage &edges, quint64 picture)
+void WireEditor::takeEdges(const QImage &edges)
 {
-    if (picture != m_pictures)
-        return;
     m_ahead.setEdges(edges);
     m_behind.setEdges(edges);
     goOn();

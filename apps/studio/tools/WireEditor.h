@@ -1,5 +1,6 @@
 #pragma once
 
+#include "background/BackgroundLane.h"
 #include "document/WirePath.h"
 #include "tools/WireSearch.h"
 
@@ -7,7 +8,6 @@
 #include <QList>
 #include <QObject>
 #include <QRectF>
-#include <QThreadPool>
 
 #include <functional>
 #include <optional>
@@ -26,7 +26,6 @@ class WireEditor : public QObject
 
 public:
     explicit WireEditor(QObject *parent = nullptr);
-    ~WireEditor() override;
 
     /// Begins anew. Edges are made once prepare() asks for them.
     void setPicture(const QImage &picture);
@@ -85,11 +84,10 @@ private:
     void updateMove();
     void moveStretch(qsizetype stretch, const QPolygonF &wire);
     WirePath::Stretch stretchTo(const QPointF &node, bool isStraight);
-    void takeEdges(const QImage &edges, quint64 picture);
+    void takeEdges(const QImage &edges);
 
     QImage m_picture; // until its edges are made
     QSize m_size;
-    quint64 m_pictures = 0; // so far
     WirePath m_path;
     QList<WirePath> m_undo;
     QList<WirePath> m_redo;
@@ -99,5 +97,5 @@ private:
     qsizetype m_moved = -1; // node
     WireSearch m_ahead;     // from the last node, or from the one before a moved node
     WireSearch m_behind;    // for stretches that were not waited for, or from the one after it
-    QThreadPool m_pool;     // last: its tasks end before anything else goes
+    BackgroundLane m_lane;
 };

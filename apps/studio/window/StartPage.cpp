@@ -5,7 +5,6 @@
 #include <QGridLayout>
 #include <QImageReader>
 #include <QLabel>
-#include <QPointer>
 #include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -51,6 +50,7 @@ QLabel *centredLabel(const QString &text)
 
 StartPage::StartPage(QWidget *parent)
     : QWidget(parent)
+    , m_thumbnails(BackgroundLane::Keeps::All)
 {
     setAccessibleName(tr("Start"));
     auto *const title = centredLabel(tr("Cut something out of a photograph"));
@@ -81,8 +81,7 @@ StartPage::StartPage(QWidget *parent)
 
 StartPage::~StartPage()
 {
-    m_pool.clear();
-    m_pool.waitForDone();
+    m_thumbnails.cancel(); // nobody would see them
 }
 
 QWidget *StartPage::createSamples()
@@ -118,13 +117,11 @@ QToolButton *StartPage::createSample(const QString &name, const QString &title)
 
 void StartPage::loadThumbnail(QToolButton *button, const QString &fileName)
 {
-    const double ratio = devicePixelRatioF();
-    m_pool.start([this, button = QPointer(button), fileName, ratio] {
-        const QImage image = thumbnail(fileName, ratio);
-        const auto show = [button, image] {
-            if (button && !image.isNull())
-                button->setIcon(QIcon(QPixmap::fromImage(image)));
-        };
-        QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+    const auto load = [fileName, ratio = devicePixelRatioF()](const std::stop_token &) {
+        return thumbnail(fileName, ratio);
+    };
+    m_thumbnails.run(load, [button](const QImage &image) {
+        if (!image.isNull())
+            button->setIcon(QIcon(QPixmap::fromImage(image)));
     });
 }

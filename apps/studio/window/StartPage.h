@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QThreadPool>
+#include "background/BackgroundLane.h"
+
 #include <QWidget>
 
 class QToolButton;
@@ -23,5 +24,5 @@ private:
     QToolButton *createSample(const QString &name, const QString &title);
     void loadThumbnail(QToolButton *button, const QString &fileName);
 
-    QThreadPool m_pool; // last: its tasks end before anything else goes
+    BackgroundLane m_thumbnails;
 };
