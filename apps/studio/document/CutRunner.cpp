@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <type_traits>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -36,10 +37,30 @@ std::shared_ptr<const RyMementoSegmentation> unpacked(const RyMementoSegmentatio
     return result;
 }
 
+const StepJob *stepOf(const CutJob &job)
+{
+    const auto step = []<typename Job>(const Job &any) -> const StepJob * {
+        if constexpr (std::is_base_of_v<StepJob, Job>)
+            return &any;
+        else
+            return nullptr;
+    };
+    return std::visit(step, job);
+}
+
+/// More of it is to come.
+bool isPartOfStroke(const Gesture &gesture)
+{
+    const auto *const paint = std::get_if<Gesture::Paint>(&gesture.step);
+    const auto *const scribble = std::get_if<Gesture::Scribble>(&gesture.step);
+    return (paint && paint->isTemporary) || (scribble && scribble->isTemporary);
+}
+
 } // namespace
 
 CutRunner::CutRunner(QObject *parent)
     : QObject(parent)
+    , m_restoring(BackgroundLane::Keeps::Newest)
 {
     m_poll.setInterval(3ms);
     connect(&m_poll, &QTimer::timeout, this, &CutRunner::advance);
@@ -63,8 +84,8 @@ CutRunner::~CutRunner()
 void CutRunner::setPicture(const QImage &picture, const QTransform &toSession)
 {
     m_jobs.clear();
-    ++m_restores;
-    m_isRestoring = false;
+    m_running.reset();
+    m_restoring.cancel();
     m_picture = picture;
     m_toSession = toSession;
     m_gestures.clear();
@@ -78,132 +99,130 @@ void CutRunner::setPicture(const QImage &picture, const QTransform &toSession)
 void CutRunner::apply(const QString &name, const QList<Gesture> &gestures,
                       const std::shared_ptr<const UsedWire> &wire)
 {
-    enqueue({.name = name, .gestures = gestures, .oneByOne = true, .usedWire = wire});
+    enqueue(GesturesJob{{name, gestures}, wire});
 }
 
 void CutRunner::replay(const QString &name, const ReplayStep &step)
 {
-    enqueue({.name = name,
-             .gestures = step.gestures,
-             .oneByOne = true,
-             .isReplayed = true,
-             .wire = step.wire});
+    enqueue(ReplayJob{{name, step.gestures}, step.wire});
+}
+
+void CutRunner::whenIdle(const std::function<void()> &call)
+{
+    enqueue(CallJob{call});
 }
 
 void CutRunner::begin(const QString &name)
 {
-    enqueue({.name = name, .gestures = {}, .isComplete = false});
+    enqueue(StrokeJob{{name, {}}, false});
+}
+
+/// Null once it is complete, or was cancelled.
+StrokeJob *CutRunner::openStroke()
+{
+    auto *const stroke = m_jobs.empty() ? nullptr : std::get_if<StrokeJob>(&m_jobs.back());
+    return stroke && !stroke->isComplete ? stroke : nullptr;
 }
 
 void CutRunner::add(const Gesture &gesture)
 {
-    if (m_jobs.empty() || m_jobs.back().isComplete)
-        return; // the step was cancelled meanwhile
-    m_jobs.back().gestures.append(gesture);
-    advance();
+    if (StrokeJob *const stroke = openStroke()) {
+        stroke->gestures.append(gesture);
+        advance();
+    }
 }
 
 void CutRunner::end()
 {
-    if (m_jobs.empty() || m_jobs.back().isComplete)
-        return;
-    m_jobs.back().isComplete = true;
-    advance();
+    if (StrokeJob *const stroke = openStroke()) {
+        stroke->isComplete = true;
+        advance();
+    }
 }
 
 void CutRunner::abandon()
 {
-    if (m_jobs.empty() || m_jobs.back().isComplete)
+    if (!openStroke())
         return;
-    Job &job = m_jobs.back();
-    job.isComplete = true;
-    job.isAbandoned = true;
-    if (job.hasBegun && job.before.memento)
-        setMask(job.before.memento->mask());
+    if (m_jobs.size() == 1 && m_running)
+        giveUpFirst();
+    else
+        m_jobs.pop_back();
     advance();
 }
 
 bool CutRunner::isCutting() const
 {
-    return !m_jobs.empty() && m_jobs.front().hasBegun && m_jobs.front().isCut();
+    return m_running && stepOf(m_jobs.front())->cuts();
 }
 
 void CutRunner::cancel()
 {
-    if (m_jobs.empty())
-        return;
-    m_jobs.resize(1);
-    Job &job = m_jobs.front();
-    if (!job.hasBegun) {
+    if (isCutting()) {
+        const CutState before = m_running->before;
+        m_running.reset();
         m_jobs.clear();
-    } else if (job.isCut()) {
-        const Job cancelled = std::exchange(job, {});
-        m_jobs.clear();
-        cancelCut(cancelled);
+        cancelCut(before);
+    } else if (m_running) {
+        m_jobs.resize(1);
+        giveUpFirst();
     } else {
-        job.isComplete = false;
-        abandon();
+        m_jobs.clear();
     }
     advance();
 }
 
-void CutRunner::cancelCut(const Job &job)
+/// It goes once the session has answered what has begun of it.
+void CutRunner::giveUpFirst()
 {
-    const QScopedValueRollback restoring(m_isRestoring, true); // masks that are on their way
-    if (job.before.memento) {
+    m_running->isGivenUp = true;
+    if (auto *const stroke = std::get_if<StrokeJob>(&m_jobs.front()))
+        stroke->isComplete = true;
+    if (m_running->before.memento)
+        setMask(m_running->before.memento->mask());
+}
+
+void CutRunner::cancelCut(const CutState &before)
+{
+    if (before.memento) {
         m_session.cancel();
-        m_session.setMemento(*job.before.memento);
+        m_session.setMemento(*before.memento);
     } else {
         m_session.setup(m_picture, QFileInfo()); // leaves no worker behind, as cancel() may
     }
-    setMask(job.before.memento ? job.before.memento->mask() : QImage());
-}
-
-void CutRunner::whenIdle(const std::function<void()> &call)
-{
-    enqueue({.name = {}, .gestures = {}, .call = call});
+    setMask(before.memento ? before.memento->mask() : QImage());
 }
 
 /// Undoing several steps at once asks for several states, of which the last one counts.
 void CutRunner::restore(const CutState &state)
 {
-    if (!m_jobs.empty() && m_jobs.front().hasBegun) {
+    if (m_running) {
         cancel();
-        if (!m_jobs.empty())
-            m_jobs.front().before = state; // it goes there once the session has answered
+        if (m_running)
+            m_running->before = state; // it goes there once the session has answered
     }
     m_gestures = state.gestures;
     m_hasCut = state.memento != nullptr;
-    m_isRestoring = true;
-    const quint64 restore = ++m_restores;
-    // Taking the mask out of a packed memento is work for another thread.
-    const auto unpack = [this, memento = state.memento, restore] {
-        if (restore != m_restores)
-            return;
-        if (!memento) {
-            takeUnpacked(nullptr, restore);
-            return;
-        }
-        m_pool.start([this, memento, restore] {
-            const auto plain = unpacked(*memento);
-            QMetaObject::invokeMethod(
-                    this, [this, plain, restore] { takeUnpacked(plain, restore); },
-                    Qt::QueuedConnection);
-        });
+    m_restoring.cancel();
+    using Memento = std::shared_ptr<const RyMementoSegmentation>;
+    const auto unpack = [memento = state.memento](const std::stop_token &) -> Memento {
+        return memento ? unpacked(*memento) : nullptr;
     };
-    QMetaObject::invokeMethod(this, unpack, Qt::QueuedConnection);
+    const auto take = [this](const Memento &memento) { takeUnpacked(memento); };
+    m_restoring.run(unpack, take, [this](const QString &) {
+        m_gestures.clear();
+        m_hasCut = false;
+        takeUnpacked(nullptr);
+        Q_EMIT failed(tr("There is too little memory to go back to this state."));
+    });
 }
 
-void CutRunner::takeUnpacked(const std::shared_ptr<const RyMementoSegmentation> &memento,
-                             quint64 restore)
+void CutRunner::takeUnpacked(const std::shared_ptr<const RyMementoSegmentation> &memento)
 {
-    if (restore != m_restores)
-        return;
     if (memento)
         m_session.setMemento(*memento);
     else
         m_session.reset();
-    m_isRestoring = false;
     setMask(memento ? memento->mask() : QImage());
     setRegions(memento.get());
     advance();
@@ -233,27 +252,11 @@ QList<Gesture> CutRunner::gestures() const
     return m_hasCut ? all : QList<Gesture>();
 }
 
-bool CutRunner::Job::mayStart(bool isBusy) const
+/// Whatever comes ends the stroke that is being added to: nothing could overtake it.
+void CutRunner::enqueue(CutJob job)
 {
-    return started < gestures.size() && !isAbandoned && (!oneByOne || !isBusy || continuesStroke());
-}
-
-/// Strokes come in parts as fast as a hand draws them.
-bool CutRunner::Job::continuesStroke() const
-{
-    if (started == 0)
-        return false;
-    const Gesture &last = gestures.at(started - 1);
-    const auto *const paint = std::get_if<Gesture::Paint>(&last.step);
-    const auto *const scribble = std::get_if<Gesture::Scribble>(&last.step);
-    return (paint && paint->isTemporary) || (scribble && scribble->isTemporary);
-}
-
-/// Whatever comes ends the step that is being added to: nothing could overtake it.
-void CutRunner::enqueue(Job job)
-{
-    if (!m_jobs.empty())
-        m_jobs.back().isComplete = true;
+    if (StrokeJob *const stroke = openStroke())
+        stroke->isComplete = true;
     m_jobs.push_back(std::move(job));
     advance();
 }
@@ -264,10 +267,10 @@ void CutRunner::advance()
         return; // who hears of a step may ask for another one
     {
         const QScopedValueRollback advancing(m_isAdvancing, true);
-        while (!m_isRestoring && !m_jobs.empty() && performFirst()) {
+        while (!m_restoring.isBusy() && !m_jobs.empty() && performFirst()) {
         }
     }
-    const bool waits = !m_isRestoring && !m_jobs.empty() && m_jobs.front().isComplete;
+    const bool waits = !m_restoring.isBusy() && !m_jobs.empty() && !openStroke();
     if (waits && !m_poll.isActive())
         m_poll.start();
     else if (!waits)
@@ -278,90 +281,102 @@ void CutRunner::advance()
 /// True when the first job is done, and gone.
 bool CutRunner::performFirst()
 {
-    Job &job = m_jobs.front();
-    if (job.call) {
-        const auto call = std::exchange(job.call, {});
-        m_jobs.pop_front();
-        call();
-        return true;
-    }
-    if (!job.hasBegun)
-        beginJob(job);
-    startGestures(job);
-    const bool isStarted = job.isAbandoned || job.started == job.gestures.size();
-    if (!job.isComplete || !isStarted || m_session.isBusy())
+    if (stepOf(m_jobs.front()) && !goOnWithStep())
         return false;
-    finishFirst();
+    const CutJob job = std::move(m_jobs.front());
+    m_jobs.pop_front();
+    if (const auto *const call = std::get_if<CallJob>(&job))
+        call->call();
+    else
+        finishStep(job, *std::exchange(m_running, std::nullopt));
     return true;
 }
 
-void CutRunner::beginJob(Job &job)
+/// True when the session has answered all of it.
+bool CutRunner::goOnWithStep()
 {
-    job.before = state();
-    job.before.wire = job.usedWire;
-    job.hasBegun = true;
+    if (!m_running)
+        beginStep();
+    const CutJob &job = m_jobs.front();
+    const StepJob &step = *stepOf(job);
+    const bool isFirst = m_running->started == 0;
+    while (mayStartNext())
+        start(step.gestures.at(m_running->started++));
+    if (isFirst)
+        m_heardNullMask = false; // those that a session sends before it begins to cut
+    const auto *const stroke = std::get_if<StrokeJob>(&job);
+    const bool isStarted = m_running->isGivenUp || m_running->started == step.gestures.size();
+    return isStarted && !(stroke && !stroke->isComplete) && !m_session.isBusy();
+}
+
+void CutRunner::beginStep()
+{
+    const CutJob &job = m_jobs.front();
+    m_running = Running{.before = state()};
+    if (const auto *const gestures = std::get_if<GesturesJob>(&job))
+        m_running->before.wire = gestures->wire;
     m_heardNullMask = false;
     // A lasso inside the last one would use its regions again, and its cut would depend on lassos
     // that session files no longer tell of.
-    if (job.beginsCut() && !job.isReplayed)
+    if (stepOf(job)->beginsCut() && !std::holds_alternative<ReplayJob>(job))
         m_session.reset();
     announceCutting();
 }
 
-void CutRunner::startGestures(Job &job)
+/// Strokes come in parts as fast as a hand draws them; all else waits for what was before it.
+bool CutRunner::mayStartNext() const
 {
-    const bool isFirst = job.started == 0;
-    while (job.mayStart(m_session.isBusy()))
-        startNext(job);
-    if (isFirst)
-        m_heardNullMask = false; // those that a session sends before it begins to cut
+    const QList<Gesture> &gestures = stepOf(m_jobs.front())->gestures;
+    const qsizetype next = m_running->started;
+    if (m_running->isGivenUp || next == gestures.size())
+        return false;
+    return std::holds_alternative<StrokeJob>(m_jobs.front()) || !m_session.isBusy() ||
+           (next > 0 && isPartOfStroke(gestures.at(next - 1)));
 }
 
-void CutRunner::startNext(Job &job)
+void CutRunner::start(const Gesture &gesture)
 {
-    const Gesture &gesture = job.gestures.at(job.started++);
-    if (std::holds_alternative<Gesture::Close>(gesture.step)) {
-        GestureStarter(m_session, {}).start(Gesture::Lasso{job.wire}); // as it is, unrounded
+    const auto *const replay = std::get_if<ReplayJob>(&m_jobs.front());
+    if (replay && std::holds_alternative<Gesture::Close>(gesture.step)) {
+        GestureStarter(m_session, {}).start(Gesture::Lasso{replay->wire}); // as it is, unrounded
         return;
     }
     const GestureStarter starter(m_session, m_toSession);
-    const auto start = [&starter](const auto &step) {
+    const auto startStep = [&starter](const auto &step) {
         if constexpr (requires { starter.start(step); })
             starter.start(step);
     };
-    std::visit(start, gesture.step);
+    std::visit(startStep, gesture.step);
 }
 
-void CutRunner::finishFirst()
+void CutRunner::finishStep(const CutJob &job, const Running &running)
 {
-    const Job job = std::exchange(m_jobs.front(), {});
-    m_jobs.pop_front();
-    const bool hasFailed = job.beginsCut() && m_heardNullMask;
-    if (job.isAbandoned || hasFailed) {
-        restore(job.before);
+    const StepJob &step = *stepOf(job);
+    const bool hasFailed = step.beginsCut() && m_heardNullMask;
+    if (running.isGivenUp || hasFailed) {
+        restore(running.before);
         if (hasFailed)
             Q_EMIT failed(tr("There is too little memory to cut this picture."));
         return;
     }
-    if (job.gestures.isEmpty())
+    if (step.gestures.isEmpty())
         return;
-    const bool replaces = job.beginsCut() && !job.isReplayed;
-    if (replaces)
+    if (step.beginsCut() && !std::holds_alternative<ReplayJob>(job))
         m_gestures.clear();
-    m_gestures.append(asRecorded(job.gestures));
-    m_hasCut = m_hasCut || job.beginsCut();
+    m_gestures.append(asRecorded(step.gestures));
+    m_hasCut = m_hasCut || step.beginsCut();
     const CutState after = state();
     setMask(m_session.maskForeground());
-    if (job.beginsCut())
+    if (step.beginsCut())
         setRegions(after.memento.get());
-    Q_EMIT stepDone({job.name, job.before, after});
+    Q_EMIT stepDone({step.name, running.before, after});
 }
 
 /// Masks tell that there is something new; what is true now is what the session holds. So none that
 /// was on its way when something was cancelled can come back.
 void CutRunner::hearMask(const QImage &mask)
 {
-    if (m_jobs.empty() || m_isRestoring || m_jobs.front().isAbandoned)
+    if (m_jobs.empty() || m_restoring.isBusy() || (m_running && m_running->isGivenUp))
         return;
     const QImage current = m_session.maskForeground();
     if (isCutting()) {

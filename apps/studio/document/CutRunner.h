@@ -1,6 +1,8 @@
 #pragma once
 
 #include "RyUndoController.h"
+#include "background/BackgroundLane.h"
+#include "document/CutJob.h"
 #include "document/CutState.h"
 #include "document/ReplayStep.h"
 #include "gestures/Gesture.h"
@@ -10,14 +12,13 @@
 #include <QList>
 #include <QObject>
 #include <QSet>
-#include <QThreadPool>
 #include <QTimer>
 #include <QTransform>
 
-#include <algorithm>
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 
 /**
  * Leads a segmentation session through steps, one after the other, without waiting: a step is one or
@@ -61,7 +62,7 @@ public:
     void end();
     void abandon();
 
-    bool isIdle() const { return m_jobs.empty() && !m_isRestoring; }
+    bool isIdle() const { return m_jobs.empty() && !m_restoring.isBusy(); }
     bool isCutting() const; ///< a lasso, for the first time or anew; cancel() ends it
     /// Gives up what is not done. What was there before it is back when this returns.
     void cancel();
@@ -89,45 +90,26 @@ Q_SIGNALS:
     void failed(const QString &reason);
 
 private:
-    struct Job
+    /// Of the first job, once it has begun.
+    struct Running
     {
-        QString name;
-        QList<Gesture> gestures;
-        std::function<void()> call = {}; ///< instead of gestures
-        qsizetype started = 0;
-        bool hasBegun = false;
-        bool isComplete = true;
-        bool isAbandoned = false;
-        bool oneByOne = false;
-        bool isReplayed = false;
-        QPolygonF wire = {}; ///< what a gesture that closes one encloses; in pixels of the session
-        std::shared_ptr<const UsedWire> usedWire = {};
-        CutState before = {};
-
-        bool mayStart(bool isBusy) const;
-        bool continuesStroke() const;
-        bool beginsCut() const { return has<Gesture::Lasso>() || has<Gesture::Close>(); }
-        bool isCut() const { return beginsCut() || has<Gesture::Recut>(); }
-
-    private:
-        template <typename T>
-        bool has() const
-        {
-            return std::any_of(gestures.begin(), gestures.end(), [](const Gesture &gesture) {
-                return std::holds_alternative<T>(gesture.step);
-            });
-        }
+        CutState before;
+        qsizetype started = 0; ///< gestures
+        bool isGivenUp = false;
     };
 
-    void enqueue(Job job);
+    StrokeJob *openStroke();
+    void enqueue(CutJob job);
     void advance();
     bool performFirst();
-    void beginJob(Job &job);
-    void startGestures(Job &job);
-    void startNext(Job &job);
-    void finishFirst();
-    void cancelCut(const Job &job);
-    void takeUnpacked(const std::shared_ptr<const RyMementoSegmentation> &memento, quint64 restore);
+    bool goOnWithStep();
+    void beginStep();
+    bool mayStartNext() const;
+    void start(const Gesture &gesture);
+    void finishStep(const CutJob &job, const Running &running);
+    void giveUpFirst();
+    void cancelCut(const CutState &before);
+    void takeUnpacked(const std::shared_ptr<const RyMementoSegmentation> &memento);
     void hearMask(const QImage &mask);
     void setMask(const QImage &mask);
     void setRegions(const RyMementoSegmentation *memento);
@@ -140,14 +122,13 @@ private:
     QImage m_mask;
     QImage m_labels;
     QList<QList<QPoint>> m_regions;
-    std::deque<Job> m_jobs;
+    std::deque<CutJob> m_jobs;
+    std::optional<Running> m_running;
     bool m_isAdvancing = false;
-    bool m_isRestoring = false;
-    quint64 m_restores = 0;
     bool m_wasCutting = false;
     bool m_heardNullMask = false;
     QTimer m_poll;                   // the session does not say when it falls idle
     RyUndoController m_sessionSteps; // what the session records by itself, which nobody undoes
     RyImageSegmentation m_session;   // it may still speak while it ends
-    QThreadPool m_pool;              // last: its tasks use all the others
+    BackgroundLane m_restoring;
 };

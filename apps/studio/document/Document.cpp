@@ -6,7 +6,6 @@
 #include "document/StepName.h"
 
 #include <QPointer>
-#include <QThreadPool>
 #include <QUndoStack>
 
 #include <memory>
@@ -15,6 +14,7 @@
 Document::Document(QObject *parent)
     : QObject(parent)
     , m_undoController(RyUndoController::instanceForFotoEditor())
+    , m_packing(BackgroundLane::Keeps::All)
 {
     undoStack()->clear();
     connect(&m_runner, &CutRunner::stepDone, this, &Document::record);
@@ -30,6 +30,7 @@ Document::Document(QObject *parent)
 
 Document::~Document()
 {
+    m_packing.cancel();
     undoStack()->disconnect(this);
     undoStack()->clear();
 }
@@ -40,6 +41,7 @@ void Document::setPicture(const OpenedPicture &picture)
     m_opened = picture;
     m_edges = {};
     m_runner.setPicture(picture.cuttingPicture, picture.scale.reducing());
+    m_packing.cancel();
     undoStack()->clear();
     Q_EMIT edgeSettingsChanged();
     Q_EMIT pictureChanged();
@@ -290,5 +292,5 @@ void Document::record(const CutRunner::Step &step)
     m_undoController->accept(command);
     if (isReplaying())
         Q_EMIT replayProgress(++m_replayedSteps, m_replaySteps);
-    QThreadPool::globalInstance()->start([command] { command->compact(); });
+    m_packing.run([command](const std::stop_token &) { command->compact(); }, [] {});
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "background/BackgroundLane.h"
 #include "document/CutRunner.h"
 #include "document/CutoutSource.h"
 #include "document/OpenedPicture.h"
@@ -150,4 +151,5 @@ private:
     int m_replaySteps = 0; // while a session file is played
     int m_replayedSteps = 0;
     CutRunner m_runner;
+    BackgroundLane m_packing; // of steps
 };
