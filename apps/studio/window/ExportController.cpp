@@ -3,6 +3,7 @@
 #include "document/Document.h"
 #include "files/PicturesFolder.h"
 #include "window/ExportDialog.h"
+#include "window/NamedAction.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -43,11 +44,11 @@ ExportController::ExportController(const Document &document, QWidget *window)
     : QObject(window)
     , m_document(document)
     , m_window(window)
-    , m_copy(createAction(u"copyCutout"_s, tr("Cop&y Cut-out"), QKeySequence::Copy))
+    , m_copy(NamedAction::create(this, u"copyCutout"_s, tr("Cop&y Cut-out"), QKeySequence::Copy))
 {
     const auto add = [this](const QString &id, const QString &text, const QKeySequence &shortcut,
                             ExportKind kind) {
-        QAction *const action = createAction(id, text, shortcut);
+        QAction *const action = NamedAction::create(this, id, text, shortcut);
         m_exportActions.append(action);
         connect(action, &QAction::triggered, this, [this, kind] { askForOptions(kind); });
     };
@@ -64,15 +65,6 @@ ExportController::ExportController(const Document &document, QWidget *window)
     connect(&m_exporter, &Exporter::written, this, [this](const QString &fileName) {
         Q_EMIT done(tr("Exported to %1").arg(QDir::toNativeSeparators(fileName)));
     });
-}
-
-QAction *ExportController::createAction(const QString &id, const QString &text,
-                                        const QKeySequence &shortcut)
-{
-    auto *const action = new QAction(text, this);
-    action->setObjectName(id);
-    action->setShortcut(shortcut);
-    return action;
 }
 
 CutoutPicture::Options ExportController::suggestedOptions() const

@@ -39,7 +39,6 @@ Q_SIGNALS:
     void failed(const QString &sentence);
 
 private:
-    QAction *createAction(const QString &id, const QString &text, const QKeySequence &shortcut);
     CutoutPicture::Options suggestedOptions() const;
     void askForOptions(ExportKind kind);
     void askForFile(ExportKind kind, const CutoutPicture::Options &options);

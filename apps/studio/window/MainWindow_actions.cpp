@@ -4,6 +4,7 @@
 #include "settings/RyImageCutterSettings.h"
 #include "widgets/ColorIcon.h"
 #include "window/EdgePanel.h"
+#include "window/NamedAction.h"
 #include "window/RecentFilesMenu.h"
 
 #include <QAction>
@@ -24,14 +25,11 @@ constexpr int dockWidth = 210;
 
 } // namespace
 
-/// Every action has a name for tests and settings, and is the window's, so that its shortcut works
-/// wherever the menu is.
+/// The action is the window's as well, so that its shortcut works wherever the menu is.
 QAction *MainWindow::addTo(QWidget *menu, const QString &id, const QString &text,
                            const QKeySequence &shortcut)
 {
-    auto *const action = new QAction(text, this);
-    action->setObjectName(id);
-    action->setShortcut(shortcut);
+    QAction *const action = NamedAction::create(this, id, text, shortcut);
     menu->addAction(action);
     addAction(action);
     return action;
@@ -62,9 +60,7 @@ void MainWindow::createFileMenu()
     menu->addSeparator();
     for (QAction *const action : {m_sessions.saveAction(), m_sessions.saveAsAction()}) {
         setIcon(action, VectorIcon::Shape::Save);
-        menu->addAction(action);
-        addAction(action);
-        m_cutActions.append(action);
+        addCutAction(menu, action);
     }
     menu->addSeparator();
     for (QAction *const action : m_exports.exportActions())

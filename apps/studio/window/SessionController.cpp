@@ -4,6 +4,7 @@
 #include "files/PicturesFolder.h"
 #include "files/StateFolder.h"
 #include "settings/StudioSettings.h"
+#include "window/NamedAction.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -20,9 +21,9 @@ using namespace Qt::StringLiterals;
 SessionController::SessionController(Document &document, QWidget *window)
     : m_document(document)
     , m_window(window)
-    , m_save(createAction(u"save"_s, tr("&Save Session"), QKeySequence::Save))
-    , m_saveAs(createAction(u"saveAs"_s, tr("Save Session &As…"),
-                            QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)))
+    , m_save(NamedAction::create(this, u"save"_s, tr("&Save Session"), QKeySequence::Save))
+    , m_saveAs(NamedAction::create(this, u"saveAs"_s, tr("Save Session &As…"),
+                                   QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)))
     , m_autosave(document)
 {
     connect(m_save, &QAction::triggered, this, &SessionController::save);
@@ -45,15 +46,6 @@ SessionController::SessionController(Document &document, QWidget *window)
     connect(&m_opener, &SessionOpener::pictureNeeded, this, &SessionController::askForPicture);
     connect(&m_opener, &SessionOpener::pictureDiffers, this,
             &SessionController::askAboutDifference);
-}
-
-QAction *SessionController::createAction(const QString &id, const QString &text,
-                                         const QKeySequence &shortcut)
-{
-    auto *const action = new QAction(text, this);
-    action->setObjectName(id);
-    action->setShortcut(shortcut);
-    return action;
 }
 
 void SessionController::open(const QString &fileName)

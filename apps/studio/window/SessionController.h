@@ -56,7 +56,6 @@ Q_SIGNALS:
     void failed(const QString &sentence);
 
 private:
-    QAction *createAction(const QString &id, const QString &text, const QKeySequence &shortcut);
     bool save();
     bool saveAs();
     bool mayDiscardOnRequest();

@@ -3,6 +3,7 @@
 #include "document/Document.h"
 #include "tools/ToolSet.h"
 #include "widgets/VectorIcon.h"
+#include "window/NamedAction.h"
 
 #include <QAction>
 #include <QUndoStack>
@@ -11,13 +12,13 @@ UndoActions::UndoActions(Document &document, ToolSet &tools, QObject *parent)
     : QObject(parent)
     , m_document(document)
     , m_tools(tools)
-    , m_undo(new QAction(VectorIcon::make(VectorIcon::Shape::Undo), {}, this))
-    , m_redo(new QAction(VectorIcon::make(VectorIcon::Shape::Redo), {}, this))
+    , m_undo(NamedAction::create(this, QStringLiteral("undo"), {}, {}))
+    , m_redo(NamedAction::create(this, QStringLiteral("redo"), {}, {}))
 {
+    m_undo->setIcon(VectorIcon::make(VectorIcon::Shape::Undo));
+    m_redo->setIcon(VectorIcon::make(VectorIcon::Shape::Redo));
     m_undo->setIconText(tr("Undo")); // their name, whatever step their text tells of
     m_redo->setIconText(tr("Redo"));
-    m_undo->setObjectName(QStringLiteral("undo"));
-    m_redo->setObjectName(QStringLiteral("redo"));
     m_undo->setShortcuts(QKeySequence::Undo);
     m_redo->setShortcuts(
             {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y)});
