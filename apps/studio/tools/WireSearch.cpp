@@ -1,10 +1,7 @@
 #include "tools/WireSearch.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
-
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -24,12 +21,8 @@ double snappedCoordinate(double coordinate, int pixels)
 WireSearch::WireSearch(QObject *parent)
     : QObject(parent)
 {
-    m_pulse.setInterval(8ms);
-    connect(&m_pulse, &QTimer::timeout, this, [this] {
-        if (!isSearching())
-            m_pulse.stop();
-        Q_EMIT advanced();
-    });
+    connect(&m_scissors, &RyIntelligentScissors::progessChanged, this, &WireSearch::announce);
+    connect(&m_scissors, &RyIntelligentScissors::searchEnded, this, &WireSearch::announce);
     m_thread.setObjectName(QStringLiteral("WireSearch"));
     m_scissors.moveToThread(&m_thread);
     m_thread.start();
@@ -40,6 +33,13 @@ WireSearch::~WireSearch()
     ++m_seedNumber; // what is still to begin need not
     m_thread.quit();
     m_thread.wait();
+}
+
+/// What is heard may be of an earlier seed: wireTo() tells what is known of this one.
+void WireSearch::announce()
+{
+    if (m_seed)
+        Q_EMIT advanced();
 }
 
 template <typename Work>
@@ -53,7 +53,6 @@ void WireSearch::setEdges(const QImage &edges)
     inItsThread([this, edges] { m_scissors.setup(edges); });
     m_size = edges.size();
     m_seed.reset();
-    m_pulse.stop();
 }
 
 void WireSearch::setSeed(const QPointF &seed)
@@ -66,8 +65,9 @@ void WireSearch::setSeed(const QPointF &seed)
             return; // there is another one already
         m_scissors.initializeSeed(seed);
         m_begunSeed = number;
+        // A search that could not begin, or has ended by now, need not be heard of again.
+        QMetaObject::invokeMethod(this, &WireSearch::announce, Qt::QueuedConnection);
     });
-    m_pulse.start();
 }
 
 void WireSearch::stop()
@@ -75,7 +75,6 @@ void WireSearch::stop()
     ++m_seedNumber;
     inItsThread([this] { m_scissors.stopRunning(); });
     m_seed.reset(); // it would have to begin again
-    m_pulse.stop();
 }
 
 bool WireSearch::isSearching() const

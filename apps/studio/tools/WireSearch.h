@@ -7,7 +7,6 @@
 #include <QPointF>
 #include <QPolygonF>
 #include <QThread>
-#include <QTimer>
 
 #include <atomic>
 #include <optional>
@@ -42,11 +41,12 @@ public:
     static QPointF snapped(const QPointF &point, const QSize &size);
 
 Q_SIGNALS:
-    void advanced(); ///< while it searches, and once after
+    void advanced(); ///< now and then while it searches, and once it has ended
 
 private:
     template <typename Work>
     void inItsThread(const Work &work);
+    void announce();
     bool hasBegun() const { return m_begunSeed == m_seedNumber; }
 
     QThread m_thread;
@@ -55,5 +55,4 @@ private:
     std::optional<QPointF> m_seed;
     std::atomic<quint64> m_seedNumber = 0; // written by the GUI thread
     std::atomic<quint64> m_begunSeed = 0;  // written by m_thread, once the scissors know of it
-    QTimer m_pulse;
 };
