@@ -6,12 +6,9 @@
 #include <QScopedValueRollback>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <type_traits>
 #include <utility>
-
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -27,16 +24,6 @@ QList<Gesture> asRecorded(QList<Gesture> gestures)
     return gestures;
 }
 
-std::shared_ptr<const RyMementoSegmentation> unpacked(const RyMementoSegmentation &memento)
-{
-    auto result = std::make_shared<RyMementoSegmentation>(
-            memento.lassoPath(), memento.foregroundClusters(), memento.backgroundClusters(),
-            memento.mask(), memento.labels(), memento.pointsOfSuperpixels(), memento.maskColor());
-    result->setConstraints(memento.constraints());
-    result->setRegionRecords(memento.regionRecords());
-    return result;
-}
-
 const StepJob *stepOf(const CutJob &job)
 {
     const auto step = []<typename Job>(const Job &any) -> const StepJob * {
@@ -46,6 +33,13 @@ const StepJob *stepOf(const CutJob &job)
             return nullptr;
     };
     return std::visit(step, job);
+}
+
+QString sentence(RyImageSegmentation::Failure failure)
+{
+    return failure == RyImageSegmentation::Failure::NoMemory
+                   ? CutRunner::tr("There is too little memory to cut this picture.")
+                   : CutRunner::tr("The system has no thread left to cut this picture.");
 }
 
 /// More of it is to come.
@@ -62,16 +56,18 @@ CutRunner::CutRunner(QObject *parent)
     : QObject(parent)
     , m_restoring(BackgroundLane::Keeps::Newest)
 {
-    m_poll.setInterval(3ms);
-    connect(&m_poll, &QTimer::timeout, this, &CutRunner::advance);
+    connect(&m_session, &RyImageSegmentation::becameIdle, this, &CutRunner::advance);
+    connect(&m_session, &RyImageSegmentation::failed, this, [this](Failure failure) {
+        if (m_running)
+            m_running->failure = failure;
+    });
     connect(&m_session, &RyImageSegmentation::sendNewMask, this, &CutRunner::hearMask);
     connect(&m_session, &RyImageSegmentation::segmentationProgress, this,
             [this](int currentStep, int totalSteps) {
                 if (isCutting())
                     Q_EMIT progress(currentStep, totalSteps);
             });
-    m_sessionSteps.setLimits(1, 1);
-    m_session.setUndoController(m_sessionSteps);
+    m_session.setRecordsSteps(false); // steps for strokes have no names, and lack their last parts
     m_session.setMaskColor(Qt::white); // only its transparency is looked at
 }
 
@@ -184,12 +180,9 @@ void CutRunner::giveUpFirst()
 
 void CutRunner::cancelCut(const CutState &before)
 {
-    if (before.memento) {
-        m_session.cancel();
-        m_session.setMemento(*before.memento);
-    } else {
-        m_session.setup(m_picture, QFileInfo()); // leaves no worker behind, as cancel() may
-    }
+    m_session.setup(m_picture, QFileInfo()); // leaves no worker behind, as cancel() may
+    if (before.memento)
+        m_session.setMemento(before.memento.get());
     setMask(before.memento ? before.memento->mask() : QImage());
 }
 
@@ -206,7 +199,7 @@ void CutRunner::restore(const CutState &state)
     m_restoring.cancel();
     using Memento = std::shared_ptr<const RyMementoSegmentation>;
     const auto unpack = [memento = state.memento](const std::stop_token &) -> Memento {
-        return memento ? unpacked(*memento) : nullptr;
+        return memento ? memento->unpacked() : nullptr;
     };
     const auto take = [this](const Memento &memento) { takeUnpacked(memento); };
     m_restoring.run(unpack, take, [this](const QString &) {
@@ -220,7 +213,7 @@ void CutRunner::restore(const CutState &state)
 void CutRunner::takeUnpacked(const std::shared_ptr<const RyMementoSegmentation> &memento)
 {
     if (memento)
-        m_session.setMemento(*memento);
+        m_session.setMemento(memento.get());
     else
         m_session.reset();
     setMask(memento ? memento->mask() : QImage());
@@ -232,7 +225,8 @@ CutState CutRunner::state() const
 {
     if (!m_hasCut)
         return {};
-    return {m_session.createMemento(true), m_gestures};
+    return {std::shared_ptr<const RyMementoSegmentation>(m_session.createMemento(true)),
+            m_gestures};
 }
 
 QSet<int> CutRunner::regionsUnder(const QPointF &point, double diameter) const
@@ -270,11 +264,6 @@ void CutRunner::advance()
         while (!m_restoring.isBusy() && !m_jobs.empty() && performFirst()) {
         }
     }
-    const bool waits = !m_restoring.isBusy() && !m_jobs.empty() && !openStroke();
-    if (waits && !m_poll.isActive())
-        m_poll.start();
-    else if (!waits)
-        m_poll.stop();
     announceCutting();
 }
 
@@ -299,11 +288,8 @@ bool CutRunner::goOnWithStep()
         beginStep();
     const CutJob &job = m_jobs.front();
     const StepJob &step = *stepOf(job);
-    const bool isFirst = m_running->started == 0;
     while (mayStartNext())
         start(step.gestures.at(m_running->started++));
-    if (isFirst)
-        m_heardNullMask = false; // those that a session sends before it begins to cut
     const auto *const stroke = std::get_if<StrokeJob>(&job);
     const bool isStarted = m_running->isGivenUp || m_running->started == step.gestures.size();
     return isStarted && !(stroke && !stroke->isComplete) && !m_session.isBusy();
@@ -315,7 +301,6 @@ void CutRunner::beginStep()
     m_running = Running{.before = state()};
     if (const auto *const gestures = std::get_if<GesturesJob>(&job))
         m_running->before.wire = gestures->wire;
-    m_heardNullMask = false;
     // A lasso inside the last one would use its regions again, and its cut would depend on lassos
     // that session files no longer tell of.
     if (stepOf(job)->beginsCut() && !std::holds_alternative<ReplayJob>(job))
@@ -352,11 +337,12 @@ void CutRunner::start(const Gesture &gesture)
 void CutRunner::finishStep(const CutJob &job, const Running &running)
 {
     const StepJob &step = *stepOf(job);
-    const bool hasFailed = step.beginsCut() && m_heardNullMask;
-    if (running.isGivenUp || hasFailed) {
+    if (running.failure)
+        m_session.reset(); // what could not be done may wait
+    if (running.isGivenUp || running.failure) {
         restore(running.before);
-        if (hasFailed)
-            Q_EMIT failed(tr("There is too little memory to cut this picture."));
+        if (running.failure)
+            Q_EMIT failed(sentence(*running.failure));
         return;
     }
     if (step.gestures.isEmpty())
@@ -380,7 +366,6 @@ void CutRunner::hearMask(const QImage &mask)
         return;
     const QImage current = m_session.maskForeground();
     if (isCutting()) {
-        m_heardNullMask = m_heardNullMask || mask.isNull();
         if (!mask.isNull() && mask.cacheKey() == current.cacheKey()) // before regions are there
             setMask(current);
     } else if (m_hasCut) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "RyUndoController.h"
 #include "background/BackgroundLane.h"
 #include "document/CutJob.h"
 #include "document/CutState.h"
@@ -12,7 +11,6 @@
 #include <QList>
 #include <QObject>
 #include <QSet>
-#include <QTimer>
 #include <QTransform>
 
 #include <deque>
@@ -24,9 +22,7 @@
  * Leads a segmentation session through steps, one after the other, without waiting: a step is one or
  * more gestures, and done when the session has answered them all.
  *
- * The session records strokes and new cuts by itself; such steps have no names, and doing a stroke
- * again would lack what its last part added. So they go where nobody undoes them, and each step here
- * tells what was there before and after it.
+ * The session records nothing by itself: each step here tells what was there before and after it.
  *
  * Threads  the GUI thread.
  */
@@ -90,12 +86,15 @@ Q_SIGNALS:
     void failed(const QString &reason);
 
 private:
+    using Failure = RyImageSegmentation::Failure;
+
     /// Of the first job, once it has begun.
     struct Running
     {
         CutState before;
         qsizetype started = 0; ///< gestures
         bool isGivenUp = false;
+        std::optional<Failure> failure; ///< of any of them
     };
 
     StrokeJob *openStroke();
@@ -126,9 +125,6 @@ private:
     std::optional<Running> m_running;
     bool m_isAdvancing = false;
     bool m_wasCutting = false;
-    bool m_heardNullMask = false;
-    QTimer m_poll;                   // the session does not say when it falls idle
-    RyUndoController m_sessionSteps; // what the session records by itself, which nobody undoes
-    RyImageSegmentation m_session;   // it may still speak while it ends
+    RyImageSegmentation m_session; // it may still speak while it ends
     BackgroundLane m_restoring;
 };
