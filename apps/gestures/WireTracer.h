@@ -37,7 +37,10 @@ public:
     QPolygonF outline() const;
 
 public Q_SLOTS:
-    void stop() { m_isStopped = true; } ///< for good
+    void stop(); ///< for good
+
+Q_SIGNALS:
+    void stopped();
 
 private:
     QPoint pixel(const QPointF &point) const;
