@@ -1,3 +1,0 @@
-#pragma once
-
-#include "cutout/EdgeSettings.h"
