@@ -1,12 +1,12 @@
 #include "cutout/CutoutPicture.h"
 
-#include "cutout/EdgeColours.h"
+#include "cutout/EdgeColors.h"
 #include "cutout/MaskImage.h"
 #include "cutout/ObjectPictures.h"
 
 QImage CutoutPicture::compose(const QImage &picture, const CutoutMask &mask, const Options &options)
 {
-    const QImage colors = EdgeColours::cleaned(picture, mask, options.cleanPixels);
+    const QImage colors = EdgeColors::cleaned(picture, mask, options.cleanPixels);
     if (colors.isNull())
         return {};
     return cropped(options.background.isValid()

@@ -1,6 +1,6 @@
 #include "cutout/EdgeChoices.h"
 
-#include "cutout/EdgeColours.h"
+#include "cutout/EdgeColors.h"
 
 EdgeChoices EdgeChoices::of(const EdgeSettings &settings)
 {
@@ -37,5 +37,5 @@ int EdgeChoices::cleanPixels() const
 {
     const bool isSoft = settings().feather > 0;
     return chosen(EdgeTable::row(&EdgeSettings::clean))
-            .value_or(isSoft ? EdgeColours::usualRimPixels : 0);
+            .value_or(isSoft ? EdgeColors::usualRimPixels : 0);
 }

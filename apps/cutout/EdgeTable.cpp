@@ -1,6 +1,6 @@
 #include "cutout/EdgeTable.h"
 
-#include "cutout/EdgeColours.h"
+#include "cutout/EdgeColors.h"
 
 #include <QList>
 
@@ -13,7 +13,7 @@ namespace {
 QList<EdgeTable::Row> table()
 {
     constexpr int length = EdgeOptions::mostPixels, area = EdgeOptions::mostArea,
-                  rim = EdgeColours::mostRimPixels;
+                  rim = EdgeColors::mostRimPixels;
     return {{"drop", "pixels", u"Drop pieces of the object with fewer pixels."_s,
              &EdgeSettings::drop, 0, area},
             {"fill", "pixels", u"Fill holes with fewer pixels."_s, &EdgeSettings::fill, 0, area},
@@ -27,7 +27,7 @@ QList<EdgeTable::Row> table()
              u"Take the colours of the object's rim, so wide, from further inside, so that none of "
              "the background shows; up to %1, 0 for never. Default: %2 with --feather, else 0."_s
                      .arg(rim)
-                     .arg(EdgeColours::usualRimPixels),
+                     .arg(EdgeColors::usualRimPixels),
              &EdgeSettings::clean, 0, rim}};
 }
 
