@@ -1,7 +1,7 @@
 #include "segmentation/RySegmentationState.h"
 
+#include "RyImageMemory.h"
 #include "image/RyGeometry.h"
-#include "image/RyImageMemory.h"
 #include "image/RyLabelImage.h"
 #include "segmentation/RyLasso.h"
 #include "segmentation/RyMementoSegmentation.h"
