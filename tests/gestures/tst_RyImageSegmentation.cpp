@@ -51,7 +51,7 @@ namespace {
 
 QImage labelsOf(const SessionDriver &driver)
 {
-    return driver.session.createMemento(true)->labels();
+    return mementoOf(driver.session, true)->labels();
 }
 
 QImage smallPhotograph()
@@ -434,7 +434,7 @@ void tst_RyImageSegmentation::inverts()
     QCOMPARE(Pixels::foreground(driver.session.maskForeground()), background);
     driver.session.setMaskIsInverted(false); // at once
     QCOMPARE(driver.session.maskForeground(), mask);
-    const auto memento = driver.session.createMemento(false);
+    const auto memento = mementoOf(driver.session, false);
     QVERIFY(memento->labels().isNull() && memento->pointsOfSuperpixels().isEmpty());
     QCOMPARE(memento->mask(), mask);
 }

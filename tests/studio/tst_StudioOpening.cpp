@@ -2,9 +2,9 @@
 #include "StudioDriver.h"
 #include "support/TestClasses.h"
 
-#include "PicturesFolder.h"
 #include "RySettings.h"
-#include "StateFolder.h"
+#include "files/PicturesFolder.h"
+#include "files/StateFolder.h"
 
 #include <QDir>
 #include <QDragEnterEvent>

@@ -2,7 +2,7 @@
 #include "support/TestClasses.h"
 
 #include "RySettings.h"
-#include "ScissorsTool.h"
+#include "tools/ScissorsTool.h"
 
 #include <QComboBox>
 #include <QDir>

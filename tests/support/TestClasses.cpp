@@ -20,7 +20,8 @@ int main(int argc, char **argv)
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi); // pixels are the same on every screen
     const auto found = classes().find(argc > 1 ? argv[1] : "");
     if (found != classes().end())
-        return found->second(argc - 1, argv + 1); // the class names the process, as its program would
+        return found->second(argc - 1,
+                             argv + 1); // the class names the process, as its program would
     std::fputs("The first argument names a class:\n", stderr);
     for (const auto &[name, run] : classes())
         std::fprintf(stderr, "  %s\n", name.data());

@@ -9,7 +9,8 @@ using Run = int (*)(int argc, char **argv);
 
 bool add(const char *name, Run run); ///< before main(), hence an answer to initialise with
 
-template <typename Test, typename Application> int run(int argc, char **argv)
+template <typename Test, typename Application>
+int run(int argc, char **argv)
 {
     const Application application(argc, argv);
     Test test;
@@ -19,5 +20,5 @@ template <typename Test, typename Application> int run(int argc, char **argv)
 } // namespace TestClasses
 
 /// Stands where QTEST_MAIN would; Application is what the class needs, QCoreApplication at the least.
-#define RY_TEST_CLASS(Test, Application) \
+#define RY_TEST_CLASS(Test, Application)                                                           \
     static const bool isAdded = TestClasses::add(#Test, TestClasses::run<Test, Application>);
