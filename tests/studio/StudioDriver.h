@@ -103,7 +103,10 @@ public:
         waitFor([] { return false; }, ms);
     }
 
-    QPoint onCanvas(const QPointF &point) { return canvas().view().toWidget(point).toPoint(); }
+    QPoint onCanvas(const QPointF &point)
+    {
+        return canvas().view().toWidget(PicturePoint(point)).toPoint();
+    }
     void press(const QPointF &point, Qt::MouseButton button = Qt::LeftButton,
                Qt::KeyboardModifiers modifiers = {})
     {
@@ -138,7 +141,7 @@ public:
     }
     void wheel(const QPointF &point, int steps, Qt::KeyboardModifiers modifiers = {})
     {
-        const QPointF local = canvas().view().toWidget(point);
+        const QPointF local = canvas().view().toWidget(PicturePoint(point));
         QWheelEvent event(local, canvas().mapToGlobal(local), {}, {0, 120 * steps}, {}, modifiers,
                           Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(&canvas(), &event);
