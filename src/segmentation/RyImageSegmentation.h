@@ -49,7 +49,7 @@ class RyUndoController;
  * Threads  every public call belongs to the thread that made the object; they may come in any order
  *          at any time, and none waits for work that another thread has begun on a lasso. Calls
  *          that draw a picture draw it in the caller's thread; so work setup() for a picture that
- *          must be converted, containsPath(), lastPath(), setMemento() and setMaskIsInverted().
+ *          must be converted, containsPath(), setMemento() and setMaskIsInverted().
  *          Signals are emitted from
  *          several threads: connect them with the default connection type and they arrive in the
  *          receiver's thread. A mask that was on its way when reset() was called may arrive after
@@ -108,8 +108,8 @@ public:
     /// True when the path lies within the lasso that the regions were computed for, grown by ten
     /// pixels. Takes time in proportion to the path's area.
     bool containsPath(const QPainterPath &path) const;
-    /// The area of the painted selection that was applied last. Strokes that were applied together
-    /// are united here, which takes its time.
+    /// The painted selection that was applied last. Of strokes that were applied together it is the
+    /// pixels that they cover, as a path of rectangles.
     QPainterPath lastPath() const;
 
     /// The region at a point, which is moved into the picture first; 0 where there is none.
@@ -208,6 +208,7 @@ private:
     void startInitialSegmentation(const RyPreparedLasso &lasso);
     void initialSegmentationIsFinished();
     void forgetWorker();
+    void releaseFormerWorker();
     void showFirstCut();
     void startWithStroke(SegmentationMode mode, const QPainterPath &path, bool isForeground,
                          bool isTemporary);

@@ -89,15 +89,21 @@ void RyImageSegmentation::Private::applyStrokes()
                 refinement.cutObjectWithScribble(strokes.stroke, coverage, strokes.isForeground);
         };
         if (const auto mask = change(cut, strokes.age.restores)) {
-            if (isSelection) {
-                const Lock lock(queue);
-                lastSelection = strokes.stroke;
-            }
             sendMask(*mask);
+            if (isSelection)
+                rememberSelection(strokes.stroke, mask->size());
         }
     }
     for (const auto &command : strokes.commands) // beside the next strokes
         QThreadPool::globalInstance()->start([command] { command->compact(); });
+}
+
+/// While the user looks at the mask.
+void RyImageSegmentation::Private::rememberSelection(const RyStroke &stroke, const QSize &picture)
+{
+    QPainterPath selection = coverage.outline(stroke, picture);
+    const Lock lock(queue);
+    lastSelection.swap(selection);
 }
 
 /// Strokes that came while others were cut are applied together, on the newest one's side. What

@@ -55,6 +55,8 @@ void RyImageSegmentation::startInitialSegmentation(const RyPreparedLasso &lasso)
             &RyImageSegmentation::setProgressFromWorker);
     connect(d->worker.get(), &RyInitialSegmentationWorker::finished, this,
             &RyImageSegmentation::initialSegmentationIsFinished);
+    connect(d->worker.get(), &RyInitialSegmentationWorker::ended, this,
+            &RyImageSegmentation::releaseFormerWorker);
     d->worker->startInitialSegmentation(lasso);
 }
 
@@ -63,9 +65,20 @@ void RyImageSegmentation::forgetWorker()
     if (!d->worker)
         return;
     d->worker->stop();
-    d->formerWorkers.push_back(std::move(d->worker));
+    if (!d->worker->hasEnded())
+        d->formerWorkers.push_back(std::move(d->worker));
+    d->worker.reset();
     const Private::Lock lock(d->queue);
     d->queue.setHasWorker(false);
+}
+
+void RyImageSegmentation::releaseFormerWorker()
+{
+    auto *const ended = qobject_cast<RyInitialSegmentationWorker *>(sender());
+    if (!ended)
+        return;
+    ended->noteEnd();
+    std::erase_if(d->formerWorkers, [ended](const auto &worker) { return worker.get() == ended; });
 }
 
 /// The worker's graph cut, while it goes on to the regions. Corrections of it stay.

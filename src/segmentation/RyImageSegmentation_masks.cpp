@@ -42,12 +42,8 @@ QList<QPoint> RyImageSegmentation::pointsOfSuperpixel(const QPointF &point) cons
 
 QPainterPath RyImageSegmentation::lastPath() const
 {
-    RyStroke selection;
-    {
-        const Private::Lock lock(d->queue);
-        selection = d->lastSelection;
-    }
-    return selection.united();
+    const Private::Lock lock(d->queue);
+    return d->lastSelection;
 }
 
 void RyImageSegmentation::setMaskColor(const QColor &color)

@@ -74,6 +74,7 @@ struct RYIMAGECUTTER_NO_EXPORT RyImageSegmentation::Private
     void perform(const Request::SendMask &, const Age &);
     void applyStrokes();
     Strokes takeStrokes();
+    void rememberSelection(const RyStroke &stroke, const QSize &picture);
     bool hasToStartOver(const Request::FirstCut &request, const RySegmentationState &work) const;
     void startOver(const RyPreparedLasso &lasso, quint64 epoch);
     void cut(RySegmentationState &work, CutMethod method, quint64 epoch);
@@ -87,7 +88,7 @@ struct RYIMAGECUTTER_NO_EXPORT RyImageSegmentation::Private
     mutable RySessionQueue queue; // its lock guards everything down to the next comment
 
     RySegmentationState state;
-    RyStroke lastSelection;       // the painted selection that was applied last
+    QPainterPath lastSelection;   // the painted selection that was applied last
     QColor maskColor = Qt::black; // asked for; the cut has the one that its mask is drawn in
     CutMethod cutMethod = CutMethod::Classic;
     bool maskIsInverted = false;
@@ -108,8 +109,8 @@ struct RYIMAGECUTTER_NO_EXPORT RyImageSegmentation::Private
     QRect lassoRect; // of the lasso whose regions are held, or being computed
     std::shared_ptr<RyInitialSegmentationWorker> worker; // whose results are accepted
     bool hasWorkerToReplace = false;                     // as the log tells it
-    // Earlier workers, emptied of their data. They keep their addresses until the session ends, so
-    // that a signal of theirs which is still queued cannot pass for one of the current worker.
+    // Earlier workers. They keep their addresses until the last of their signals was heard, so that
+    // none can pass for one of the current worker.
     std::vector<std::shared_ptr<RyInitialSegmentationWorker>> formerWorkers;
 
     // Never changed. Clicks on the pool may outlive the session, and do not touch it.

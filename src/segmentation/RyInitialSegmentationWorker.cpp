@@ -70,15 +70,16 @@ void RyInitialSegmentationWorker::run()
     State expected = State::Created;
     if (m_state.compare_exchange_strong(expected, State::Running)) {
         Q_EMIT resetProgress();
-        if (computeInAvailableMemory()) {
-            expected = State::Running;
-            if (m_state.compare_exchange_strong(expected, State::Finished)) {
-                Q_EMIT finished();
-                return;
-            }
+        expected = State::Running;
+        if (computeInAvailableMemory() &&
+            m_state.compare_exchange_strong(expected, State::Finished)) {
+            Q_EMIT finished();
+            Q_EMIT ended();
+            return;
         }
     }
     releaseResults(); // stopped: nobody will read them
+    Q_EMIT ended();
 }
 
 /// As compute(); where memory runs out, there are no regions.

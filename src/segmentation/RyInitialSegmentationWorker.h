@@ -62,6 +62,10 @@ public:
     /// Host thread, after finished(): frees the results, the share in the picture and the lasso.
     void releaseResults();
 
+    /// Host thread: whether ended() was heard, so that no signal is on its way.
+    void noteEnd() { m_hasEnded = true; }
+    bool hasEnded() const { return m_hasEnded; }
+
     /// Picture of the results for debugging: every labelled pixel in the mean colour of its region.
     /// Null once the results are released.
     QImage drawClustersWithTransparentColorsAndContours() const;
@@ -69,8 +73,9 @@ public:
 Q_SIGNALS:
     void updateProgress(int currentStep, int totalSteps);
     void resetProgress();
-    void cutIsReady();
     void finished();
+    void cutIsReady();
+    void ended(); ///< the last signal of all, also of a stopped worker
 
 private:
     enum class State { Created, Running, Finished, Stopped };
@@ -85,7 +90,8 @@ private:
     void increaseAndUpdateProgressbar(); // Host thread: the stages' steps arrive queued.
 
     const int m_totalSteps;
-    int m_currentStep = 0;
+    int m_currentStep = 0; // host thread only, as is the next one
+    bool m_hasEnded = false;
     std::atomic<State> m_state = State::Created;
 
     // Written before the start.

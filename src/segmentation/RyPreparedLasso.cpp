@@ -74,6 +74,5 @@ const RyExpandedLasso &RyPreparedLasso::grown() const
 
 bool operator==(const RyPreparedLasso &a, const RyPreparedLasso &b)
 {
-    return a.isCopyOf(b) ||
-           (a.picture() == b.picture() && a.m_forms->drawn == b.m_forms->drawn);
+    return a.isCopyOf(b) || (a.picture() == b.picture() && a.m_forms->drawn == b.m_forms->drawn);
 }

@@ -45,8 +45,8 @@ struct RySessionRequest
     {};
 
     template <typename Step>
-        requires(!std::is_same_v<std::remove_cvref_t<Step>, RySessionRequest>)
-    RySessionRequest(Step &&newStep)
+    requires(!std::is_same_v<std::remove_cvref_t<Step>, RySessionRequest>)
+            RySessionRequest(Step &&newStep)
         : step(std::forward<Step>(newStep))
     {}
 

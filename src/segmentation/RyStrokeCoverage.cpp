@@ -1,6 +1,6 @@
 #include "segmentation/RyStrokeCoverage.h"
 
-#include "image/RyImageMemory.h"
+#include "RyImageMemory.h"
 #include "segmentation/RyLasso.h"
 #include "segmentation/RyStroke.h"
 
@@ -53,6 +53,16 @@ void RyStrokeCoverage::forEachRun(const RyStroke &stroke, const QSize &picture,
         }
     }
     m_covered.swap(covered);
+}
+
+QPainterPath RyStrokeCoverage::outline(const RyStroke &stroke, const QSize &picture)
+{
+    if (stroke.pathCount() < 2)
+        return stroke.firstPath();
+    QPainterPath path;
+    forEachRun(stroke, picture,
+               [&path](int y, int left, int right) { path.addRect(left, y, right - left, 1); });
+    return path;
 }
 
 void RyStrokeCoverage::prepare(const QSize &picture)

@@ -1,6 +1,6 @@
+#include "image/RyColorEdges_p.h"
 #include "image/RyImage.h"
 #include "regiongrowing/RyEdgeDetectorSobelColor.h"
-#include "regiongrowing/RyEdgeDetectorSobelColor_p.h"
 #include "support/TestPictures.h"
 
 #include <QTest>
@@ -131,8 +131,8 @@ void tst_RyEdgeDetectorSobelColor::rowsAgree()
         const QImage rows = TestPictures::noise(std::max(width, 1), 3, quint32(width));
         const auto row = [&](int y) { return reinterpret_cast<const QRgb *>(rows.scanLine(y)); };
         QList<std::uint8_t> plain(width + 1, 77), wide(width + 1, 77); // what is not written stays
-        RyEdgeDetectorSobelKernels::strengthRow(row(0), row(1), row(2), plain.data(), width);
-        RyEdgeDetectorSobelKernels::best()(row(0), row(1), row(2), wide.data(), width);
+        RyColorEdgeKernels::strengthRow(row(0), row(1), row(2), plain.data(), width);
+        RyColorEdgeKernels::best()(row(0), row(1), row(2), wide.data(), width);
         QCOMPARE(wide, plain);
         for (int x = 0; x <= width; ++x)
             if (x < 1 || x > width - 3)

@@ -221,8 +221,10 @@ void tst_RyRegionGrowing::joins()
     growing.setClusterData({RySuperPixel(), record(100, 100, 100, sizes[0]), color}, labels.image);
     growing.createGraph();
     growing.segmentGraph();
+    const QImage drawn = growing.drawClusters();
     growing.reorderLabels();
     QFETCH(bool, joined);
+    QCOMPARE(drawn.pixel(10, 15) == drawn.pixel(11, 15), joined);
     QCOMPARE(growing.clusterCount(), joined ? 2 : 3);
 }
 
@@ -282,6 +284,7 @@ void tst_RyRegionGrowing::runsLikePlainCode()
         QSignalSpy progress(&growing, &RyRegionGrowing::increaseProgress);
         growing.setup(&image, input.lasso, input.sobel, input.edgeStatistic);
         growing.setClusterData(input.records, input.labels);
+        growing.drawClusters(); // too early, but harmless
         growing.run();
         QCOMPARE(progress.size(), RyRegionGrowing::totalProgressSteps());
         QCOMPARE(difference(growing, expected), QString());
@@ -296,6 +299,7 @@ void tst_RyRegionGrowing::cutsAtTheSmallestPicture()
         RyRegionGrowing growing;
         growing.setup(&image, input.lasso, input.sobel, 3.0);
         growing.setClusterData(input.records, input.labels);
+        growing.drawClusters(); // too early, but harmless
         growing.run();
         const QList<QList<QPoint>> points = growing.superPixelPoints();
         QCOMPARE(points.size(), growing.clusterCount());

@@ -46,10 +46,10 @@ void tst_RySessionQueue::init()
 
 void tst_RySessionQueue::keepsTheOrderOfCalls()
 {
-    const std::vector<Request> asked{
-            Request::Hover{{1}}, Request::FirstCut{}, Request::Click{},  Request::Click{},
-            Request::Recolor{},  Request::Recolor{},  Request::Invert{}, Request::Hover{{2}},
-            Request::FirstCut{}, Request::SendMask{}, Request::Recut{},  Request::Recolor{}};
+    const std::vector<Request> asked{Request::Hover{{1}}, Request::FirstCut{}, Request::Click{},
+                                     Request::Click{},    Request::Recolor{},  Request::Recolor{},
+                                     Request::Invert{},   Request::Hover{{2}}, Request::FirstCut{},
+                                     Request::SendMask{}, Request::Recut{},    Request::Recolor{}};
     const auto ask = [&] {
         for (const Request &request : asked)
             m_queue->append(request);
