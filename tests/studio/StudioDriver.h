@@ -1,6 +1,6 @@
 #pragma once
 
-#include "HeapPolicy.h"
+#include "RyHeapPolicy.h"
 #include "background/PaintThreads.h"
 #include "canvas/Canvas.h"
 #include "support/Patience.h"
@@ -27,7 +27,7 @@ class StudioDriver
 public:
     StudioDriver()
     {
-        HeapPolicy::returnLargeBlocks(); // as main() does
+        RyHeapPolicy::returnLargeBlocks(); // as main() does
         PaintThreads::reserve();
         window.show();
         const bool isExposed = QTest::qWaitForWindowExposed(&window);
