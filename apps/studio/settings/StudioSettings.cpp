@@ -26,7 +26,7 @@ QStringList StudioSettings::recentFiles() const
 void StudioSettings::addRecentFile(const QString &fileName)
 {
     if (fileName.contains(lineEnd))
-        return; // no line could hold it
+        return; // the file has one name a line
     QStringList files = recentFiles();
     files.removeAll(fileName);
     files.prepend(fileName);
@@ -127,7 +127,7 @@ void StudioSettings::saveSettings()
     m_lane.run(work, [this](const QString &error) { Q_EMIT saved(error); });
 }
 
-/// The lane's thread. Items that were changed here count as changed until they are written.
+/// The lane's thread. What is unchanged since the last time is left as other programs have set it.
 void StudioSettings::write(const Items &items)
 {
     const RySettingsLock lock;

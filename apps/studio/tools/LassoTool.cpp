@@ -97,10 +97,10 @@ void LassoTool::doubleClick(const PointerEvent &event)
 
 void LassoTool::hover(const PointerEvent &event)
 {
-    const QPointF before = std::exchange(m_pointer, event.position);
+    const PicturePoint before = std::exchange(m_pointer, event.position);
     if (m_points.isEmpty())
         return;
-    for (const QPointF &end : {before, event.position, m_points.first()})
+    for (const QPointF &end : QPolygonF{before, event.position, m_points.first()})
         Q_EMIT overlayChanged(between(m_points.last(), end));
 }
 
@@ -204,7 +204,7 @@ void LassoTool::paint(QPainter &painter, const ViewTransform &view) const
 void LassoTool::paintOpen(QPainter &painter, const ViewTransform &view) const
 {
     const QPolygonF line = view.pictureToWidget().map(m_points);
-    const QPointF pointer = view.toWidget(m_pointer);
+    const WidgetPoint pointer = view.toWidget(m_pointer);
     OverlayLine::draw(painter, line, Qt::SolidLine);
     if (m_isDragging && m_parts.size() == 1)
         return;
