@@ -68,6 +68,11 @@ class Copy:
         self.source, self.build = folder / "source", folder / "build"
         self.refresh()
         self.configure()
+        targets = subprocess.check_output(["ninja", "-C", self.build, "-t", "targets"], text=True)
+        programs = [name for name in re.findall(r"^(tst_\w+): phony", targets, re.MULTILINE)
+                    if not re.search(exclude, name)]
+        if complaint := self.make(programs):
+            sys.exit(complaint)
         listing = subprocess.check_output(["ctest", "--show-only=json-v1"], cwd=self.build)
         self.tests = {test["name"]: test for test in json.loads(listing)["tests"]
                       if not re.search(exclude, test["name"])}
@@ -95,10 +100,12 @@ class Copy:
                         "-DCMAKE_UNITY_BUILD=OFF", "-DRY_BUILD_BENCHMARKS=OFF", *launcher],
                        check=True, stdout=subprocess.DEVNULL)
 
-    def make(self, names):
+    def program(self, test):
+        return Path(self.tests[test]["command"][0]).name
+
+    def make(self, programs):
         """What the compiler complains of; nothing when all is well."""
-        targets = sorted({Path(self.tests[name]["command"][0]).name for name in names})
-        run = subprocess.run(["ninja", "-C", self.build, *targets], text=True,
+        run = subprocess.run(["ninja", "-C", self.build, *sorted(set(programs))], text=True,
                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         return run.stdout if run.returncode else ""
 
@@ -136,7 +143,7 @@ class Copy:
         file.write_text(text)
         try:
             for names in filter(None, [likely, others]):
-                if complaint := self.make(names):
+                if complaint := self.make(map(self.program, names)):
                     sys.exit(f"{mutation.name} does not compile:\n{complaint}")
                 if noticed := self.failing_test(names):
                     return noticed
@@ -161,8 +168,6 @@ def main():
     if lost := [m.name for m in mutations if not m.find(root)]:
         sys.exit("Not in the sources any more, or more than once: " + ", ".join(lost))
     copy = Copy(options.folder, options.exclude)
-    if complaint := copy.make(copy.tests):
-        sys.exit(complaint)
     if broken := [name for name in copy.tests if not copy.passes(name)]:
         sys.exit("Without any fault these fail: " + ", ".join(broken))
 
