@@ -109,7 +109,7 @@ void tst_RyIntelligentScissors::wires()
 {
     QFETCH(QSize, size);
     const int right = size.width() - 1, bottom = size.height() - 1;
-    const int step = std::max(1, size.width() * size.height() / 300);
+    const int step = std::max(1, size.width() * size.height() / 60);
     QByteArrayList found;
     for (const int levels : {1, 2, 5, 256}) {
         Grid grid(size.width(), size.height(), levels);

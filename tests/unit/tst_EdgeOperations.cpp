@@ -4,66 +4,37 @@
 
 #include <QTest>
 
-namespace {
-
-/// A mask of lines in which # is object.
-QImage drawn(const QList<QByteArray> &lines)
-{
-    QImage mask = Masks::filled({int(lines.first().size()), int(lines.size())}, 0);
-    for (int y = 0; y < mask.height(); ++y)
-        for (int x = 0; x < mask.width(); ++x)
-            mask.scanLine(y)[x] = lines.at(y).at(x) == '#' ? 255 : 0;
-    return mask;
-}
-
-} // namespace
-
 class tst_EdgeOperations : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void doesToEdgesWhatItSays_data();
     void doesToEdgesWhatItSays();
     void worksOnAllMasks_data();
     void worksOnAllMasks();
     void keepsTheMask();
     void takesSessionMasks();
     void separatesSoftnessFromTheRest();
-    void answersPlainMasks_data();
     void answersPlainMasks();
-    void refuses_data();
     void refuses();
-    void stops_data();
     void stops();
 };
 
-void tst_EdgeOperations::doesToEdgesWhatItSays_data()
-{
-    QTest::addColumn<EdgeOptions>("options");
-    QTest::addColumn<QList<QByteArray>>("before");
-    QTest::addColumn<QList<QByteArray>>("after");
-    using Lines = QList<QByteArray>;
-    const auto row = [](const char *name, const EdgeOptions &options, const Lines &before,
-                        const Lines &after) { QTest::newRow(name) << options << before << after; };
-    // Corners hold objects together, but not the ground.
-    row("drop", {.drop = 3}, {"#..##", ".#...", "..#.."}, {"#....", ".#...", "..#.."});
-    row("fill", {.fill = 2}, {"#####", "#.###", "##..#", "#####"},
-        {"#####", "#####", "##..#", "#####"});
-    row("grow", {.grow = 2}, {".....", ".....", "..#..", ".....", "....."},
-        {"..#..", ".###.", "#####", ".###.", "..#.."});
-    row("shrink", {.grow = -1}, {"####.", "####.", "####.", "....."},
-        {"###..", "###..", ".....", "....."});
-    row("smooth", {.smooth = 2}, {"####....", "####....", "#####...", "####....", "####...."},
-        {"####....", "####....", "####....", "####....", "####...."});
-}
-
 void tst_EdgeOperations::doesToEdgesWhatItSays()
 {
-    QFETCH(EdgeOptions, options);
-    QFETCH(QList<QByteArray>, before);
-    QFETCH(QList<QByteArray>, after);
-    QCOMPARE(EdgeOperations::apply(drawn(before), options).alpha, drawn(after));
+    const auto edited = [](const QByteArray &rows, const EdgeOptions &options) {
+        return EdgeOperations::apply(Masks::drawn(rows), options).alpha;
+    };
+    // Corners hold objects together, but not the ground.
+    QCOMPARE(edited("#..##/.#.../..#..", {.drop = 3}), Masks::drawn("#..../.#.../..#.."));
+    QCOMPARE(edited("#####/#.###/##..#/#####", {.fill = 2}),
+             Masks::drawn("#####/#####/##..#/#####"));
+    QCOMPARE(edited("...../...../..#../...../.....", {.grow = 2}),
+             Masks::drawn("..#../.###./#####/.###./..#.."));
+    QCOMPARE(edited("####./####./####./.....", {.grow = -1}),
+             Masks::drawn("###../###../...../....."));
+    QCOMPARE(edited("####..../####..../#####.../####..../####....", {.smooth = 2}),
+             Masks::drawn("####..../####..../####..../####..../####...."));
 }
 
 void tst_EdgeOperations::worksOnAllMasks_data()
@@ -139,66 +110,40 @@ void tst_EdgeOperations::separatesSoftnessFromTheRest()
     QCOMPARE(result.alpha, EdgeOperations::apply(result.object, {.feather = 6}).alpha);
 }
 
-void tst_EdgeOperations::answersPlainMasks_data()
-{
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<int>("value");
-    for (const QSize &size : {QSize(1, 500), QSize(9000, 40), QSize(40, 9000)}) {
-        for (const int value : {0, 255})
-            QTest::addRow("%d x %d of %d", size.width(), size.height(), value) << size << value;
-    }
-}
-
 /// An edge at the picture's border is none.
 void tst_EdgeOperations::answersPlainMasks()
 {
-    QFETCH(QSize, size);
-    QFETCH(int, value);
-    const QImage mask = Masks::filled(size, uchar(value));
-    for (const int grow : {-30, 30})
-        QCOMPARE(EdgeOperations::apply(mask, {.smooth = 30, .grow = grow, .feather = 30}).alpha,
-                 mask);
-}
-
-void tst_EdgeOperations::refuses_data()
-{
-    QTest::addColumn<QImage>("mask");
-    QTest::addColumn<EdgeOptions>("options");
-    const QImage mask = Masks::filled({4, 4}, 255);
-    QTest::newRow("null") << QImage() << EdgeOptions{.feather = 1};
-    QTest::newRow("one bit") << mask.convertToFormat(QImage::Format_Mono) << EdgeOptions();
-    QTest::newRow("too far") << mask << EdgeOptions{.grow = -EdgeOptions::mostPixels - 1};
-    QTest::newRow("below 0") << mask << EdgeOptions{.smooth = -1};
-    QTest::newRow("too large") << mask << EdgeOptions{.fill = EdgeOptions::mostArea + 1};
+    for (const QSize &size : {QSize(1, 500), QSize(9000, 40), QSize(40, 9000)})
+        for (const uchar value : {0, 255})
+            for (const int grow : {-30, 30}) {
+                const QImage mask = Masks::filled(size, value);
+                const EdgeOptions options{.smooth = 30, .grow = grow, .feather = 30};
+                QCOMPARE(EdgeOperations::apply(mask, options).alpha, mask);
+            }
 }
 
 void tst_EdgeOperations::refuses()
 {
-    QFETCH(QImage, mask);
-    QFETCH(EdgeOptions, options);
-    const CutoutMask result = EdgeOperations::apply(mask, options);
-    QVERIFY(result.alpha.isNull() && result.object.isNull());
-}
-
-void tst_EdgeOperations::stops_data()
-{
-    QTest::addColumn<EdgeOptions>("options");
-    QTest::newRow("drop") << EdgeOptions{.drop = 1};
-    QTest::newRow("fill") << EdgeOptions{.fill = 1};
-    QTest::newRow("smooth") << EdgeOptions{.smooth = 1};
-    QTest::newRow("grow") << EdgeOptions{.grow = 1};
-    QTest::newRow("shrink") << EdgeOptions{.grow = -1};
-    QTest::newRow("feather") << EdgeOptions{.feather = 1};
+    const QImage mask = Masks::filled({4, 4}, 255);
+    QVERIFY(EdgeOperations::apply({}, {.feather = 1}).alpha.isNull());
+    QVERIFY(EdgeOperations::apply(mask.convertToFormat(QImage::Format_Mono), {}).alpha.isNull());
+    const int tooFar = EdgeOptions::mostPixels + 1;
+    for (const EdgeOptions &options : {EdgeOptions{.grow = -tooFar}, EdgeOptions{.smooth = -1},
+                                       EdgeOptions{.fill = EdgeOptions::mostArea + 1}}) {
+        const CutoutMask result = EdgeOperations::apply(mask, options);
+        QVERIFY(result.alpha.isNull() && result.object.isNull());
+    }
 }
 
 void tst_EdgeOperations::stops()
 {
-    QFETCH(EdgeOptions, options);
     std::stop_source source;
-    const QImage mask = Masks::random({30, 20}, false, 1);
-    QVERIFY(!EdgeOperations::apply(mask, options, source.get_token()).alpha.isNull());
     source.request_stop();
-    QVERIFY(EdgeOperations::apply(mask, options, source.get_token()).alpha.isNull());
+    const QImage mask = Masks::random({30, 20}, false, 1);
+    for (const EdgeOptions &options :
+         {EdgeOptions{.drop = 1}, EdgeOptions{.fill = 1}, EdgeOptions{.smooth = 1},
+          EdgeOptions{.grow = 1}, EdgeOptions{.grow = -1}, EdgeOptions{.feather = 1}})
+        QVERIFY(EdgeOperations::apply(mask, options, source.get_token()).alpha.isNull());
 }
 
 QTEST_GUILESS_MAIN(tst_EdgeOperations)

@@ -38,7 +38,6 @@ class tst_RyPointPriorityQueue : public QObject
 private Q_SLOTS:
     void runsScripts_data();
     void runsScripts();
-    void heapOfTheSearchAgrees_data();
     void heapOfTheSearchAgrees();
     void misuseChangesNothing();
     void blocksComeBack();
@@ -93,43 +92,37 @@ void tst_RyPointPriorityQueue::runsScripts()
     QTEST(found.join(' '), "expected");
 }
 
-void tst_RyPointPriorityQueue::heapOfTheSearchAgrees_data()
-{
-    QTest::addColumn<quint32>("levels");
-    for (const quint32 levels : {1U, 2U, 361U, 0xFFFFFFFFU})
-        QTest::addRow("%u costs", levels) << levels;
-}
-
 void tst_RyPointPriorityQueue::heapOfTheSearchAgrees()
 {
-    QFETCH(quint32, levels);
     constexpr quint32 side = 120; // more points than the heap's first capacity
-    QRandomGenerator random(levels);
-    RyPointPriorityQueue queue(side, side);
-    RyScissorsHeap heap;
-    std::map<quint32, quint32> slotOf;
-    for (int step = 0; step < 60000; ++step) {
-        const quint32 x = random.bounded(side), y = random.bounded(side);
-        const quint32 cost = random.bounded(levels);
-        const bool grows = step % 20000 < 14000;
-        if (random.bounded(10U) < (grows ? 2U : 8U)) {
-            QCOMPARE(heap.isEmpty(), queue.count() == 0);
-            if (heap.isEmpty())
-                continue;
-            const Entry expected = dequeued(queue);
-            const auto [cheapestX, cheapestY] = heap.cheapest();
-            QCOMPARE(std::tuple(cheapestX, cheapestY, heap.lowestCost()),
-                     std::tuple(expected.x, expected.y, expected.score));
-            heap.removeCheapest();
-        } else if (queue.contains(x, y)) {
-            const quint32 slot = slotOf[y * side + x];
-            const bool isLower = heap.isAbove(slot, cost);
-            QCOMPARE(queue.descreaseScore(x, y, cost), isLower);
-            if (isLower)
-                heap.decrease(slot, cost);
-        } else {
-            queue.enqueue(x, y, 0, cost);
-            slotOf[y * side + x] = heap.insert({x, y}, cost);
+    for (const quint32 levels : {1U, 2U, 361U, 0xFFFFFFFFU}) {
+        QRandomGenerator random(levels);
+        RyPointPriorityQueue queue(side, side);
+        RyScissorsHeap heap;
+        std::map<quint32, quint32> slotOf;
+        for (int step = 0; step < 60000; ++step) {
+            const quint32 x = random.bounded(side), y = random.bounded(side);
+            const quint32 cost = random.bounded(levels);
+            const bool grows = step % 20000 < 14000;
+            if (random.bounded(10U) < (grows ? 2U : 8U)) {
+                QCOMPARE(heap.isEmpty(), queue.count() == 0);
+                if (heap.isEmpty())
+                    continue;
+                const Entry expected = dequeued(queue);
+                const auto [cheapestX, cheapestY] = heap.cheapest();
+                QCOMPARE(std::tuple(cheapestX, cheapestY, heap.lowestCost()),
+                         std::tuple(expected.x, expected.y, expected.score));
+                heap.removeCheapest();
+            } else if (queue.contains(x, y)) {
+                const quint32 slot = slotOf[y * side + x];
+                const bool isLower = heap.isAbove(slot, cost);
+                QCOMPARE(queue.descreaseScore(x, y, cost), isLower);
+                if (isLower)
+                    heap.decrease(slot, cost);
+            } else {
+                queue.enqueue(x, y, 0, cost);
+                slotOf[y * side + x] = heap.insert({x, y}, cost);
+            }
         }
     }
 }

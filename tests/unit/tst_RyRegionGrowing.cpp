@@ -11,7 +11,7 @@
 #include <QTest>
 
 #include <algorithm>
-#include <limits>
+#include <climits>
 
 using Samples::rectangle;
 using TestPictures::Machine;
@@ -45,14 +45,7 @@ Input mosaic(const QSize &size, int records, quint32 seed)
     input.picture = TestPictures::noise(size.width(), size.height(), seed + 1);
     input.sobel = QImage(size, QImage::Format_ARGB32);
     input.labels = RyLabelImage::create(size);
-    const QList<int> strange{0,
-                             -1,
-                             -2,
-                             -999,
-                             records,
-                             records + 1,
-                             std::numeric_limits<int>::max(),
-                             std::numeric_limits<int>::min()};
+    const QList<int> strange{0, -1, -2, -999, records, records + 1, INT_MAX, INT_MIN};
     const int patch = random.bounded(2, 7);
     QHash<QPoint, int> patches;
     for (int y = 0; y < size.height(); ++y)
@@ -157,8 +150,8 @@ void tst_RyRegionGrowing::tellsDirectionsApart()
     const RyRegionGrowingFromTo back(7, 3);
     QVERIFY(!(there == back));
     QCOMPARE(qHash(there), size_t(70003));
-    QCOMPARE(qHash(back, 1), size_t(30006));                          // 30007, seeded
-    qHash(RyRegionGrowingFromTo(1, std::numeric_limits<int>::max())); // wraps
+    QCOMPARE(qHash(back, 1), size_t(30006));  // 30007, seeded
+    qHash(RyRegionGrowingFromTo(1, INT_MAX)); // wraps
     const QList<RySuperPixel> records{record(0, 0, 0, 1), record(9, 8, 7, 1), record(1, 9, 7, 1)};
     const RyRegionGrowingEdge edge(RyRegionGrowingFromTo(1, 2), records, 3.5);
     QCOMPARE(edge.colorDifference(), RyYCbCr(8, 1, 0));

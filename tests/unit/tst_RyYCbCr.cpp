@@ -28,12 +28,9 @@ class tst_RyYCbCr : public QObject
 private Q_SLOTS:
     void roundsHalvesAwayFromZero();
     void measuresInSignedNumbers();
-    void showsColours_data();
     void showsColours();
-    void findsHues_data();
     void findsHues();
     void convertsEveryColour();
-    void convertsPictures_data();
     void convertsPictures();
     void convertsOtherFormats();
     void sharesGivenPlanes();
@@ -62,42 +59,28 @@ void tst_RyYCbCr::measuresInSignedNumbers()
     QCOMPARE(a.distanceQuadrat(RyYCbCrPixel{10, 20, 30, 0}), 800);
 }
 
-void tst_RyYCbCr::showsColours_data()
-{
-    QTest::addColumn<QList<int>>("channels");
-    QTest::addColumn<QRgb>("shown");
-    QTest::newRow("grey") << QList<int>{128, 128, 128} << 0xFF808080;
-    QTest::newRow("blue from cb, red too") << QList<int>{100, 200, 128} << 0xFFC84BE3;
-    QTest::newRow("clamps below") << QList<int>{50, 0, 255} << 0xFF000300;
-    QTest::newRow("clamps above") << QList<int>{250, 255, 0} << 0xFFFFFFFF;
-    QTest::newRow("red ignores cr") << QList<int>{100, 128, 200} << 0xFF643064;
-}
-
 void tst_RyYCbCr::showsColours()
 {
-    QFETCH(QList<int>, channels);
-    const RyYCbCr color{uint(channels[0]), uint(channels[1]), uint(channels[2])};
-    QTEST(color.rgb(), "shown");
-}
-
-void tst_RyYCbCr::findsHues_data()
-{
-    QTest::addColumn<QList<double>>("rgb");
-    QTest::addColumn<QList<double>>("hsv");
-    QTest::newRow("black") << QList<double>{0, 0, 0} << QList<double>{-1, 0, 0};
-    QTest::newRow("blue") << QList<double>{0, 0, 255} << QList<double>{240, 1, 255};
-    QTest::newRow("rose") << QList<double>{255, 0, 128}
-                          << QList<double>{360.0 - 60.0 * 128 / 255, 1, 255};
-    QTest::newRow("red before green") << QList<double>{9, 9, 0} << QList<double>{60, 1, 9};
-    QTest::newRow("green before blue") << QList<double>{0, 8, 8} << QList<double>{180, 1, 8};
+    QCOMPARE(RyYCbCr(128, 128, 128).rgb(), 0xFF808080);
+    QCOMPARE(RyYCbCr(100, 200, 128).rgb(), 0xFFC84BE3); // red from cb, as blue
+    QCOMPARE(RyYCbCr(50, 0, 255).rgb(), 0xFF000300);
+    QCOMPARE(RyYCbCr(250, 255, 0).rgb(), 0xFFFFFFFF);
+    QCOMPARE(RyYCbCr(100, 128, 200).rgb(), 0xFF643064);
 }
 
 void tst_RyYCbCr::findsHues()
 {
-    QFETCH(QList<double>, rgb);
+    const std::pair<QList<double>, QList<double>> known[] = {
+            {{0, 0, 0}, {-1, 0, 0}},
+            {{0, 0, 255}, {240, 1, 255}},
+            {{255, 0, 128}, {360.0 - 60.0 * 128 / 255, 1, 255}},
+            {{9, 9, 0}, {60, 1, 9}}, // red before green
+            {{0, 8, 8}, {180, 1, 8}}};
     double h = 0, s = 0, v = 0;
-    RyColorConverter::RGBtoHSV(rgb[0], rgb[1], rgb[2], &h, &s, &v);
-    QTEST((QList<double>{h, s, v}), "hsv");
+    for (const auto &[rgb, hsv] : known) {
+        RyColorConverter::RGBtoHSV(rgb[0], rgb[1], rgb[2], &h, &s, &v);
+        QCOMPARE(QList({h, s, v}), hsv);
+    }
     RyColorConverter::RGBtoHSV(7, 7, 7, &h, &s, &v);
     QVERIFY(std::isnan(h));
     double red = 0, green = 0, blue = 0;
@@ -121,32 +104,20 @@ void tst_RyYCbCr::convertsEveryColour()
     QCOMPARE(hash.result().toHex().left(16), QByteArray("8f4d779b6e0159ed"));
 }
 
-void tst_RyYCbCr::convertsPictures_data()
-{
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<int>("cores");
-    QTest::newRow("nothing") << QSize(0, 0) << 2;
-    QTest::newRow("one pixel") << QSize(1, 1) << 2;
-    QTest::newRow("one column") << QSize(1, 333) << 64;
-    for (const int cores : {1, 3, 64})
-        for (const int rows : {200, 201})
-            QTest::addRow("%d rows, %d cores", rows, cores) << QSize(13, rows) << cores;
-}
-
 void tst_RyYCbCr::convertsPictures()
 {
-    QFETCH(QSize, size);
-    QFETCH(int, cores);
-    for (const int lanes : {1, 8}) {
-        const Machine machine(cores, lanes);
-        const QImage picture = TestPictures::noise(size.width(), size.height(), 5);
-        const QImage plane = RyImage(picture, QFileInfo()).imageYCbCr();
-        QCOMPARE(plane.size(), size);
-        QCOMPARE(plane.format(), picture.format());
-        for (int y = 0; y < size.height(); ++y)
-            for (int x = 0; x < size.width(); ++x)
-                QCOMPARE(plane.pixel(x, y), packed(picture.pixel(x, y)));
-    }
+    for (const QSize &size :
+         {QSize(0, 0), QSize(1, 1), QSize(1, 333), QSize(13, 200), QSize(13, 201)})
+        for (const int cores : {1, 3, 64}) {
+            const Machine machine(cores);
+            const QImage picture = TestPictures::noise(size.width(), size.height(), 5);
+            const QImage plane = RyImage(picture, QFileInfo()).imageYCbCr();
+            QCOMPARE(plane.size(), size);
+            QCOMPARE(plane.format(), picture.format());
+            for (int y = 0; y < size.height(); ++y)
+                for (int x = 0; x < size.width(); ++x)
+                    QCOMPARE(plane.pixel(x, y), packed(picture.pixel(x, y)));
+        }
 }
 
 /// All formats give the plane of their picture; some are as wide as RGB words and order their
