@@ -13,6 +13,8 @@
 #include "cutout/MaskImage.h"
 #include "gestures/GestureError.h"
 
+#include <memory>
+
 using namespace Qt::StringLiterals;
 
 CutRun::CutRun(const CutOptions &options)
@@ -74,7 +76,8 @@ QImage CutRun::play(CutSession &session, const QImage &picture) const
 
 void CutRun::takeResults(const CutSession &session)
 {
-    const auto memento = session.segmentation().createMemento(true);
+    const std::unique_ptr<const RyMementoSegmentation> memento(
+            session.segmentation().createMemento(true));
     m_result.lasso = session.lasso();
     m_result.labels = memento->labels();
     m_result.foregroundRegions = memento->foregroundClusters().size();

@@ -1,6 +1,6 @@
 #include "HeapPolicy.h"
-#include "MainWindow.h"
-#include "PaintThreads.h"
+#include "background/PaintThreads.h"
+#include "window/MainWindow.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

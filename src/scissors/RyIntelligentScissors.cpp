@@ -79,6 +79,7 @@ void RyIntelligentScissors::createCalculators()
             &RyIntelligentScissors::progessChanged);
     connect(wire.get(), &RyIntelligentScissorsWorker::progressChanged, this,
             &RyIntelligentScissors::progessChanged);
+    connect(wire.get(), &QThread::finished, this, &RyIntelligentScissors::searchEnded);
     const QMutexLocker lock(&m_mutex);
     m_weightCalculator = std::move(weights);
     m_wireCalculator = std::move(wire);

@@ -82,6 +82,9 @@ Q_SIGNALS:
     /// stopRunning() a number of points. May tell of an old seed after a new one was set. The
     /// spelling is the interface's own.
     void progessChanged(double theValue);
+    /// The search from a seed has come to its end, or was stopped; no more progress of it follows.
+    /// Whoever finds isSearching() true will hear it. By then another search may have begun.
+    void searchEnded();
 
 private:
     static QImage greyOf(const QImage &picture);

@@ -50,7 +50,7 @@ namespace {
 
 QImage labelsOf(const SessionDriver &driver)
 {
-    return driver.session.createMemento(true)->labels();
+    return mementoOf(driver.session, true)->labels();
 }
 
 QImage smallPhotograph()
@@ -433,7 +433,7 @@ void tst_RyImageSegmentation::inverts()
     QCOMPARE(Pixels::foreground(driver.session.maskForeground()), background);
     driver.session.setMaskIsInverted(false); // at once
     QCOMPARE(driver.session.maskForeground(), mask);
-    const auto memento = driver.session.createMemento(false);
+    const auto memento = mementoOf(driver.session, false);
     QVERIFY(memento->labels().isNull() && memento->pointsOfSuperpixels().isEmpty());
     QCOMPARE(memento->mask(), mask);
 }

@@ -193,7 +193,7 @@ void tst_RyRefinement::refinesWithoutRegions()
     };
     QVERIFY(refine());
     QVERIFY(session.maskForeground().isNull());
-    QCOMPARE(session.createMemento(false)->foregroundClusters(), QSet{0});
+    QCOMPARE(mementoOf(session, false)->foregroundClusters(), QSet{0});
     for (const int diameter : {1, 2, 40})
         QVERIFY(session.superpixels({70, 50}, diameter).isEmpty());
     QVERIFY(session.pointsOfSuperpixel({70, 50}).isEmpty());

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Canvas.h"
 #include "HeapPolicy.h"
-#include "MainWindow.h"
-#include "PaintThreads.h"
+#include "background/PaintThreads.h"
+#include "canvas/Canvas.h"
 #include "support/Patience.h"
 #include "support/Samples.h"
+#include "window/MainWindow.h"
 
 #include <QAction>
 #include <QDeadlineTimer>

@@ -1,16 +1,16 @@
 #include "StudioDriver.h"
 
-#include "EdgePanel.h"
-#include "EdgePreview.h"
-#include "ExportDialog.h"
-#include "Exporter.h"
 #include "RySettings.h"
+#include "canvas/EdgePreview.h"
 #include "cutout/EdgeColours.h"
 #include "cutout/EdgeOperations.h"
 #include "cutout/MaskImage.h"
 #include "cutout/MaskOutline.h"
 #include "cutout/SvgOutline.h"
+#include "files/Exporter.h"
 #include "settings/RyImageCutterSettings.h"
+#include "window/EdgePanel.h"
+#include "window/ExportDialog.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>

@@ -1,11 +1,11 @@
 #include "StudioDriver.h"
 
-#include "ColorButton.h"
-#include "PreferencesDialog.h"
 #include "RySettings.h"
-#include "StudioSettings.h"
-#include "WindowSettings.h"
 #include "settings/RyImageCutterSettings.h"
+#include "settings/StudioSettings.h"
+#include "settings/WindowSettings.h"
+#include "widgets/ColorButton.h"
+#include "window/PreferencesDialog.h"
 
 #include <QDialogButtonBox>
 #include <QDir>

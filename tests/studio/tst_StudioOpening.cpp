@@ -1,9 +1,9 @@
 #include "Answerer.h"
 #include "StudioDriver.h"
 
-#include "PicturesFolder.h"
 #include "RySettings.h"
-#include "StateFolder.h"
+#include "files/PicturesFolder.h"
+#include "files/StateFolder.h"
 
 #include <QDir>
 #include <QDragEnterEvent>

@@ -1,7 +1,7 @@
 #include "StudioDriver.h"
 
 #include "RySettings.h"
-#include "ScissorsTool.h"
+#include "tools/ScissorsTool.h"
 
 #include <QComboBox>
 #include <QDir>

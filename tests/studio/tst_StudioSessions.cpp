@@ -1,11 +1,11 @@
 #include "Answerer.h"
 #include "StudioDriver.h"
 
-#include "Autosave.h"
-#include "EditedMask.h"
 #include "RySettings.h"
-#include "StateFolder.h"
-#include "StudioSettings.h"
+#include "document/EditedMask.h"
+#include "files/Autosave.h"
+#include "files/StateFolder.h"
+#include "settings/StudioSettings.h"
 #include "support/TestPictures.h"
 
 #include <QClipboard>

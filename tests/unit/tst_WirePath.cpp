@@ -1,4 +1,4 @@
-#include "WirePath.h"
+#include "document/WirePath.h"
 
 #include <QTest>
 
