@@ -7,8 +7,9 @@
 #include <benchmark/benchmark.h>
 
 /**
- * What the benchmarks measure on: the coffee photograph scaled so that the rectangle of an elliptic
- * lasso, of a given width and height, is half of it: real edges and colours at every size.
+ * What the benchmarks measure on: the coffee photograph scaled so that the rectangle of an
+ * elliptic lasso, of a given width and height, is half of it: real edges and colours at every
+ * size.
  */
 struct BenchmarkPicture
 {

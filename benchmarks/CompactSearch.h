@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scissors/RyZeroedPages.h"
+#include "RyZeroedPages.h"
 
 #include <QImage>
 
@@ -12,8 +12,8 @@
  * progress and no stop. The measure for the search that hosts get, which has all of these.
  *
  * One binary heap of 8-byte entries that move into a hole, a 4-byte heap index and one byte of
- * direction a point, and rows within a frame that cannot be entered. Points become final in the same
- * order as with RyScissorsSearch.
+ * direction a point, and rows within a frame that cannot be entered. Points become final in the
+ * same order as with RyScissorsSearch.
  */
 class CompactSearch
 {

@@ -87,7 +87,8 @@ BENCHMARK(edgePictureForScissors)
         ->Unit(benchmark::kMillisecond)
         ->UseRealTime();
 
-/// From a seed to a wire 200 pixels away: the first on a picture, weights included, or a later one.
+/// From a seed to a wire 200 pixels away: the first on a picture, weights included, or a later
+/// one.
 static void seedToWire(benchmark::State &state)
 {
     const QImage picture = edges(state);

@@ -4,9 +4,9 @@
 
 #include <vector>
 
-// Another live wire, on the same pictures and from the same seeds. It has a grid point for each pixel,
-// finds edges by itself, and gives no wire before it has found all of them. Larger pictures take it
-// half a minute.
+// Another live wire, on the same pictures and from the same seeds. It has a grid point for each
+// pixel, finds edges by itself, and gives no wire before it has found all of them. Larger pictures
+// take it half a minute.
 
 namespace {
 

@@ -1,5 +1,7 @@
 #include "RyCpuFeatures.h"
 
+#include "RyVectorTarget.h"
+
 #include <atomic>
 
 namespace {
@@ -14,7 +16,7 @@ std::atomic<bool> &enabledFlag(RyCpuFeature feature)
 
 bool machineHas(RyCpuFeature feature)
 {
-#if defined(__x86_64__) || defined(__i386__)
+#if RY_HAS_X86_VECTORS
     // The compiler's own run-time library tests what the operating system saves as well.
     switch (feature) {
     case RyCpuFeature::Ssse3:

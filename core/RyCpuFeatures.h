@@ -2,7 +2,7 @@
 
 #include "RyCoreExport.h"
 
-/// Processor features that choose a vector kernel. The values are part of the interface.
+/// Processor features that choose a vector kernel. Their numbers must stay: programs pass them on.
 enum class RyCpuFeature : int {
     Ssse3 = 9, ///< 128-bit byte shuffles
     Avx2 = 37, ///< 256-bit integer operations, and a system that saves their registers

@@ -5,10 +5,10 @@
 
 /// Files in QSettings' INI form, read and written as a whole.
 ///
-/// QSettings itself only ever sees a copy of its own. It keeps the files that it has opened for the
-/// whole process: on a second look a damaged file passes for a sound one, what was changed within
-/// the same millisecond passes for unchanged, and a write that failed is made up for whenever the
-/// file is opened next, over what others have written since.
+/// QSettings itself only ever sees a copy of its own. It keeps the files that it has opened for
+/// the whole process: on a second look a damaged file passes for a sound one, what was changed
+/// within the same millisecond passes for unchanged, and a write that failed is made up for
+/// whenever the file is opened next, over what others have written since.
 namespace RyIniFile {
 
 struct Content
@@ -20,8 +20,8 @@ struct Content
 
 Content read(const QString &fileName);
 
-/// Replaces the file by one with these entries, at least one; or leaves it as it is and says why it
-/// cannot be written.
+/// Replaces the file by one with these entries, at least one; or leaves it as it is and says why
+/// it cannot be written.
 QString write(const QString &fileName, const QVariantMap &entries);
 
 } // namespace RyIniFile

@@ -27,7 +27,7 @@ public:
 
     int countElements() const;
 
-    /// The exclusive end, last + 1. The spelling is the interface's own.
+    /// The exclusive end, last + 1. Hosts call it in this spelling.
     int lastIndexEvenIfUnvalid() const;
 
     /// Contiguous ascending pieces that cover the range once: one for each processor core, fewer

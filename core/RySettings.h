@@ -12,8 +12,8 @@
  *
  * File     INI as QSettings writes it, RyImageCutter.ini in the XDG configuration folder; made at
  *          the first save, along with its folder.
- * Sharing  several processes may use the file at once. Only what was changed here, or what the file
- *          does not have yet, is written over what it holds at that moment.
+ * Sharing  several processes may use the file at once. Only what was changed here, or what the
+ *          file does not have yet, is written over what it holds at that moment.
  * Errors   a file that is damaged or cannot be read counts as one without entries. A damaged one
  *          stays as it is until something is changed; what can still be read of it then remains.
  *          What cannot be saved stays changed, and goes along with the next save. Each failure is
@@ -56,8 +56,8 @@ public:
 protected:
     RySettings() = default;
 
-    /// For entries that are no items: what save() does with one. *isChanged is not 0 when the value
-    /// was changed here, becomes 0 once it is in the file, and must live as long as an item.
+    /// For entries that are no items: what save() does with one. *isChanged is not 0 when the
+    /// value was changed here, becomes 0 once it is in the file, and must live as long as an item.
     void saveEntry(const QString &key, const QVariant &value, quintptr *isChanged);
 
 private:

@@ -10,7 +10,8 @@
 #include <vector>
 
 /**
- * The settings file of this process: who may use it, what it holds, and what is about to be written.
+ * The settings file of this process: who may use it, what it holds, and what is about to be
+ * written.
  *
  * Threads  fileName(), setFileName(), saveError(), lock() and unlock() are safe from every thread;
  *          the rest is called between lock() and unlock().

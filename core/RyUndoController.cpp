@@ -162,8 +162,7 @@ void RyUndoController::forgetOldest(int steps)
     if (cleanIndex != 0)
         m_stack.resetClean();
     for (const auto &command : kept) {
-        m_stack.push(
-                new Place(command, m_runningCommands)); // it is done, so pushing does nothing to it
+        m_stack.push(new Place(command, m_runningCommands)); // it is done: nothing happens to it
         if (m_stack.index() == cleanIndex)
             m_stack.setClean();
     }

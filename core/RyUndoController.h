@@ -14,8 +14,8 @@ class RyUndoCommand;
 /**
  * The steps that a host's user can undo, from all sessions of the host, in their order.
  *
- * A host shows stack() in its menus and in a QUndoView. Commands reach it through accept() only, so
- * that the oldest steps can go when there are too many.
+ * A host shows stack() in its menus and in a QUndoView. Commands reach it through accept() only,
+ * so that the oldest steps can go when there are too many.
  *
  * Threads  lives in the application's main thread, and everything but accept() belongs there.
  */
@@ -35,15 +35,13 @@ public:
     Q_DISABLE_COPY_MOVE(RyUndoController)
 
     /// Takes a command over. Any thread: a command from another thread, or from within another one
-    /// that is being undone, arrives a little later, in the order in which the commands were handed
-    /// over. Null is ignored.
+    /// that is being undone, arrives a little later, in the order in which the commands were
+    /// handed over. Null is ignored.
     void accept(std::shared_ptr<RyUndoCommand> command);
 
     /// Both at least 1. The oldest steps go first, as soon as the next command is accepted; the
     /// newest one always stays, whatever its size.
     void setLimits(int steps, qint64 bytes);
-    int stepLimit() const { return m_stepLimit; }
-    qint64 byteLimit() const { return m_byteLimit; }
     /// What all steps keep in memory at this moment.
     qint64 sizeInBytes() const;
 

@@ -1,10 +1,10 @@
 #include "cutout/MaskPieces.h"
 
+#include "RyConnectedRuns.h"
 #include "cutout/MaskImage.h"
 
-#include <QList>
-
 #include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -25,36 +25,10 @@ struct BackgroundPieces
     static bool counts(uchar value) { return value < MaskImage::half; }
 };
 
-/// Pixels of one piece that lie side by side in a row. Runs of a piece form a tree, whose root
-/// holds the piece's size.
-struct Run
-{
-    int row, begin, end; // end is exclusive
-    qsizetype parent;
-    qint64 pixels;
-};
-
-qsizetype root(QList<Run> &runs, qsizetype index)
-{
-    while (runs[index].parent != index) {
-        runs[index].parent = runs[runs[index].parent].parent; // keeps later ways short
-        index = runs[index].parent;
-    }
-    return index;
-}
-
-void join(QList<Run> &runs, qsizetype a, qsizetype b)
-{
-    a = root(runs, a);
-    b = root(runs, b);
-    if (a == b)
-        return;
-    runs[std::max(a, b)].parent = std::min(a, b);
-    runs[std::min(a, b)].pixels += runs[std::max(a, b)].pixels;
-}
-
+/// Runs of a row's pixels that belong to pieces, and how many pixels of each count.
 template <typename Pieces>
-void appendRuns(QList<Run> &runs, const uchar *row, int width, int y)
+void appendRuns(RyConnectedRuns &runs, std::vector<qint64> &counts, const uchar *row, int width,
+                int y)
 {
     const uchar *const end = row + width;
     for (const uchar *pixel = row;;) {
@@ -62,25 +36,8 @@ void appendRuns(QList<Run> &runs, const uchar *row, int width, int y)
         if (first == end)
             return;
         pixel = std::find_if_not(first, end, Pieces::contains);
-        runs.append({y, int(first - row), int(pixel - row), runs.size(),
-                     std::count_if(first, pixel, Pieces::counts)});
-    }
-}
-
-/// Joins runs from `begin` on with those of the row before, which are [above, begin).
-template <typename Pieces>
-void joinRows(QList<Run> &runs, qsizetype above, qsizetype begin)
-{
-    const qsizetype endAbove = begin;
-    for (qsizetype run = begin; run < runs.size() && above < endAbove;) {
-        if (runs[above].end + Pieces::reach <= runs[run].begin) {
-            ++above;
-        } else if (runs[run].end + Pieces::reach <= runs[above].begin) {
-            ++run;
-        } else {
-            join(runs, above, run);
-            runs[above].end < runs[run].end ? ++above : ++run;
-        }
+        runs.append(y, int(first - row), int(pixel - row));
+        counts.push_back(std::count_if(first, pixel, Pieces::counts));
     }
 }
 
@@ -89,20 +46,21 @@ bool replaceSmall(QImage &mask, int fewestPixels, const std::stop_token &stop)
 {
     if (fewestPixels == 0)
         return true;
-    QList<Run> runs;
-    qsizetype above = 0;
+    RyConnectedRuns runs;
+    std::vector<qint64> counts;
     for (int y = 0; y < mask.height(); ++y) {
         if (stop.stop_requested())
             return false;
-        const qsizetype begin = runs.size();
-        appendRuns<Pieces>(runs, mask.constScanLine(y), mask.width(), y);
-        joinRows<Pieces>(runs, above, begin);
-        above = begin;
+        appendRuns<Pieces>(runs, counts, mask.constScanLine(y), mask.width(), y);
+        runs.endRow(Pieces::reach);
     }
-    for (qsizetype i = 0; i < runs.size(); ++i) {
-        const auto &[row, begin, end, parent, pixels] = runs.at(i);
-        if (runs.at(root(runs, i)).pixels < fewestPixels)
-            std::fill_n(mask.scanLine(row) + begin, end - begin, Pieces::replacement);
+    std::vector<qint64> pixels(runs.size(), 0); // at the first runs of pieces
+    for (std::size_t i = 0; i < runs.size(); ++i)
+        pixels[runs.firstOf(i)] += counts[i];
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        if (pixels[runs.firstOf(i)] < fewestPixels)
+            std::fill_n(mask.scanLine(runs[i].row) + runs[i].begin, runs[i].pixels(),
+                        Pieces::replacement);
     }
     return true;
 }

@@ -8,10 +8,10 @@ namespace {
 
 constexpr uchar object = 255;
 constexpr uchar besideInRow = 2;    // near an object pixel of the same row
-constexpr uchar besideInColumn = 1; // near a pixel of the same column that is either of the above
+constexpr uchar besideInColumn = 1; // near an object pixel, or one marked as above, of its column
 
-/// Marks up to width zeros after every run of pixels that are at least source; a step of -1 walks a
-/// row backwards, one of ± bytes per line walks a column.
+/// Walks along a row or a column by the step, in bytes, and marks up to width zeros after every run
+/// of pixels that are at least source.
 void spread(uchar *pixel, qsizetype count, qsizetype step, int width, uchar source, uchar mark)
 {
     int left = 0;

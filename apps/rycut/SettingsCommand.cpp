@@ -16,7 +16,7 @@ using Settings = RyImageCutterSettings;
 
 struct Setting
 {
-    QLatin1StringView key;
+    QString key;
     QString (*value)();
     void (*setValue)(const QString &value); ///< throws CommandError when there is no such value
 };
@@ -87,7 +87,7 @@ void setBackgroundColours(const QString &value)
     }
 }
 
-constexpr std::array settings = {
+const std::array settings = {
         Setting{Settings::backgroundColorsKey, backgroundColours, setBackgroundColours},
         Setting{Settings::debugFolderKey, debugFolder, setDebugFolder},
         Setting{Settings::maximalImageLengthKey, maximalImageLength, setMaximalImageLength}};

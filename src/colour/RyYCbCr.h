@@ -74,8 +74,9 @@ public:
     unsigned int cb() const { return m_cb; }
     unsigned int cr() const { return m_cr; }
 
-    /// The colour as an opaque ARGB word. Red is computed from Cb, not from Cr: the shown colour of
-    /// a superpixel has always been this one, and nothing is decided by it.
+    /// The colour as an opaque ARGB word, for pictures of the regions; no cut looks at it. Red
+    /// comes from Cb, where a faithful one would come from Cr: such pictures are compared with
+    /// older ones.
     QRgb rgb() const;
 
 private:

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-/// One pixel of a YCbCr plane as it lies in memory: an ARGB word whose red holds Y, whose green
-/// holds Cb and whose blue holds Cr.
+/// One pixel of a YCbCr plane as it lies in memory: Y in the place that red has in an ARGB word,
+/// Cb in green's and Cr in blue's.
 struct RyYCbCrPixel
 {
     std::uint8_t cr;

@@ -11,8 +11,9 @@
 
 namespace {
 
+constexpr double bandUnits = 4.0; // on both sides of the first outline: as far as cells may err
 constexpr int leastBandCells = 1; // of the level before
-constexpr double sharpness = 1.0;
+constexpr double sharpness = 1.0; // GrabCut's
 
 int sizeOfNextLevel(int cellSize)
 {
@@ -113,8 +114,7 @@ RyBandCut::RyBandCut(const QImage &picture, const QImage &lasso, const RyReduced
 
 int RyBandCut::radius() const
 {
-    constexpr double units = 4.0;
-    return std::max(leastBandCells, int(std::lround(units * m_reduced.frame().cellsPerUnit())));
+    return std::max(leastBandCells, int(std::lround(bandUnits * m_reduced.frame().cellsPerUnit())));
 }
 
 std::vector<RyCutSide> RyBandCut::decided(const std::vector<RyCutSide> &cells,
@@ -141,15 +141,7 @@ std::vector<RyCutSide> RyBandCut::decided(const std::vector<RyCutSide> &cells,
         radius = leastBandCells;
     } while (frame.cellSize() > 1);
 
-    RyMaskParts::IsFixed isFixed;
-    if (!constraints.isEmpty()) {
-        isFixed = [&fixed, width = frame.width()](int row, int left, int right) {
-            const auto line = fixed.begin() + qsizetype(row) * width;
-            return std::any_of(line + left, line + right,
-                               [](RyCutSide side) { return side != RyCutSide::Undecided; });
-        };
-    }
-    RyMaskParts::clean(sides, frame.width(), frame.height(), isFixed);
+    RyMaskParts::clean(sides, frame.width(), frame.height(), fixed.empty() ? nullptr : &fixed);
     return sides;
 }
 
@@ -209,8 +201,8 @@ std::vector<RyCutSide> RyBandCut::cutAgain(const RyCutFrame &level, Sides sides,
             .decided(evidence);
 }
 
-/// The colours of a row of cells, where the band needs them: of undecided ones and of those next to
-/// them.
+/// The colours of a row of cells, where the band needs them: of undecided ones and of those next
+/// to them.
 void RyBandCut::convertRow(const RyCutFrame &level, const Sides &sides, int row,
                            RyLabColor *colors) const
 {

@@ -6,8 +6,8 @@
 #include <vector>
 
 /**
- * The colours of some cells, gathered in bins four units wide: models are fitted to a thousand bins
- * instead of tens of thousands of cells.
+ * The colours of some cells, gathered in bins four units wide: models are fitted to a thousand
+ * bins instead of tens of thousands of cells.
  *
  * Bins are numbered in the order in which their first cells come.
  */

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int rounds = 8;
+constexpr int rounds = 8; // of expectation and maximisation
 // Added to each variance, in squared units: what one bin has within itself, and noise.
 constexpr double leastVariance = 4.0;
 constexpr double leastShare = 1e-4; // of the weight, for a component to stay
@@ -20,8 +20,8 @@ constexpr std::size_t lanes = 4;
 
 /// e to the power of each of some numbers from -87 to 88, right to 2e-7 of itself.
 ///
-/// The number is reduced by multiples of ln 2 in two steps (Cody and Waite, Software Manual for the
-/// Elementary Functions, 1980); Taylor's series does the rest.
+/// The number is reduced by multiples of ln 2 in two steps (Cody and Waite, Software Manual for
+/// the Elementary Functions, 1980); Taylor's series does the rest.
 template <typename Lanes>
 Lanes exponential(Lanes x)
 {

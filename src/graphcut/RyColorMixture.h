@@ -11,8 +11,8 @@
  * Source   one mixture for each side as in GrabCut (Rother, Kolmogorov and Blake, ACM Transactions
  *          on Graphics 23(3), 2004), but fitted by expectation maximisation (Dempster, Laird and
  *          Rubin, JRSS B 39(1), 1977) from weighted colours. It begins with five groups, made by
- *          splitting the widest one across its principal axis (Orchard and Bouman, IEEE TSP 39(12),
- *          1991).
+ *          splitting the widest one across its principal axis (Orchard and Bouman, IEEE TSP
+ *          39(12), 1991).
  * Errors   none reported: without weight there are no components.
  * Threads  a plain value.
  */

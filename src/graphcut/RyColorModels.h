@@ -20,8 +20,8 @@ public:
     RyColorModels(const RyColorBins &bins, const std::vector<float> &objectWeights,
                   const std::vector<float> &backgroundWeights);
 
-    /// The logarithm of the densities' ratio, positive for the object, within the greatest ratio; 0
-    /// when one side has no model.
+    /// The logarithm of the densities' ratio, positive for the object, within the greatest ratio;
+    /// 0 when one side has no model.
     float logRatio(const RyColorBins::Color &color) const;
 
 private:

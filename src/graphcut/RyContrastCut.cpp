@@ -10,10 +10,14 @@
 
 namespace {
 
+// What neighbours without contrast are held together by: more than what colour and depth of one of
+// them can say together, 7 at most. GrabCut has 50 beside colours that may say anything.
 constexpr double smoothness = 8.0;
-constexpr double unit = 10.0; // steps of flow for one of evidence; with more, paths carry less each
+// Steps of flow for one of evidence; with more of them each path would carry less.
+constexpr double unit = 10.0;
+static_assert(unit * smoothness <= RyPixelFlow::greatestCapacity);
 
-// Weights by contrast, up to where they vanish.
+// Weights by contrast, up to where they vanish: to less than half a step.
 constexpr int weightCount = 1024;
 constexpr double vanishingExponent = 8.0;
 

@@ -11,9 +11,9 @@
  * Decides the undecided pixels of a plane: each tends to the side that speaks for it, and the
  * outline between the sides runs where colours change.
  *
- * Neighbours, eight of them, are held together by 8 exp(-d / (2 s m)), divided by their distance: d
- * is the squared difference of their colours, m its mean over the undecided pixels, s the sharpness.
- * The evidence is in the same measure, natural logarithms of odds.
+ * Neighbours, eight of them, are held together by 8 exp(-d / (2 s m)), divided by their distance:
+ * d is the squared difference of their colours, m its mean over the undecided pixels, s the
+ * sharpness. The evidence is in the same measure, natural logarithms of odds.
  *
  * Source   GrabCut (Rother, Kolmogorov and Blake, ACM Transactions on Graphics 23(3), 2004), with
  *          the contrast term of Boykov and Jolly, ICCV 2001.
@@ -30,8 +30,8 @@ public:
     /// Positive evidence of a pixel, given by its index, speaks for the object.
     using Evidence = std::function<float(int pixel)>;
 
-    /// The sides, with all pixels decided. May be called again for other evidence, which takes less
-    /// time than the first call.
+    /// The sides, with all pixels decided. May be called again for other evidence, which takes
+    /// less time than the first call.
     std::vector<RyCutSide> decided(const Evidence &evidence);
 
 private:

@@ -18,7 +18,8 @@ qint64 RyCutConstraints::bytesBeyond(const RyCutConstraints &other) const
     return bytes;
 }
 
-/// Visits the parts of a row that lie in one tile each: the tile, where in it, from where, how many.
+/// Visits the parts of a row that lie in one tile each: the tile, where in it, from where, how
+/// many.
 template <typename Visit>
 void RyCutConstraints::forEachPiece(int row, int left, int right, Visit visit) const
 {
@@ -65,7 +66,8 @@ void RyCutConstraints::read(int row, int left, int right, RyCutSide *out) const
     });
 }
 
-/// Visits what is fixed within an area, tile by tile: the row, the first column, how many, the sides.
+/// Visits what is fixed within an area, tile by tile: the row, the first column, how many, the
+/// sides.
 template <typename Visit>
 void RyCutConstraints::forEachFixedRow(const QRect &area, Visit visit) const
 {

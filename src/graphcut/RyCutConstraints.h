@@ -12,8 +12,8 @@
 /**
  * Which pixels of a picture a user has put on a side, for good.
  *
- * They hold for the cut as it comes out of the picture. While a user sees it inverted, what is fixed
- * as object is background there.
+ * They hold for the cut as it comes out of the picture. While a user sees it inverted, what is
+ * fixed as object is background there.
  *
  * Tiles of 64 x 64 pixels share their data, so a copy costs little, and so does a change after it.
  *
@@ -38,8 +38,8 @@ public:
     /// Fills out[0 … right - left); undecided where nothing is fixed.
     void read(int row, int left, int right, RyCutSide *out) const;
 
-    /// The sides of a frame's cells: a cell is on the side that most of what is fixed in it is on, and
-    /// undecided where nothing is, or as much on both.
+    /// The sides of a frame's cells: a cell is on the side that most of what is fixed in it is on,
+    /// and undecided where nothing is, or as much on both.
     std::vector<RyCutSide> ofCells(const RyCutFrame &frame) const;
     /// 1 for a cell in which anything is fixed, else 0.
     std::vector<quint8> touchedCells(const RyCutFrame &frame) const;

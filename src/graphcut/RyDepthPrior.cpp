@@ -7,16 +7,16 @@
 
 namespace {
 
-constexpr float oddsPerUnit = 0.4F;
-constexpr float greatestOdds = 3.0F;
+constexpr float oddsPerUnit = 0.4F;   // so the odds rise from one limit to the other in 15 units
+constexpr float greatestOdds = 3.0F;  // 20 to 1; less than colours may say
 constexpr float sharePerUnit = 0.35F; // the steepness of the shares, which blur the margin
-// A lasso that runs along the picture's border may hold what the border cuts off, or a strip beside
-// the object that was too narrow to draw in: as if it were drawn so far beyond the border.
+// A lasso that runs along the picture's border may hold what the border cuts off, or a strip
+// beside the object that was too narrow to draw in: as if it were drawn so far beyond the border.
 constexpr double unitsBeyondBorder = 14.0;
 constexpr float outermostUnits = 3.0F;
 constexpr float outermostShareOfDepth = 0.25F; // so that small lassos keep something undecided
 constexpr float deepestOutline = 40.0F;        // holes deep inside say nothing about the margin
-constexpr double reachUnits = 20.0;
+constexpr double reachUnits = 20.0;            // along the outline, that margins are averaged over
 constexpr float cellsOfPrior = 30.0F; // as much as so many outline cells counts the whole's margin
 
 /// The sum over a square around every cell, twice, which weighs what is near more.

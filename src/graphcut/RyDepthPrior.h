@@ -9,13 +9,12 @@
  * What the depth inside the lasso says about a cell's side before its colour is looked at.
  *
  * Near the lasso's outline is background, deep inside is object; in between lies the margin, which
- * may differ from place to place. Where colours say nothing this alone cuts: the lasso shrunk by its
- * margin.
+ * may differ from place to place. Where colours say nothing this alone cuts: the lasso shrunk by
+ * its margin.
  */
 class RyDepthPrior
 {
 public:
-    RyDepthPrior() = default;
     RyDepthPrior(const RyReducedPicture &picture, float margin);
 
     /// Moves the margin of every place towards the depth of the cut's outline nearby.

@@ -8,8 +8,8 @@ namespace {
 
 constexpr float infinity = std::numeric_limits<float>::infinity();
 
-/// Squared distances along one line. The first pass over a picture, along its columns, has distances
-/// of 0 and infinity only, so it counts; the second one needs the parabolas.
+/// Squared distances along one line. The first pass over a picture, along its columns, has
+/// distances of 0 and infinity only, so it counts; the second one needs the parabolas.
 class EnvelopeLine
 {
 public:

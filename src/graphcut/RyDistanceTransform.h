@@ -9,7 +9,8 @@
  *
  * Input    width x height bytes, row by row; cells that are not 0 are sites.
  * Output   distances in cells, 0 at sites; infinity everywhere when there is no site.
- * Source   lower envelopes of parabolas, Felzenszwalb and Huttenlocher, Theory of Computing 8, 2012.
+ * Source   lower envelopes of parabolas, Felzenszwalb and Huttenlocher, Theory of Computing 8,
+ *          2012.
  * Errors   std::bad_alloc.
  * Threads  reentrant; time O(cells).
  */

@@ -17,15 +17,15 @@
  * Cuts the object in a hurried lasso out of its surroundings by minimum cuts of graphs of pixels.
  *
  * What the lasso holds is judged at reduced size: by colour models of both sides, by the depth
- * inside the lasso, whose margin is estimated first, and by contrast. Models and margins are fitted
- * anew to the cut, twice. Then the outline alone is cut at full size.
+ * inside the lasso, whose margin is estimated first, and by contrast. Models and margins are
+ * fitted anew to the cut, twice. Then the outline alone is cut at full size.
  *
  * Output   the sides of all pixels in frame().area(). Where colours cannot decide it is the lasso
  *          shrunk by its margin; a lasso that covers a pixel always gives an object.
  * Source   GrabCut (Rother, Kolmogorov and Blake) and Lazy Snapping (Li, Sun, Tang and Shum), both
  *          ACM Transactions on Graphics 23(3), 2004. Unlike them it knows that hands draw outside
- *          the object, by an amount that can be estimated; docs/design.md has the constants and how
- *          they were chosen.
+ *          the object, by an amount that can be estimated; docs/design.md has the constants and
+ *          how they were chosen.
  * Errors   std::bad_alloc.
  * Threads  construction and cuts fan out over the global pool; immutable after construction, safe
  *          from every thread. Results do not depend on the number of cores.

@@ -38,10 +38,6 @@ class RyLabConverter
 public:
     static const RyLabConverter &instance();
 
-    RyLabColor fromRgb(QRgb color) const
-    {
-        return fromLinear(m_linear[qRed(color)], m_linear[qGreen(color)], m_linear[qBlue(color)]);
-    }
     /// The mean of some pixels, taken in linear light. The rectangle has pixels and lies in the
     /// picture, which has 32 bits a pixel.
     RyLabColor mean(const QImage &picture, const QRect &pixels) const;

@@ -11,6 +11,8 @@
 
 namespace {
 
+// In units. Hands that do their usual keep off by 8 to 16, careful ones by 3 at least; few err by
+// more than 30.
 constexpr double usualMargin = 12.0;
 constexpr double usualSpread = 5.0;
 constexpr int leastMargin = 3;
@@ -18,14 +20,22 @@ constexpr int greatestMargin = 30;
 constexpr double greatestShareOfDepth = 0.6; // an object is left within every lasso
 constexpr int depthLayers = 46;              // of a unit; the last one holds all that is deeper
 
+// What is deep enough to be the object's for certain: half way to the deepest, or less in lassos
+// that are deep.
+constexpr float deepestShare = 0.5F;
+constexpr float deepShare = 0.3F;
+constexpr float deepUnits = 15.0F;
+
+// Both measures of a margin in the measure of what hands usually do. With one alone cuts are
+// worse, those of loose lassos most of all.
 constexpr double weightOfLayers = 1.2;
-constexpr float clipOfLayers = 2.0F;
+constexpr float clipOfLayers = 2.0F; // of one colour, however certain
 constexpr double weightOfDivergence = 100.0;
 
 // Groups of colours that divergences are measured over. Where the limits between groups lie is
 // chance, so four sets of groups are averaged whose limits differ.
 constexpr int groupings = 4;
-constexpr float groupLightness = 20.0F;
+constexpr float groupLightness = 20.0F; // wider: shadows are not another colour
 constexpr float groupChroma = 12.0F;
 
 int layerOf(float depth)
@@ -37,7 +47,7 @@ int layerOf(float depth)
 std::vector<double> evidenceOfLayers(const RyReducedPicture &picture, const RyColorBins &bins)
 {
     const float deepest = picture.greatestDepth();
-    const float deep = std::min(0.5F * deepest, std::max(15.0F, 0.3F * deepest));
+    const float deep = std::min(deepestShare * deepest, std::max(deepUnits, deepShare * deepest));
     std::vector<float> object(std::size_t(picture.cellCount()), 0.0F);
     std::vector<float> background(object.size(), 0.0F);
     for (int cell = 0; cell < picture.cellCount(); ++cell) {

@@ -1,19 +1,17 @@
 #include "graphcut/RyMaskParts.h"
 
+#include "RyConnectedRuns.h"
+
 #include <algorithm>
 
 namespace {
 
+using Sides = std::vector<RyCutSide>;
+
+// What is smaller is an error of the colours; what is larger may be meant, such as a second thing
+// in the lasso or the hole of a handle.
 constexpr double leastPart = 0.25; // of the largest part
 constexpr double leastHole = 0.03; // of the object
-
-struct Run
-{
-    int row;
-    int left;
-    int right; // exclusive
-    int part;  // a run that is joined to it; itself for the first one
-};
 
 /// A part, kept at its first run.
 struct Part
@@ -23,21 +21,18 @@ struct Part
     bool touchesBorder = false;
 };
 
-/// The connected parts of one side, as runs that know their part.
+/// The connected parts of one side.
 class Parts
 {
 public:
-    Parts(const std::vector<RyCutSide> &sides, int width, int height, RyCutSide side,
-          const RyMaskParts::IsFixed &isFixed)
+    Parts(const Sides &sides, int width, int height, RyCutSide side, const Sides *fixed)
+        : m_width(width)
     {
-        std::size_t above = 0; // the first run of the row before
         for (int row = 0; row < height; ++row) {
-            const std::size_t first = m_runs.size();
-            appendRuns(sides.data() + std::size_t(row) * std::size_t(width), width, row, side);
-            joinToRowAbove(above, first);
-            above = first;
+            appendRuns(sides.data() + std::size_t(row) * std::size_t(width), row, side);
+            m_runs.endRow(0);
         }
-        measure(width, height, isFixed);
+        measure(height, fixed);
     }
 
     qint64 largest() const
@@ -50,93 +45,72 @@ public:
 
     /// Gives the parts that a rule picks to the other side; returns how many pixels remain.
     template <typename Rule>
-    qint64 give(std::vector<RyCutSide> &sides, int width, RyCutSide other, Rule isGiven) const
+    qint64 give(Sides &sides, RyCutSide other, Rule isGiven)
     {
         qint64 left = 0;
-        for (const Run &run : m_runs) {
-            if (isGiven(m_parts[std::size_t(run.part)])) {
-                const auto row = sides.begin() + qsizetype(run.row) * width;
-                std::fill(row + run.left, row + run.right, other);
+        for (std::size_t i = 0; i < m_runs.size(); ++i) {
+            const RyConnectedRuns::Run &run = m_runs[i];
+            if (isGiven(m_parts[m_runs.firstOf(i)])) {
+                const auto row = sides.begin() + qsizetype(run.row) * m_width;
+                std::fill(row + run.begin, row + run.end, other);
             } else {
-                left += run.right - run.left;
+                left += run.pixels();
             }
         }
         return left;
     }
 
 private:
-    void appendRuns(const RyCutSide *pixels, int width, int row, RyCutSide side)
+    void appendRuns(const RyCutSide *pixels, int row, RyCutSide side)
     {
-        const RyCutSide *const end = pixels + width;
+        const RyCutSide *const end = pixels + m_width;
         for (const RyCutSide *at = ryFindSide(pixels, end, side); at != end;) {
             const RyCutSide *const stop =
                     std::find_if(at, end, [side](RyCutSide other) { return other != side; });
-            m_runs.push_back({row, int(at - pixels), int(stop - pixels), int(m_runs.size())});
+            m_runs.append(row, int(at - pixels), int(stop - pixels));
             at = ryFindSide(stop, end, side);
         }
     }
 
-    void joinToRowAbove(std::size_t above, std::size_t first)
-    {
-        std::size_t upper = above;
-        for (std::size_t lower = first; lower < m_runs.size(); ++lower) {
-            while (upper < first && m_runs[upper].right <= m_runs[lower].left)
-                ++upper;
-            for (std::size_t i = upper; i < first && m_runs[i].left < m_runs[lower].right; ++i)
-                join(int(i), int(lower));
-        }
-    }
-
-    int root(int run)
-    {
-        while (m_runs[std::size_t(run)].part != run) {
-            int &part = m_runs[std::size_t(run)].part;
-            part = m_runs[std::size_t(part)].part; // halves the way for the next one
-            run = part;
-        }
-        return run;
-    }
-
-    void join(int one, int other)
-    {
-        const int first = root(one);
-        const int second = root(other);
-        m_runs[std::size_t(std::max(first, second))].part = std::min(first, second);
-    }
-
-    void measure(int width, int height, const RyMaskParts::IsFixed &isFixed)
+    void measure(int height, const Sides *fixed)
     {
         m_parts.resize(m_runs.size());
         for (std::size_t i = 0; i < m_runs.size(); ++i) {
-            Run &run = m_runs[i];
-            run.part = root(int(i));
-            Part &part = m_parts[std::size_t(run.part)];
-            part.pixels += run.right - run.left;
+            const RyConnectedRuns::Run &run = m_runs[i];
+            Part &part = m_parts[m_runs.firstOf(i)];
+            part.pixels += run.pixels();
             part.touchesBorder |=
-                    run.row == 0 || run.row == height - 1 || run.left == 0 || run.right == width;
-            if (isFixed && !part.isFixed)
-                part.isFixed = isFixed(run.row, run.left, run.right);
+                    run.row == 0 || run.row == height - 1 || run.begin == 0 || run.end == m_width;
+            if (fixed && !part.isFixed)
+                part.isFixed = isFixedIn(*fixed, run);
         }
     }
 
-    std::vector<Run> m_runs; // from top to bottom and left to right
+    bool isFixedIn(const Sides &fixed, const RyConnectedRuns::Run &run) const
+    {
+        const auto row = fixed.begin() + qsizetype(run.row) * m_width;
+        return std::any_of(row + run.begin, row + run.end,
+                           [](RyCutSide side) { return side != RyCutSide::Undecided; });
+    }
+
+    const int m_width;
+    RyConnectedRuns m_runs;
     std::vector<Part> m_parts;
 };
 
 } // namespace
 
 void RyMaskParts::clean(std::vector<RyCutSide> &sides, int width, int height,
-                        const IsFixed &isFixed)
+                        const std::vector<RyCutSide> *fixed)
 {
-    const Parts objects(sides, width, height, RyCutSide::Object, isFixed);
+    Parts objects(sides, width, height, RyCutSide::Object, fixed);
     const double least = leastPart * double(objects.largest());
-    const qint64 object =
-            objects.give(sides, width, RyCutSide::Background, [least](const Part &part) {
-                return !part.isFixed && double(part.pixels) < least;
-            });
+    const qint64 object = objects.give(sides, RyCutSide::Background, [least](const Part &part) {
+        return !part.isFixed && double(part.pixels) < least;
+    });
     const double hole = leastHole * double(object);
-    const Parts backgrounds(sides, width, height, RyCutSide::Background, isFixed);
-    backgrounds.give(sides, width, RyCutSide::Object, [hole](const Part &part) {
+    Parts backgrounds(sides, width, height, RyCutSide::Background, fixed);
+    backgrounds.give(sides, RyCutSide::Object, [hole](const Part &part) {
         return !part.isFixed && !part.touchesBorder && double(part.pixels) < hole;
     });
 }

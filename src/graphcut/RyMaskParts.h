@@ -2,7 +2,6 @@
 
 #include "graphcut/RyCutSide.h"
 
-#include <functional>
 #include <vector>
 
 /**
@@ -14,11 +13,10 @@
  */
 namespace RyMaskParts {
 
-/// Tells whether something in a row, from left to right (exclusive), has to stay what it is.
-using IsFixed = std::function<bool(int row, int left, int right)>;
-
 /// Drops parts of the object under a quarter of the largest one, then fills holes under 3 % of the
-/// object. What touches the plane's border is no hole; parts with something fixed stay.
-void clean(std::vector<RyCutSide> &sides, int width, int height, const IsFixed &isFixed);
+/// object. What touches the plane's border is no hole. Where fixed, a plane of the same size, is
+/// given, parts stay in which anything is not undecided there.
+void clean(std::vector<RyCutSide> &sides, int width, int height,
+           const std::vector<RyCutSide> *fixed);
 
 } // namespace RyMaskParts

@@ -20,8 +20,8 @@ RyPixelFlow::RyPixelFlow(const RyPixelRuns &runs)
         linkRows(runs, row);
 }
 
-/// Of a row and the one above it. Where runs touch each other, also across corners, nodes follow the
-/// pixels; elsewhere they stay nowhere.
+/// Of a row and the one above it. Where runs touch each other, also across corners, nodes follow
+/// the pixels; elsewhere they stay nowhere.
 void RyPixelFlow::linkRows(const RyPixelRuns &runs, int row)
 {
     const RyPixelRuns::Run *upper = runs.rowBegin(row - 1);

@@ -12,11 +12,12 @@
  *
  * Directions count clockwise from the right: 0 right, 2 below, 4 left, 6 above, odd ones between.
  *
- * Output   of the minimum cuts the one with the fewest object nodes. There is only one such cut, so
- *          it is the same whatever order paths are found in.
+ * Output   of the minimum cuts the one with the fewest object nodes. There is only one such cut,
+ *          so it is the same whatever order paths are found in.
  * Source   the augmenting paths with two search trees of Boykov and Kolmogorov, IEEE TPAMI 26(9),
- *          2004, with time stamps and distances to the terminals for shorter paths. Large graphs are
- *          searched in parts first, side by side, and then as a whole (Liu and Sun, CVPR 2010).
+ *          2004, with time stamps and distances to the terminals for shorter paths. Large graphs
+ *          are searched in parts first, side by side, and then as a whole (Liu and Sun, CVPR
+ *          2010).
  * Errors   std::bad_alloc.
  * Threads  connect() of different pairs and setTerminal() of different nodes may run at the same
  *          time, otherwise one object for one thread; run() fans out over the global pool.

@@ -5,8 +5,8 @@
 #include <limits>
 
 /**
- * Finds paths from the object's terminal to the background's through some of a graph's nodes, until
- * there is none left.
+ * Finds paths from the object's terminal to the background's through some of a graph's nodes,
+ * until there is none left.
  *
  * It grows a tree from each terminal; where they meet there is a path. Sending as much as possible
  * along it makes orphans, which look for new parents or leave their tree.

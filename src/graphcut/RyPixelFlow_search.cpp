@@ -252,7 +252,8 @@ void RyPixelFlow::Search::stampPath(std::int32_t number, std::int32_t distance)
     }
 }
 
-/// The node becomes free, its children orphans, and neighbours that could take it are active again.
+/// The node becomes free, its children orphans, and neighbours that could take it are active
+/// again.
 void RyPixelFlow::Search::abandon(std::int32_t number)
 {
     Node &it = node(number);

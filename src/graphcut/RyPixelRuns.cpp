@@ -13,8 +13,8 @@ RyPixelRuns::RyPixelRuns(const std::vector<RyCutSide> &sides, int width, int hei
     m_rowStarts.push_back(std::int32_t(m_runs.size()));
 }
 
-/// A run has a node of no pixel on both sides. Only two runs with a single pixel between them share
-/// theirs, or a node diagonally across would be taken for another row's.
+/// A run has a node of no pixel on both sides. Only two runs with a single pixel between them
+/// share theirs, or a node diagonally across would be taken for another row's.
 void RyPixelRuns::addRow(const RyCutSide *sides, int row)
 {
     const auto isDecided = [](RyCutSide side) { return side != RyCutSide::Undecided; };

@@ -6,7 +6,8 @@
 #include <vector>
 
 /**
- * The undecided pixels of a plane, as runs along its rows, and a number for each of them, its node.
+ * The undecided pixels of a plane, as runs along its rows, and a number for each of them, its
+ * node.
  *
  * Along a run nodes count up. Around each run, and before all runs, there are nodes that no pixel
  * has, so that node(x, y - 1) - 1 and node(x, y - 1) + 1 are the nodes of (x - 1, y - 1) and

@@ -15,8 +15,8 @@
 class RyReducedPicture
 {
 public:
-    /// The lasso is a picture of the frame's area, Format_Grayscale8: 0 outside. The picture has 32
-    /// bits a pixel; colours are averaged in linear light.
+    /// The lasso is a picture of the frame's area, Format_Grayscale8: 0 outside. The picture has
+    /// 32 bits a pixel; colours are averaged in linear light.
     RyReducedPicture(const QImage &picture, const RyCutFrame &frame, const QImage &lasso);
 
     const RyCutFrame &frame() const { return m_frame; }
@@ -24,8 +24,8 @@ public:
     const std::vector<RyLabColor> &colors() const { return m_colors; }
 
     bool isInside(int cell) const { return m_inside[std::size_t(cell)] != 0; }
-    /// Units from the lasso's outline: positive inside, negative outside. Where the lasso runs along
-    /// the picture's border there is no outline, unless nothing at all is outside.
+    /// Units from the lasso's outline: positive inside, negative outside. Where the lasso runs
+    /// along the picture's border there is no outline, unless nothing at all is outside.
     float depth(int cell) const { return m_depths[std::size_t(cell)]; }
     float greatestDepth() const { return m_greatestDepth; } ///< 0 when nothing is inside
 

@@ -15,8 +15,8 @@
  */
 namespace RyConcurrent {
 
-/// Calls body(0) … body(count − 1) and returns when all have returned. What a call throws is thrown
-/// here, when no call runs any more; some calls may then have been left out.
+/// Calls body(0) … body(count − 1) and returns when all have returned. What a call throws is
+/// thrown here, when no call runs any more; some calls may then have been left out.
 void forEachIndex(qsizetype count, const std::function<void(qsizetype)> &body);
 
 /// Applies function to every item and returns when all are done.

@@ -21,8 +21,8 @@ inline bool isFinite(const QPainterPath &path)
     return true;
 }
 
-/// The pixel nearest to a point: half a pixel is added away from zero and the fraction cut off. Huge
-/// and infinite coordinates count as far away, those that are not a number as 0.
+/// The pixel nearest to a point: half a pixel is added away from zero and the fraction cut off.
+/// Huge and infinite coordinates count as far away, those that are not a number as 0.
 inline QPoint roundedPoint(const QPointF &point)
 {
     const auto rounded = [](double value) {
@@ -52,8 +52,8 @@ inline QRect roundedRect(const QPainterPath &path)
 }
 
 /// What a scan of a lasso's rectangle visits: it takes right() and bottom() as exclusive ends, so
-/// the last row and column are left out, and results rest on that. An empty rectangle is not shrunk
-/// further, since Qt would turn its sides round and intersect it.
+/// the last row and column are left out, and results rest on that. An empty rectangle is not
+/// shrunk further, since Qt would turn its sides round and intersect it.
 inline QRect scannedPart(const QRect &rect)
 {
     return rect.isEmpty() ? QRect() : rect.adjusted(0, 0, -1, -1);

@@ -13,7 +13,8 @@
  *          format is converted to QImage::Format_ARGB32 first.
  * Output   the YCbCr plane, of the same size and format: byte 0 Cr, 1 Cb, 2 Y, 3 alpha 255.
  * Source   BT.601 full range, truncated to bytes (RyColorConverter).
- * Errors   none reported: a null picture, or one whose plane cannot be allocated, has a null plane.
+ * Errors   none reported: a null picture, or one whose plane cannot be allocated, has a null
+ *          plane.
  * Threads  copying and assigning lock the source; the getters do not. The plane is built by the
  *          constructor, in parallel from 201 rows on. Time O(w · h). Copies share their pixels.
  */

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "image/RyImageMemory.h"
+#include "RyImageMemory.h"
 
 #include <QImage>
 
@@ -29,7 +29,7 @@ inline qint32 *row(QImage &labels, int y)
     return reinterpret_cast<qint32 *>(labels.scanLine(y));
 }
 
-/// The label as an index into a table of count entries; whatever does not fit means no superpixel.
+/// The label as an index into a table of count entries; 0 for whatever does not fit.
 inline qint32 index(qint32 label, qsizetype count)
 {
     return label > 0 && label < count ? label : 0;

@@ -5,9 +5,9 @@
 
 namespace {
 
-// A colour is left alone when it is frequent beside the mask, measured against all that lies there.
-// The second factor weighs the colour's own count, so the test only bites where next to nothing
-// lies beside the mask.
+// A colour is left alone when it is frequent beside the mask, measured against all that lies
+// there. The second factor weighs the colour's own count, so the test only bites where next to
+// nothing lies beside the mask.
 constexpr double outsideShare = 0.3;
 constexpr double outsideWeight = 0.1;
 
@@ -18,9 +18,9 @@ void RyBackgroundExtractor::setup(const RyImage *image)
     m_image = image;
 }
 
-void RyBackgroundExtractor::setSuperPixelInformations(const QList<RySuperPixel> &superPixels)
+void RyBackgroundExtractor::setSuperPixelInformations(const QList<RySuperPixel> &regions)
 {
-    m_superPixels = superPixels;
+    m_regions = regions;
 }
 
 QSet<int> RyBackgroundExtractor::extractBackground(const QSet<int> &candidates,
@@ -35,9 +35,9 @@ QSet<int> RyBackgroundExtractor::extractBackground(const QSet<int> &candidates,
     const auto limit = qint64(double(outside.size()) * outsideShare);
     QSet<int> background;
     for (const int label : candidates) {
-        if (label < 0 || label >= m_superPixels.size())
+        if (label < 0 || label >= m_regions.size())
             continue;
-        const RyYCbCr color = m_superPixels.at(label).averageYCbCr();
+        const RyYCbCr color = m_regions.at(label).averageYCbCr();
         const int outsideCount = outside.value(color);
         if (outsideCount < inside.value(color) && double(limit) > outsideCount * outsideWeight)
             background.insert(label);

@@ -7,10 +7,10 @@
 #include <QSet>
 
 /**
- * Finds superpixels whose colour is more frequent under a mask than beside it.
+ * Finds regions whose colour is more frequent under a mask than beside it.
  *
- * Input    a picture, superpixel records, candidate labels, and a mask whose alpha marks the region
- *          that candidates are compared with.
+ * Input    a picture, the regions' records, candidate labels, and a mask whose alpha marks what
+ *          the candidates are compared with.
  * Output   the candidates whose mean colour lies in a histogram bin (RyHistogram3D) that holds
  *          strictly more pixels under the mask than beside it. Counts are absolute, so the larger
  *          side wins often.
@@ -21,10 +21,10 @@ class RyBackgroundExtractor
 {
 public:
     void setup(const RyImage *image); ///< borrowed
-    void setSuperPixelInformations(const QList<RySuperPixel> &superPixels);
+    void setSuperPixelInformations(const QList<RySuperPixel> &regions);
     QSet<int> extractBackground(const QSet<int> &candidates, const QImage &mask) const;
 
 private:
     const RyImage *m_image = nullptr;
-    QList<RySuperPixel> m_superPixels;
+    QList<RySuperPixel> m_regions;
 };

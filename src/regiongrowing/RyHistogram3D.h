@@ -8,7 +8,7 @@
 /**
  * How often each colour occurs in the part of a picture that a mask chooses.
  *
- * Input    a YCbCr plane, and a mask of 32-bit pixels whose alpha marks a region; both are cut at
+ * Input    a YCbCr plane, and a mask of 32-bit pixels whose alpha marks a part; both are cut at
  *          the smaller one.
  * Output   counts of 16 × 16 × 16 bins, 16 values wide on each channel; luminance varies fastest.
  * Errors   none reported: a colour that fits no bin counts 0, null images count nothing.

@@ -16,7 +16,8 @@ constexpr double weakestLimit = 5.0; // a border below it counts as weak in ever
 constexpr unsigned int similarChroma = 7;
 constexpr unsigned int similarLuminance = 4;
 
-// Everything else merges only below the minimum region size: a share of the picture, within bounds.
+// Everything else merges only below the minimum region size: a share of the picture, within
+// bounds.
 constexpr double minRegionShare = 0.0002;
 constexpr int smallestMinRegionSize = 25;
 constexpr int largestMinRegionSize = 400;
@@ -237,16 +238,23 @@ void RyRegionGrowing::findNeighborhood()
 
 QImage RyRegionGrowing::drawClusters()
 {
-    QList<QRgb> colors;
-    for (qsizetype i = 0; i < m_superPixels.size(); ++i)
-        colors.append(0xFF000000U | QRandomGenerator::global()->generate() >> 8);
+    const auto random = [] { return int(QRandomGenerator::global()->generate() >> 24); };
+    QList<QRgb> colors; // one for each record, of which regions take their root's
+    for (qsizetype i = 0; i < m_superPixels.size(); ++i) {
+        const int red = random(), green = random(), blue = random();
+        colors.append(qRgb(red, green, blue));
+    }
+    const auto rootOf = [this](qint32 label) {
+        return std::size_t(label) < m_universe.size() ? findParent(label) : label;
+    };
     QImage picture = RyLabelImage::create(m_labels.size());
     for (int y = 0; y < picture.height(); ++y) {
         const qint32 *const labels = RyLabelImage::row(std::as_const(m_labels), y);
         auto *const out = reinterpret_cast<QRgb *>(picture.scanLine(y));
         for (int x = 0; x < picture.width(); ++x) {
-            if (labels[x] >= 0 && labels[x] < colors.size())
-                out[x] = colors.at(findParent(labels[x]));
+            const qint32 root = labels[x] >= 0 ? rootOf(labels[x]) : -1;
+            if (root >= 0 && root < colors.size())
+                out[x] = colors.at(root);
         }
     }
     return picture;

@@ -23,8 +23,8 @@
  * Source   after the graph-based segmentation of Felzenszwalb and Huttenlocher (IJCV 59(2), 2004);
  *          unlike there, fixed limits on colour and edge strength decide, and small regions are
  *          joined in a second pass.
- * Errors   none reported. All pictures are cut at the smallest; labels without a record count as 0;
- *          a missing edge picture, or one of another size, has strength 0 everywhere.
+ * Errors   none reported. All pictures are cut at the smallest; labels without a record count as
+ *          0; a missing edge picture, or one of another size, has strength 0 everywhere.
  * Threads  run() blocks its caller; building the graph and summing the records fan out over the
  *          global pool. Results depend on neither core count nor hash order.
  *          Time O(pixels + edges · log edges).
@@ -63,7 +63,7 @@ public:
     const QList<RyRegionGrowingEdge> &edges() const { return m_edges; }
 
     /// A random colour for each region, for looking at the state between segmentGraph() and
-    /// reorderLabels().
+    /// reorderLabels(). At other times a picture without meaning.
     QImage drawClusters();
 
 Q_SIGNALS:

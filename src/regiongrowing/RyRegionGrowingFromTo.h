@@ -4,7 +4,8 @@
 
 #include <QtGlobal>
 
-/// The two superpixels of a directed border: the one whose pixels are looked at, and its neighbour.
+/// The two superpixels of a directed border: the one whose pixels are looked at, and its
+/// neighbour.
 class RYIMAGECUTTER_EXPORT RyRegionGrowingFromTo
 {
 public:

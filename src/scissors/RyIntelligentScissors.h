@@ -42,16 +42,15 @@ public:
      * ratio is not looked at. A null picture, or one that memory is too short for, ends what went
      * before and leaves the scissors without a picture.
      *
-     * Hand over a picture of edges, RyScissorsEdgePicture::edgePicture(picture), not the photograph:
-     * the wire follows what is bright. On a photograph it runs along bright strips and cuts across
-     * everything else; on the picture of its edges it lies on outlines. Measured on three
-     * photographs, the mean gradient percentile of the wire's points rises from about 0.5 to 0.9.
+     * What is bright is cheap, so this should be a picture in which outlines are bright, such as
+     * RyScissorsEdgePicture::edgePicture() makes. On the photograph itself a wire keeps to
+     * highlights and white things, wherever the outlines are.
      */
     void setup(const QImage &picture);
 
-    /// Forgets the wires of the last seed and searches from this one, rounded and then brought into
-    /// the picture. Returns at once; the search goes on for up to 4,096 pixels round the seed, and
-    /// where earlier seeds have searched.
+    /// Forgets the wires of the last seed and searches from this one, rounded and then brought
+    /// into the picture. Returns at once; the search goes on for up to 4,096 pixels round the
+    /// seed, and where earlier seeds have searched.
     void initializeSeed(const QPointF &point);
 
     /// True while the search from the last seed goes on. What it has not found by its end, it will
@@ -79,8 +78,8 @@ public:
 
 Q_SIGNALS:
     /// The share of blocks or of points that is done, 0 … 1, of both calculations in turn; after
-    /// stopRunning() a number of points. May tell of an old seed after a new one was set. The
-    /// spelling is the interface's own.
+    /// stopRunning() a number of points. May tell of an old seed after a new one was set. Hosts
+    /// connect to it in this spelling.
     void progessChanged(double theValue);
     /// The search from a seed has come to its end, or was stopped; no more progress of it follows.
     /// Whoever finds isSearching() true will hear it. By then another search may have begun.

@@ -44,7 +44,7 @@ int asProgress(quint64 units)
 /// Without memory when that is short.
 Blocks::Content makeContent(quint32 width, quint32 height)
 {
-    constexpr std::size_t tile = RyScissorsTiles::side * RyScissorsTiles::side;
+    constexpr std::size_t tile = RyScissorsTiles::points;
     const std::size_t bytes = RyScissorsTiles::count(width, height);
     std::size_t space = bytes + tile - 1;
     void *const memory = BlockPool::get(space);
@@ -65,25 +65,7 @@ void copyToTiles(const uchar *weights, const Blocks::Content &content, quint32 r
     std::memcpy(out, weights + x, content.width - x);
 }
 
-/// How far a coordinate lies outside [block, block + 1), where the whole part decides about inside.
-double outside(double coordinate, quint32 block)
-{
-    const auto whole = quint32(coordinate);
-    if (block == whole)
-        return 0.0;
-    return block < whole ? coordinate - block - 1 : block - coordinate;
-}
-
 } // namespace
-
-quint32 calculateScoreCB(quint32 blockColumn, quint32 blockRow, quint32 extra, void *point)
-{
-    Q_UNUSED(extra)
-    const auto &[x, y] = *static_cast<const std::pair<double, double> *>(point);
-    const double dx = outside(x, blockColumn);
-    const double dy = outside(y, blockRow);
-    return quint32(std::sqrt(dx * dx + dy * dy) * Blocks::side); // exact where one of them is 0
-}
 
 RyIntelligentScissorsWeightCalculator::RyIntelligentScissorsWeightCalculator(
         quint32 width, quint32 height, const Settings &settings)

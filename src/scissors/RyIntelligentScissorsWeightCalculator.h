@@ -12,13 +12,14 @@ struct RyScissorsWeightContent;
 struct RyScissorsWeightSource;
 
 /**
- * What it costs a wire to pass each point of a reduced grid, computed block by block when asked for.
+ * What it costs a wire to pass each point of a reduced grid, computed block by block when asked
+ * for.
  *
  * Input    8-bit grey or 32-bit RGB pixels of the host's, read until stop(); a reduction factor,
  *          an edge detector, a contrast curve, an inversion.
- * Output   a weight of 0 … 255 for each grid point; the grid is ceil(width / scale) points wide and
- *          ceil(height / scale) high. Blocks of 4,096 × 4,096 grid points are computed in the order
- *          of their distance to the latest seed.
+ * Output   a weight of 0 … 255 for each grid point; the grid is ceil(width / scale) points wide
+ *          and ceil(height / scale) high. Blocks of 4,096 × 4,096 grid points are computed in the
+ *          order of their distance to the latest seed.
  * Source   Sobel's operator: 255 − trunc(√((gx² + gy²) / 20)), the part of the kernel outside the
  *          grid left out; a logistic curve trunc(255 / (e^((128 − v) · 0.05) + 1)).
  * Errors   none reported: unknown data formats are black, null data is never computed, blocks that
@@ -37,7 +38,7 @@ public:
     enum class PixelReductionMethod : quint32 { None = 1, Average2 = 34, Average3 = 35 };
     /// Other values detect nothing.
     enum class EdgeDetectionMethod : quint32 { None = 1, Sobel = 19 };
-    /// The spelling is the interface's own. Other values change nothing.
+    /// In a spelling that hosts rely on. Other values change nothing.
     enum class PostProcessingtMethod : quint32 { None = 0, Logistic = 1 };
     /// Grey8 is a byte a pixel; Rgb32 has blue in bits 0 to 7, green and red above.
     enum class DataFormat : quint32 { Grey8 = 0, Rgb32 = 2 };
@@ -62,8 +63,8 @@ public:
     RyIntelligentScissorsWeightCalculator(quint32 width, quint32 height, const Settings &settings);
     ~RyIntelligentScissorsWeightCalculator() override;
 
-    /// Ends all that went before, and waits for requests. The data is borrowed until stop() or until
-    /// the object goes; row y starts at y · bytesPerLine.
+    /// Ends all that went before, and waits for requests. The data is borrowed until stop() or
+    /// until the object goes; row y starts at y · bytesPerLine.
     void setImage(const uchar *data, DataFormat dataFormat, quint32 bytesPerLine);
     /// The same for a picture of which only the left and upper part exists in memory. The rest is
     /// black: its weight is one constant and takes neither time nor memory.
@@ -73,7 +74,8 @@ public:
     void changeSettings(const Settings &settings);
 
     /// Requests the blocks within radius of a grid point, and sorts those still queued by their
-    /// distance to it. Nothing is requested while no image is set. Blocks of earlier requests stay.
+    /// distance to it. Nothing is requested while no image is set. Blocks of earlier requests
+    /// stay.
     void calculateRegion(quint32 x, quint32 y, quint32 radius);
 
     /// The weight of a grid point; waits for its block if that is requested. False, with nothing

@@ -57,6 +57,8 @@ bool RyIntelligentScissorsWireCalculator::prepareRun()
 
 void RyIntelligentScissorsWireCalculator::runningThread()
 {
+    if (!isExecuting())
+        return; // there is no seed, or nobody waits for what it would request
     try {
         m_weightCalculator->calculateRegion(quint32(m_seedX) / m_scale, quint32(m_seedY) / m_scale,
                                             m_radius);

@@ -63,8 +63,7 @@ void RyIntelligentScissorsWorker::stop()
 
 void RyIntelligentScissorsWorker::run()
 {
-    if (isExecuting())
-        runningThread();
+    runningThread();
     setExecuting(false);
     m_hasEnded.store(true, std::memory_order_release);
 }

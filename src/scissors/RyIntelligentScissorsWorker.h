@@ -45,8 +45,8 @@ public:
     /// Ends a run in progress, waits for it, and begins a new one. Units that were counted since
     /// the last signal of the old run count towards the first of the new one.
     void startThread();
-    /// Ends a run; with wait, returns when its thread has ended, whoever told it to end. False when
-    /// there was no run to end.
+    /// Ends a run; with wait, returns when its thread has ended, whoever told it to end. False
+    /// when there was no run to end.
     bool stop(bool wait);
     bool stoppingThread() { return stop(true); }
 
@@ -57,6 +57,8 @@ Q_SIGNALS:
     void progressChanged(double value);
 
 protected:
+    /// The work, however the thread was started: it polls isExecuting(), which is false from the
+    /// first where QThread::start() was called directly, or the run was ended before it began.
     virtual void runningThread() = 0;
     /// Caller's thread, while no run is in progress: a run that returns false here never begins.
     virtual bool prepareRun() { return true; }
@@ -71,8 +73,9 @@ private:
     const QString m_name;
     QMutex m_mutex; // held while the flag is written
     std::atomic<bool> m_isExecuting = false;
-    // Written at the end of a run and read after waiting for it. The thread's end alone would order
-    // what both touch, but Qt is built without the instructions by which sanitizers could tell.
+    // Written at the end of a run and read after waiting for it. The thread's end alone would
+    // order what both touch, but Qt is built without the instructions by which sanitizers could
+    // tell.
     std::atomic<bool> m_hasEnded = true;
     std::atomic<int> m_progress = 0;
     std::atomic<int> m_totalProgress = 100;

@@ -16,10 +16,10 @@
  * Errors   std::bad_alloc.
  * Threads  its owner's.
  *
- * Entries move into a hole instead of being exchanged, which ends in the same layout. Costs have an
- * array of their own: they alone decide where to go next, and those of a front fit the first cache.
- * Where a point lies in the heap is kept by slot, not by point: the some thousand slots of a front
- * stay in the cache, points lie all over the grid.
+ * Entries move into a hole instead of being exchanged, which ends in the same layout. Costs have
+ * an array of their own: they alone decide where to go next, and those of a front fit the first
+ * cache. Where a point lies in the heap is kept by slot, not by point: the some thousand slots of
+ * a front stay in the cache, points lie all over the grid.
  *
  * Indices begin with 1, so that the children of i are 2i and 2i + 1, and its four grandchildren
  * never lie across two lines of the cache.
@@ -97,12 +97,12 @@ private:
         put(index, cost, slot);
     }
 
-    /// From the root, whose place is free, past the cheaper of two children, the left when they are
-    /// equal. An entry never sinks below an equal one.
+    /// From the root, whose place is free, past the cheaper of two children, the left when they
+    /// are equal. An entry never sinks below an equal one.
     ///
-    /// Two levels at a time: which child is cheaper cannot be foretold, so the processor has to wait
-    /// for it before it knows where to look next, and it waits half as often when it has looked at
-    /// all four grandchildren by then.
+    /// Two levels at a time: which child is cheaper cannot be foretold, so the processor has to
+    /// wait for it before it knows where to look next, and it waits half as often when it has
+    /// looked at all four grandchildren by then.
     void sink(quint32 cost, quint32 slot)
     {
         quint32 hole = root;

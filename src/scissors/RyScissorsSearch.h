@@ -1,9 +1,9 @@
 #pragma once
 
+#include "RyZeroedPages.h"
 #include "scissors/RyScissorsHeap.h"
 #include "scissors/RyScissorsTiles.h"
 #include "scissors/RyScissorsWeightBlocks.h"
-#include "scissors/RyZeroedPages.h"
 
 #include <QList>
 #include <QPoint>
@@ -50,8 +50,8 @@ public:
     void run(RyScissorsWeightBlocks &weights, RyIntelligentScissorsWorker &worker);
 
     bool isReached(quint32 x, quint32 y) const;
-    /// From the point back to the seed, both included; empty when the point is not reached, or when
-    /// another run begins meanwhile.
+    /// From the point back to the seed, both included; empty when the point is not reached, or
+    /// when another run begins meanwhile.
     QList<Point> trace(quint32 x, quint32 y) const;
 
 private:

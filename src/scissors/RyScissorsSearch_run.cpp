@@ -113,8 +113,8 @@ private:
     RyIntelligentScissorsWorker &m_worker;
 };
 
-/// What a point's neighbours would cost is found before the point leaves the heap: neither needs the
-/// other, so the processor does both at once.
+/// What a point's neighbours would cost is found before the point leaves the heap: neither needs
+/// the other, so the processor does both at once.
 void RyScissorsSearch::Run::searchAll()
 {
     RyScissorsHeap &heap = m_search.m_heap;
@@ -135,8 +135,8 @@ void RyScissorsSearch::Run::searchAll()
     }
 }
 
-/// Chooses the cheapest way to the weights: out of the middle of a block, the constant of the ground
-/// beyond the picture, or point by point where blocks or the grid end.
+/// Chooses the cheapest way to the weights: out of the middle of a block, the constant of the
+/// ground beyond the picture, or point by point where blocks or the grid end.
 [[gnu::always_inline]] inline RyScissorsSearch::Run::Steps
 RyScissorsSearch::Run::stepsFrom(Point point, std::size_t cell, quint32 cost)
 {
@@ -184,10 +184,10 @@ RyScissorsSearch::Run::Cells RyScissorsSearch::Run::cellsAtLimits(Point point,
                         hasBelow ? RyScissorsTiles::downwards(point.y, rowLength) : 0);
 }
 
-/// Points become final in the order of their costs, and the step into a neighbour depends on nothing
-/// but its weight and whether it is diagonal. So a later point offers a queued neighbour a better
-/// cost only by a straight step where the earlier one was diagonal, and else the queue need not be
-/// asked. (Costs reach 32 bits on paths of more than eleven million points only.)
+/// Points become final in the order of their costs, and the step into a neighbour depends on
+/// nothing but its weight and whether it is diagonal. So a later point offers a queued neighbour a
+/// better cost only by a straight step where the earlier one was diagonal, and else the queue need
+/// not be asked. (Costs reach 32 bits on paths of more than eleven million points only.)
 ///
 /// There is no branch in the loop: nobody could foretell it. So the queue is asked about straight
 /// neighbours that are not queued, too; their slots are 0 or have been somebody's.

@@ -5,6 +5,7 @@
 #include "scissors/RyIntelligentScissorsWorker.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace {
@@ -17,8 +18,9 @@ quint32 blocksFor(quint32 points)
                    RyScissorsWeightBlocks::sideBits);
 }
 
-/// Of any blocks that were closed. Whoever waits for the readers of some looks at these again at each
-/// change. It is nobody's own, so that the last reader can tell when it may touch nothing else.
+/// Of any blocks that were closed. Whoever waits for the readers of some looks at these again at
+/// each change. It is nobody's own, so that the last reader can tell when it may touch nothing
+/// else.
 constinit std::atomic<quint32> lastReadersLeft = 0;
 
 /// Blocks within radius of a coordinate, [first, end).
@@ -33,7 +35,27 @@ std::pair<quint32, quint32> blocksWithin(quint32 centre, quint32 radius, quint32
     return {first, end};
 }
 
+/// How far a coordinate lies outside [block, block + 1), where the whole part decides about
+/// inside.
+double outside(double coordinate, quint32 block)
+{
+    const auto whole = quint32(coordinate);
+    if (block == whole)
+        return 0.0;
+    return block < whole ? coordinate - block - 1 : block - coordinate;
+}
+
 } // namespace
+
+quint32 calculateScoreCB(quint32 blockColumn, quint32 blockRow, quint32 extra, void *point)
+{
+    Q_UNUSED(extra)
+    const auto &[x, y] = *static_cast<const std::pair<double, double> *>(point);
+    const double dx = outside(x, blockColumn);
+    const double dy = outside(y, blockRow);
+    const double distance = std::sqrt(dx * dx + dy * dy); // exact where one of them is 0
+    return quint32(distance * RyScissorsWeightBlocks::side);
+}
 
 RyScissorsWeightBlocks::Reader::Reader(RyScissorsWeightBlocks &blocks)
     : m_blocks(blocks)

@@ -18,9 +18,10 @@ class RyIntelligentScissorsWorker;
  * Output   the next block to calculate, nearest to the latest point first; weights.
  * Source   none; a block is 4,096 × 4,096 grid points, fewer at the right and at the bottom.
  * Errors   none reported: a block that was never requested has no weights.
- * Threads  safe from every thread. One lock guards the queue and the states, which change together;
- *          readers of calculated blocks do not take it. A Reader keeps the memory of the blocks in
- *          place, so free() waits for readers, who soon see that isOpen() has turned false.
+ * Threads  safe from every thread. One lock guards the queue and the states, which change
+ *          together; readers of calculated blocks do not take it. A Reader keeps the memory of the
+ *          blocks in place, so free() waits for readers, who soon see that isOpen() has turned
+ *          false.
  */
 class RyScissorsWeightBlocks
 {
@@ -65,7 +66,8 @@ public:
     void close();                 ///< forgets all requests and states, and shuts readers out
     void free();                  ///< after close(): waits for readers, and gives the memory back
 
-    /// From begin() to interrupt() somebody calculates: only then are requests taken and waited for.
+    /// From begin() to interrupt() somebody calculates: only then are requests taken and waited
+    /// for.
     void begin();
     void interrupt();
     void wakeReaders();

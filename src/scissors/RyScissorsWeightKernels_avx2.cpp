@@ -1,36 +1,34 @@
 #include "scissors/RyScissorsWeightKernels_p.h"
 
-#if defined(__x86_64__) || defined(__i386__)
+#include "RyVectorTarget.h"
+
+#if RY_HAS_X86_VECTORS
 
 #include <immintrin.h>
 
-// The target is the functions' and not the file's: inline functions of Qt compiled here for AVX2
-// could otherwise end up in code that runs on older processors.
-#define RY_AVX2 __attribute__((target("avx2")))
-
 namespace {
 
-RY_AVX2 inline __m256i load(const void *from)
+RY_TARGET_AVX2 inline __m256i load(const void *from)
 {
     return _mm256_loadu_si256(static_cast<const __m256i *>(from));
 }
 
-/// The three colours' sums of eight pixels, in 32 bits each.
-RY_AVX2 inline __m256i colourSums(const QRgb *in)
+/// The three channels' sums of eight pixels, in 32 bits each.
+RY_TARGET_AVX2 inline __m256i colorSums(const QRgb *in)
 {
     const __m256i pairs = _mm256_maddubs_epi16(load(in), _mm256_set1_epi32(0x00010101));
     return _mm256_madd_epi16(pairs, _mm256_set1_epi16(1));
 }
 
 /// Sixteen sums a third each, in 16 bits, in the order in which packing leaves them.
-RY_AVX2 inline __m256i thirds(const QRgb *in)
+RY_TARGET_AVX2 inline __m256i thirds(const QRgb *in)
 {
-    const __m256i sums = _mm256_packus_epi32(colourSums(in), colourSums(in + 8));
+    const __m256i sums = _mm256_packus_epi32(colorSums(in), colorSums(in + 8));
     return _mm256_mulhi_epu16(sums, _mm256_set1_epi16(21846));
 }
 
 /// The sums of neighbouring bytes of both rows, sixteen of 16 bits.
-RY_AVX2 inline __m256i quarters(const uchar *in0, const uchar *in1)
+RY_TARGET_AVX2 inline __m256i quarters(const uchar *in0, const uchar *in1)
 {
     const __m256i ones = _mm256_set1_epi8(1);
     const __m256i sums = _mm256_add_epi16(_mm256_maddubs_epi16(load(in0), ones),
@@ -40,7 +38,7 @@ RY_AVX2 inline __m256i quarters(const uchar *in0, const uchar *in1)
 
 } // namespace
 
-RY_AVX2 void RyScissorsWeightKernels::greyRowAvx2(const QRgb *in, uchar *out, int count)
+RY_TARGET_AVX2 void RyScissorsWeightKernels::greyRowAvx2(const QRgb *in, uchar *out, int count)
 {
     // Packing works within halves of 128 bits: four bytes of each vector stay together.
     const __m256i order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
@@ -53,8 +51,8 @@ RY_AVX2 void RyScissorsWeightKernels::greyRowAvx2(const QRgb *in, uchar *out, in
     greyRow(in + i, out + i, count - i);
 }
 
-RY_AVX2 void RyScissorsWeightKernels::averageRowsAvx2(const uchar *in0, const uchar *in1,
-                                                      uchar *out, int count)
+RY_TARGET_AVX2 void RyScissorsWeightKernels::averageRowsAvx2(const uchar *in0, const uchar *in1,
+                                                             uchar *out, int count)
 {
     int i = 0;
     for (; i + 32 <= count; i += 32) {

@@ -7,8 +7,8 @@
 /// Rows of pixels turned into rows of grey, and these into rows of half the width.
 namespace RyScissorsWeightKernels {
 
-/// Contract of every variant: reads and writes what is said and nothing else, asks no alignment, and
-/// gives the same bits as the plain one, which defines the result.
+/// Contract of every variant: reads and writes what is said and nothing else, asks no alignment,
+/// and gives the same bits as the plain one, which defines the result.
 
 /// out[i] = (red + green + blue) / 3 for i in [0, count). Alpha is not read.
 using GreyRow = void (*)(const QRgb *in, uchar *out, int count);

@@ -1,6 +1,6 @@
 #include "segmentation/RyCut.h"
 
-#include "image/RyImageMemory.h"
+#include "RyImageMemory.h"
 #include "segmentation/RyRegions.h"
 
 #include <array>

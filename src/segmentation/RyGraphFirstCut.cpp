@@ -1,8 +1,8 @@
 #include "segmentation/RyGraphFirstCut.h"
 
+#include "RyImageMemory.h"
 #include "graphcut/RyGraphCut.h"
 #include "image/RyConcurrent.h"
-#include "image/RyImageMemory.h"
 #include "image/RyLabelImage.h"
 #include "segmentation/RyLasso.h"
 #include "segmentation/RyRegions.h"

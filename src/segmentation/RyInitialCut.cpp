@@ -1,7 +1,7 @@
 #include "segmentation/RyInitialCut.h"
 
+#include "RyImageMemory.h"
 #include "image/RyGeometry.h"
-#include "image/RyImageMemory.h"
 #include "image/RyLabelImage.h"
 #include "regiongrowing/RyBackgroundExtractor.h"
 #include "segmentation/RyLasso.h"

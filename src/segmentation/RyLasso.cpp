@@ -1,7 +1,7 @@
 #include "segmentation/RyLasso.h"
 
+#include "RyImageMemory.h"
 #include "image/RyGeometry.h"
-#include "image/RyImageMemory.h"
 
 #include <QPainter>
 

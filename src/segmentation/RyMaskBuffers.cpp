@@ -1,8 +1,8 @@
 #include "segmentation/RyMaskBuffers.h"
 
+#include "RyImageMemory.h"
 #include "RyIntRange.h"
 #include "image/RyConcurrent.h"
-#include "image/RyImageMemory.h"
 
 #include <QMutexLocker>
 

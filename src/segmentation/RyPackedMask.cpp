@@ -1,6 +1,6 @@
 #include "segmentation/RyPackedMask.h"
 
-#include "image/RyImageMemory.h"
+#include "RyImageMemory.h"
 
 #include <algorithm>
 #include <new>

@@ -1,6 +1,6 @@
 #include "segmentation/RyStrokeCoverage.h"
 
-#include "image/RyImageMemory.h"
+#include "RyImageMemory.h"
 #include "segmentation/RyLasso.h"
 #include "segmentation/RyStroke.h"
 

@@ -2,6 +2,14 @@
 
 #include "RySettingsLock.h"
 
+using namespace Qt::StringLiterals;
+
+const QString RyImageCutterSettings::group = u"ImageCutter"_s;
+const QString RyImageCutterSettings::backgroundColorsKey = u"backgroundColors"_s;
+const QString RyImageCutterSettings::debugFolderKey = u"dbgFolder"_s;
+const QString RyImageCutterSettings::maximalImageLengthKey = u"maxFotoLength"_s;
+const QString RyImageCutterSettings::listSeparator = u","_s;
+
 namespace {
 
 QList<QVariant> defaultBackgroundColors()
@@ -33,8 +41,7 @@ QList<QColor> RyImageCutterSettings::backgroundColors() const
 
 void RyImageCutterSettings::setBackgroundColors(const int &index, const QColor &color)
 {
-    if (index < 0 || index >= m_backgroundColors.size() ||
-        m_backgroundColors.at(index).value<QColor>() == color)
+    if (index < 0 || index >= m_backgroundColors.size())
         return;
     m_backgroundColors.replace(index, color);
     m_areBackgroundColorsChanged = 1;

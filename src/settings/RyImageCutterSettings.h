@@ -8,6 +8,7 @@
 #include <QColor>
 #include <QLatin1StringView>
 #include <QList>
+#include <QString>
 #include <QVariant>
 
 /**
@@ -23,17 +24,19 @@ class RYIMAGECUTTER_EXPORT RyImageCutterSettings : public RySettings,
     Q_OBJECT
 
 public:
-    static constexpr QLatin1StringView group{"ImageCutter"};
-    static constexpr QLatin1StringView backgroundColorsKey{"backgroundColors"};
-    static constexpr QLatin1StringView debugFolderKey{"dbgFolder"};
-    static constexpr QLatin1StringView maximalImageLengthKey{"maxFotoLength"}; // as files have it
+    static const QString group;                 ///< "ImageCutter"
+    static const QString backgroundColorsKey;   ///< "backgroundColors"
+    static const QString debugFolderKey;        ///< "dbgFolder"
+    static const QString maximalImageLengthKey; ///< "maxFotoLength", as files have it
+    static const QString listSeparator;         ///< ",", for hosts that show a list in one line
     static constexpr QLatin1StringView defaultDebugFolder{"DEBUG"};
     static constexpr int defaultMaximalImageLength = 1200;
 
-    /// Offered to the user for what is behind a cut-out object. An element that a file has in a form
-    /// other than a colour's or its name's is an invalid colour.
+    /// Offered to the user for what is behind a cut-out object. An element that a file has in a
+    /// form other than a colour's or its name's is an invalid colour.
     QList<QColor> backgroundColors() const;
-    /// Replaces one colour and saves. Nothing happens when there is no such index.
+    /// Replaces one colour and saves, even if it is that colour already: the file may have another
+    /// one by now. Nothing happens when there is no such index.
     void setBackgroundColors(const int &index, const QColor &color);
 
     /// Where diagnostic output goes; a relative name is relative to the current folder.
@@ -47,7 +50,7 @@ public:
 
     /// Replaces all values by those of the file, even changed ones that could not be saved.
     void loadSettings() override;
-    /// The setters call it, each when it has changed something.
+    /// The setters call it.
     void saveSettings() override;
 
 private:

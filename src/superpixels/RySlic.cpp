@@ -18,6 +18,14 @@ namespace {
 
 constexpr int narrowestSlice = 24; // so that whole groups of columns cover most of a slice
 
+// How many superpixels a lasso's rectangle is divided into: so many that one covers 1,800 pixels,
+// and some more, so that small objects keep their shape. The fewest are reached at 60,000 pixels;
+// the most bound the time that regions take, whatever the picture's size.
+constexpr double pixelsOfASuperPixel = 1800.0;
+constexpr double superPixelsMore = 200.0 / 3.0;
+constexpr double fewestSuperPixels = 100.0;
+constexpr double mostSuperPixels = 1200.0;
+
 double gridStep(const QPainterPath &lasso, int superPixelCount)
 {
     const QRectF rect = lasso.boundingRect();
@@ -44,8 +52,8 @@ int RySlic::countSuperPixels() const
 {
     const QRect rect = lassoBoundingRect();
     const float area = float(qint64(rect.width()) * rect.height());
-    const double count = area / 1800.0 + 200.0 / 3.0;
-    return int(std::clamp(count, 100.0, 1200.0));
+    const double count = area / pixelsOfASuperPixel + superPixelsMore;
+    return int(std::clamp(count, fewestSuperPixels, mostSuperPixels));
 }
 
 QRect RySlic::fillableArea() const
@@ -86,8 +94,8 @@ void RySlic::initialize()
     const auto *const pixels = reinterpret_cast<const RyYCbCrPixel *>(yCbCr.constBits());
     const QRect rect = lassoBoundingRect();
     const double half = 0.5 * m_step;
-    // The grid starts a full step inside the top left corner and ends half a step before the
-    // bottom right one; results depend on this asymmetry.
+    // A whole step is left out at the left and at the top, half a step at the right and at the
+    // bottom: moving the grid would move every outline that people have cut.
     const int endY = int(rect.bottom() - half);
     const int endX = int(rect.right() - half);
     for (int y = int(rect.top() + m_step); y < endY; y = int(y + m_step)) {

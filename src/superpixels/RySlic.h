@@ -16,7 +16,7 @@ struct RySlicSlice;
  * Output   superPixelAssignments(): the picture's size, Format_ARGB32, every word a signed 32-bit
  *          label, 0 for none; clusterInformations(): one record a label, record 0 for none.
  * Source   SLIC (Achanta et al., IEEE TPAMI 34(11), 2012) in YCbCr with the distance of
- *          RySuperPixel, a fixed ten rounds, and regions of at most 1/400 of the mean area merged
+ *          RySuperPixel, a fixed ten rounds, and pieces of at most 1/400 of the mean area merged
  *          into their most similar neighbour.
  * Errors   none reported: a lasso without area inside the picture, with coordinates that are not
  *          finite or not below 1e9, or a grid step below one pixel give all-zero labels and only
@@ -48,7 +48,7 @@ public:
     /// Number of increaseProgress() signals that run() emits.
     int totalProgressSteps() const { return 4; }
 
-    /// The whole clustering; always emits all progress signals. Call once.
+    /// All stages; always emits all progress signals. Call once.
     void run();
 
     QImage superPixelAssignments() const { return m_labels; }
@@ -88,7 +88,7 @@ private:
     int m_superPixelCount = 0;
     int m_iterations = 10;
     QImage m_labels;
-    QList<RySuperPixel> m_superPixels; // index = label; 0 is reserved and never a cluster
+    QList<RySuperPixel> m_superPixels; // index = label; 0 is reserved and no superpixel
     QPainterPath m_lassoPath;
     QRect m_lassoRect; // of the path, rounded; null when it cannot be
     const RyImage *m_image = nullptr;

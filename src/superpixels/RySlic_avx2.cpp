@@ -1,12 +1,10 @@
 #include "superpixels/RySlic_p.h"
 
-#if defined(__x86_64__) || defined(__i386__)
+#include "RyVectorTarget.h"
+
+#if RY_HAS_X86_VECTORS
 
 #include <immintrin.h>
-
-// The target is each function's, not the file's: inline functions of Qt compiled here for AVX2
-// could otherwise end up in code that runs on older processors.
-#define RY_TARGET_AVX2 __attribute__((target("avx2")))
 
 namespace RySlicKernels {
 
@@ -46,7 +44,7 @@ RY_TARGET_AVX2 inline __m256 distancesOf(const Centre &centre, __m256i pixels, _
     const __m256 dcr = _mm256_sub_ps(centre.cr, _mm256_cvtepi32_ps(cr));
     const __m256 squares = _mm256_add_ps(
             _mm256_add_ps(_mm256_mul_ps(dy, dy), _mm256_mul_ps(dcb, dcb)), _mm256_mul_ps(dcr, dcr));
-    const __m256 color = _mm256_div_ps(squares, _mm256_set1_ps(900.0f));
+    const __m256 color = _mm256_div_ps(squares, _mm256_set1_ps(RySuperPixel::colorScale));
     const __m256 dx = _mm256_sub_ps(centre.x, columns);
     const __m256 length = _mm256_sqrt_ps(_mm256_add_ps(_mm256_mul_ps(dx, dx), squaredRows));
     return _mm256_add_ps(color, _mm256_div_ps(length, centre.step));

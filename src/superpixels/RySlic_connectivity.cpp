@@ -1,115 +1,81 @@
 #include "superpixels/RySlic.h"
 
+#include "RyConnectedRuns.h"
 #include "image/RyLabelImage.h"
 
+#include <algorithm>
 #include <array>
-#include <numeric>
 #include <set>
 #include <vector>
 
 namespace {
 
-// A region of at most 1/400 of the mean superpixel area is noise.
-constexpr int smallRegionDivisor = 400;
+// A piece of at most 1/400 of the mean superpixel area is noise.
+constexpr int smallPieceDivisor = 400;
 
-constexpr int firstMark = -2; // small regions carry −2, −3, … until they are merged
+constexpr int firstMark = -2; // small pieces carry −2, −3, … until they are merged
 
-/// Pixels of one row with one label: columns [begin, end).
-struct Run
-{
-    int row, begin, end;
-    qint32 label;
-    std::size_t parent; // in the union-find forest over all runs
-};
-
-std::size_t rootOf(std::vector<Run> &runs, std::size_t index)
-{
-    while (runs[index].parent != index) {
-        runs[index].parent = runs[runs[index].parent].parent;
-        index = runs[index].parent;
-    }
-    return index;
-}
-
-void appendRuns(std::vector<Run> &runs, const qint32 *labels, int y, int left, int right)
+void appendRuns(RyConnectedRuns &runs, const qint32 *labels, int y, int left, int right)
 {
     for (int x = left; x <= right;) {
         const int begin = x;
         while (x <= right && labels[x] == labels[begin])
             ++x;
         if (labels[begin] != 0)
-            runs.push_back({y, begin, x, labels[begin], runs.size()});
+            runs.append(y, begin, x);
     }
 }
 
-/// Joins the runs [current, end) with those of the row above, [previous, current), where columns
-/// and labels meet. The lower index becomes the root.
-void joinWithRowAbove(std::vector<Run> &runs, std::size_t previous, std::size_t current)
-{
-    std::size_t above = previous;
-    std::size_t below = current;
-    while (above < current && below < runs.size()) {
-        if (runs[above].label == runs[below].label && runs[above].begin < runs[below].end &&
-            runs[below].begin < runs[above].end) {
-            const std::size_t a = rootOf(runs, above);
-            const std::size_t b = rootOf(runs, below);
-            runs[std::max(a, b)].parent = std::min(a, b);
-        }
-        if (runs[above].end < runs[below].end)
-            ++above;
-        else
-            ++below;
-    }
-}
-
-/// All runs of labelled pixels in the area, in row-major order, joined into 4-connected regions of
+/// All runs of labelled pixels in the area, in row-major order, joined into 4-connected pieces of
 /// one label each.
-std::vector<Run> connectedRuns(const QImage &labels, const QRect &area)
+RyConnectedRuns connectedRuns(const QImage &labels, const QRect &area)
 {
-    std::vector<Run> runs;
-    std::size_t previous = 0;
+    using Run = RyConnectedRuns::Run;
+    RyConnectedRuns runs;
     for (int y = area.top(); y <= area.bottom(); ++y) {
-        const std::size_t current = runs.size();
-        appendRuns(runs, RyLabelImage::row(labels, y), y, area.left(), area.right());
-        joinWithRowAbove(runs, previous, current);
-        previous = current;
+        const qint32 *const row = RyLabelImage::row(labels, y);
+        const qint32 *const above = RyLabelImage::row(labels, std::max(y - 1, area.top()));
+        appendRuns(runs, row, y, area.left(), area.right());
+        runs.endRow(0, [above, row](const Run &upper, const Run &lower) {
+            return above[upper.begin] == row[lower.begin];
+        });
     }
     return runs;
 }
 
-/// A small region that is being merged.
-struct SmallRegion
+/// A small piece that is being merged.
+struct SmallPiece
 {
     RySuperPixel record;
     std::vector<QPoint> points;
     std::set<qint32> neighbours; // in ascending order, which settles ties
 };
 
-/// Collects small regions in the order in which a row-major scan meets them. What the scan has
-/// passed and what a region has looked at counts as visited and is never looked at again; the scan
+/// Collects small pieces in the order in which a row-major scan meets them. What the scan has
+/// passed and what a piece has looked at counts as visited and is never looked at again; the scan
 /// leaves out the picture's last row and column.
-class SmallRegionScan
+class SmallPieceScan
 {
 public:
-    SmallRegionScan(const QImage &labels, const QImage &yCbCr)
+    SmallPieceScan(const QImage &labels, const QImage &yCbCr)
         : m_labels(labels)
         , m_yCbCr(yCbCr)
         , m_rect(labels.rect())
         , m_visited(std::size_t(labels.width()) * std::size_t(labels.height()), false)
     {}
 
-    SmallRegion regionAt(const QPoint &seed)
+    SmallPiece pieceAt(const QPoint &seed)
     {
         m_scanned = seed;
         const qint32 mark = RyLabelImage::row(m_labels, seed.y())[seed.x()];
-        SmallRegion region{RySuperPixel(pixel(seed), seed), {seed}, {}};
-        for (std::size_t i = 0; i < region.points.size(); ++i) {
-            const QPoint from = region.points[i];
+        SmallPiece piece{RySuperPixel(pixel(seed), seed), {seed}, {}};
+        for (std::size_t i = 0; i < piece.points.size(); ++i) {
+            const QPoint from = piece.points[i];
             for (const QPoint &offset : offsets)
-                visit(from + offset, mark, region);
+                visit(from + offset, mark, piece);
         }
-        region.record.normalize();
-        return region;
+        piece.record.normalize();
+        return piece;
     }
 
 private:
@@ -129,7 +95,7 @@ private:
                (point.y() == m_scanned.y() && point.x() <= m_scanned.x());
     }
 
-    void visit(const QPoint &point, qint32 mark, SmallRegion &region)
+    void visit(const QPoint &point, qint32 mark, SmallPiece &piece)
     {
         if (!m_rect.contains(point) || wasScanned(point))
             return;
@@ -137,13 +103,13 @@ private:
                 std::size_t(point.y()) * std::size_t(m_rect.width()) + std::size_t(point.x());
         if (m_visited[index])
             return;
-        m_visited[index] = true; // also when it belongs to another small region
+        m_visited[index] = true; // also when it belongs to another small piece
         const qint32 label = RyLabelImage::row(m_labels, point.y())[point.x()];
         if (label == mark) {
-            region.record.addPixel(pixel(point), point.x(), point.y());
-            region.points.push_back(point);
+            piece.record.addPixel(pixel(point), point.x(), point.y());
+            piece.points.push_back(point);
         } else if (label >= 0) {
-            region.neighbours.insert(label);
+            piece.neighbours.insert(label);
         }
     }
 
@@ -155,13 +121,13 @@ private:
 };
 
 /// The neighbour of the most similar colour; label 0 takes part with the reserved record's black.
-qint32 mostSimilar(const SmallRegion &region, const QList<RySuperPixel> &records)
+qint32 mostSimilar(const SmallPiece &piece, const QList<RySuperPixel> &records)
 {
     qint32 target = 0;
     unsigned int best = 0;
-    for (const qint32 label : region.neighbours) {
-        const auto distance = unsigned(records.at(label).colorDistanceQuadrat(region.record));
-        if (label == *region.neighbours.begin() || distance < best) {
+    for (const qint32 label : piece.neighbours) {
+        const auto distance = unsigned(records.at(label).colorDistanceQuadrat(piece.record));
+        if (label == *piece.neighbours.begin() || distance < best) {
             best = distance;
             target = label;
         }
@@ -175,33 +141,34 @@ void RySlic::forceConnectivity()
 {
     const QRect rect = lassoBoundingRect();
     const qint64 meanArea = qint64(rect.width()) * rect.height() / m_superPixels.size();
-    const qint64 smallArea = meanArea / smallRegionDivisor;
-    std::vector<Run> runs;
+    const qint64 smallArea = meanArea / smallPieceDivisor;
+    RyConnectedRuns runs;
     if (rect.top() < rect.bottom())
         runs = connectedRuns(m_labels, fillableArea());
 
-    std::vector<qint64> area(runs.size(), 0); // at the roots
+    std::vector<qint64> area(runs.size(), 0); // at the first runs of pieces
     for (std::size_t i = 0; i < runs.size(); ++i)
-        area[rootOf(runs, i)] += runs[i].end - runs[i].begin;
+        area[runs.firstOf(i)] += runs[i].pixels();
 
-    // Regions are numbered as a scan of the rectangle meets them that leaves out its bottom row and
-    // right-hand column; a region that lies nowhere else keeps label 0.
-    std::vector<qint32> newLabel(runs.size(), 0); // at the roots
+    // Pieces are numbered as a scan of the rectangle meets them that leaves out its bottom row and
+    // right-hand column; a piece that lies nowhere else keeps label 0.
+    std::vector<qint32> newLabel(runs.size(), 0); // likewise
     qint32 nextLabel = 1;
     qint32 nextMark = firstMark;
     for (std::size_t i = 0; i < runs.size(); ++i) {
-        qint32 &label = newLabel[rootOf(runs, i)];
+        const std::size_t first = runs.firstOf(i);
+        qint32 &label = newLabel[first];
         if (label != 0 || runs[i].row >= rect.bottom() || runs[i].begin >= rect.right() ||
             runs[i].end <= rect.left())
             continue;
-        label = area[rootOf(runs, i)] <= smallArea ? nextMark-- : nextLabel++;
+        label = area[first] <= smallArea ? nextMark-- : nextLabel++;
     }
 
-    if (runs.empty())
+    if (runs.size() == 0)
         m_labels.fill(0U);
     for (std::size_t i = 0; i < runs.size(); ++i) {
         qint32 *const row = RyLabelImage::row(m_labels, runs[i].row);
-        std::fill(row + runs[i].begin, row + runs[i].end, newLabel[rootOf(runs, i)]);
+        std::fill(row + runs[i].begin, row + runs[i].end, newLabel[runs.firstOf(i)]);
     }
     initNewSuperPixels(nextLabel);
     addLabelledPixels();
@@ -217,7 +184,7 @@ void RySlic::initNewSuperPixels(int count)
 
 void RySlic::allocateSmallClusters()
 {
-    SmallRegionScan scan(m_labels, m_image->imageYCbCr());
+    SmallPieceScan scan(m_labels, m_image->imageYCbCr());
     const QRect area = fillableArea();
     const int endRow = std::min(area.bottom() + 1, m_labels.height() - 1);
     const int endColumn = std::min(area.right() + 1, m_labels.width() - 1);
@@ -225,13 +192,13 @@ void RySlic::allocateSmallClusters()
         for (int x = area.left(); x < endColumn; ++x) {
             if (RyLabelImage::row(std::as_const(m_labels), y)[x] > firstMark)
                 continue;
-            const SmallRegion region = scan.regionAt(QPoint(x, y));
+            const SmallPiece piece = scan.pieceAt(QPoint(x, y));
             qint32 target = qint32(m_superPixels.size());
-            if (region.neighbours.empty())
+            if (piece.neighbours.empty())
                 m_superPixels.append(RySuperPixel());
             else
-                target = mostSimilar(region, m_superPixels);
-            for (const QPoint &point : region.points)
+                target = mostSimilar(piece, m_superPixels);
+            for (const QPoint &point : piece.points)
                 RyLabelImage::row(m_labels, point.y())[point.x()] = target;
         }
     }

@@ -7,8 +7,8 @@
 
 #include <vector>
 
-/// One column band of one assignment round: plain values and borrowed storage. Bands write disjoint
-/// columns of the labels, so none locks.
+/// One column band of one assignment round: plain values and borrowed storage. Bands write
+/// disjoint columns of the labels, so none locks.
 struct RySlicSlice
 {
     QImage image;              ///< the YCbCr plane, read only
@@ -27,12 +27,13 @@ struct RySlicSlice
  * For every record in ascending order and every pixel within step pixels of its centre, the label
  * becomes the record's index where its distance is strictly smaller than all before.
  *
- * The vector variants handle windows in groups of 4 or 8 aligned columns; what a window covers of a
- * first or last group goes pixel by pixel ("head" and "tail"). They differ from the scalar variant
- * in two ways that results depend on:
+ * The vector variants handle windows in groups of 4 or 8 aligned columns; what a window covers of
+ * a first or last group goes pixel by pixel ("head" and "tail"). They differ from the scalar
+ * variant in two ways that results depend on:
  *  - inside a group the columns of the spatial term run backwards: lane i measures column
  *    c + L − 1 − i;
- *  - a window that holds no whole group has its head run to the end of its group and its tail start
+ *  - a window that holds no whole group has its head run to the end of its group and its tail
+ *  start
  *    at the beginning of its group, so columns beside the window are visited as well; an empty
  *    window at an unaligned column visits that whole group.
  * Columns outside the picture are never visited.
@@ -78,8 +79,8 @@ void measureScalar(const Block &block);
 /// Whole aligned groups with the columns of each group reversed.
 void measureGroupsSse(const Block &block);
 void measureGroupsAvx2(const Block &block);
-/// The same bits as measureScalar() for a block that lies within one aligned group of 8 columns and
-/// whose squared distances to the centre stay below 2²⁴, where single precision is exact.
+/// The same bits as measureScalar() for a block that lies within one aligned group of 8 columns
+/// and whose squared distances to the centre stay below 2²⁴, where single precision is exact.
 void measurePartOfGroupAvx2(const Block &block);
 
 /// Visits all windows of a slice; groups, where not null, takes lanes columns at a time, and

@@ -1,11 +1,10 @@
 #include "superpixels/RySlic_p.h"
 
-#if defined(__x86_64__) || defined(__i386__)
+#include "RyVectorTarget.h"
+
+#if RY_HAS_X86_VECTORS
 
 #include <immintrin.h>
-
-// The target is each function's, not the file's: see RySlic_avx2.cpp.
-#define RY_TARGET_SSSE3 __attribute__((target("ssse3")))
 
 namespace RySlicKernels {
 
@@ -41,7 +40,7 @@ RY_TARGET_SSSE3 void measureGroupsSse(const Block &block)
     const __m128 cr = _mm_set1_ps(float(centre.color().cr()));
     const __m128 centreX = _mm_set1_ps(float(centre.x()));
     const __m128 step = _mm_set1_ps(block.step);
-    const __m128 colorScale = _mm_set1_ps(900.0f);
+    const __m128 colorScale = _mm_set1_ps(RySuperPixel::colorScale);
     const __m128 reversed = _mm_setr_ps(3, 2, 1, 0);
     const __m128 label = _mm_castsi128_ps(_mm_set1_epi32(int(block.label)));
     for (int y = block.firstRow; y < block.endRow; ++y) {

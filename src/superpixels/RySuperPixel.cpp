@@ -39,5 +39,5 @@ float RySuperPixel::distance(int x, int y, const RyYCbCrPixel &pixel, float fact
     const qint64 dx = qint64(m_x) - x;
     const qint64 dy = qint64(m_y) - y;
     const double spatial = std::sqrt(double(dx * dx + dy * dy));
-    return float(colorDistanceQuadrat(pixel)) / 900.0f + float(spatial) / factor;
+    return float(colorDistanceQuadrat(pixel)) / colorScale + float(spatial) / factor;
 }

@@ -13,14 +13,18 @@
  * leans to its first value by one part in N.
  *
  * Input    packed YCbCr pixels; columns and rows in picture pixels.
- * Source   SLIC (Achanta et al., IEEE TPAMI 34(11), 2012), in YCbCr and with a spatial term that is
- *          not squared, unlike the paper's; cluster sizes depend on it.
+ * Source   SLIC (Achanta et al., IEEE TPAMI 34(11), 2012), in YCbCr and with a spatial term that
+ *          is not squared, unlike the paper's; their sizes depend on it.
  * Errors   none reported: sums wrap, a factor of 0 gives infinity or NaN.
  * Threads  a plain value. Every operation takes constant time.
  */
 class RYIMAGECUTTER_EXPORT RySuperPixel
 {
 public:
+    /// Squared: colours 30 steps apart count as much as a place one grid interval away. The paper
+    /// calls this number m and leaves it to its user, from 1 to 40.
+    static constexpr float colorScale = 30.0f * 30.0f;
+
     RySuperPixel()
         : RySuperPixel(0, 0, 0, 0, 0)
     {}
@@ -42,8 +46,8 @@ public:
     /// Adds sums that were taken elsewhere: the colours, columns and rows of count pixels.
     void addSums(const RyYCbCr &colors, unsigned int columns, unsigned int rows, int count);
     void reset();
-    /// Turns sums into means: colours rounded half away from zero, the centre truncated. Records of
-    /// fewer than two pixels stay as they are.
+    /// Turns sums into means: colours rounded half away from zero, the centre truncated. Records
+    /// of fewer than two pixels stay as they are.
     void normalize();
 
     int x() const { return m_x; }
@@ -54,7 +58,8 @@ public:
     RyYCbCr averageYCbCr() const { return m_color; }
     const RyYCbCr &color() const { return m_color; } ///< as averageYCbCr(), without the copy
 
-    /// The SLIC distance: squared colour distance over 30², plus Euclidean distance over factor.
+    /// The SLIC distance: squared colour distance over its scale, plus Euclidean distance over
+    /// factor.
     float distance(int x, int y, const RyYCbCrPixel &pixel, float factor) const;
 
     int colorDistanceQuadrat(const RyYCbCrPixel &pixel) const

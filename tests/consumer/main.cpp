@@ -1,5 +1,6 @@
 // Includes every installed header, so that a missing one is noticed, and cuts one picture.
 #include <RyConfigItem.h>
+#include <RyConnectedRuns.h>
 #include <RyCpuFeatures.h>
 #include <RyIntRange.h>
 #include <RyLogger.h>

@@ -2,7 +2,7 @@
 
 #include "RySettings.h"
 #include "canvas/EdgePreview.h"
-#include "cutout/EdgeColours.h"
+#include "cutout/EdgeColors.h"
 #include "cutout/EdgeOperations.h"
 #include "cutout/MaskImage.h"
 #include "cutout/MaskOutline.h"
@@ -426,7 +426,7 @@ void tst_StudioExport::clipboard()
     QTRY_VERIFY_WITH_TIMEOUT(data()->hasImage(), patienceMs);
     const QImage expected =
             CutoutPicture::compose(m_studio->document().picture(), expectedMask(),
-                                   {.cleanPixels = EdgeColours::usualRimPixels, .crop = true});
+                                   {.cleanPixels = EdgeColors::usualRimPixels, .crop = true});
     QCOMPARE(qvariant_cast<QImage>(data()->imageData()), expected);
     QCOMPARE(QImage::fromData(data()->data(QStringLiteral("image/png")), "png")
                      .convertToFormat(expected.format()),

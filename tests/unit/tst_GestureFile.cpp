@@ -1,5 +1,5 @@
+#include "cutout/AppError.h"
 #include "gestures/GestureFile.h"
-#include "gestures/GestureFileError.h"
 
 #include <QTest>
 
@@ -163,7 +163,7 @@ void tst_GestureFile::namesTheMalformedLine()
     try {
         GestureFile::parse(text, u"my.session"_s);
         QFAIL("it was taken for a session");
-    } catch (const GestureFileError &error) {
+    } catch (const AppError &error) {
         const QString message = error.message();
         QVERIFY2(message.startsWith(u"my.session, line %1: "_s.arg(line)), qPrintable(message));
         QVERIFY2(message.contains(named), qPrintable(message));

@@ -1,6 +1,6 @@
+#include "image/RyColorEdges_p.h"
 #include "image/RyImage.h"
 #include "regiongrowing/RyEdgeDetectorSobelColor.h"
-#include "regiongrowing/RyEdgeDetectorSobelColor_p.h"
 #include "support/Digest.h"
 #include "support/TestPictures.h"
 
@@ -48,9 +48,9 @@ void tst_RyEdgeDetectorSobelColor::measuresStrength()
     const QRgb above[] = {0x000000, 0x000000, 0x0A0000}, row[] = {0x000000, 0x7F7F7F, 0x000400},
                below[] = {0x000000, 0x000001, 0x000003};
     // Diagonals 3 and 10; sideways 2 * 4, up and down 2 * 1: the root of 21² and 15², a sixteenth.
-    QCOMPARE(int(RyEdgeDetectorSobelKernels::strengthAt(above, row, below, 1)), 2);
+    QCOMPARE(int(RyColorEdgeKernels::strengthAt(above, row, below, 1)), 2);
     const QRgb white[] = {0xFFFFFF, 0xFFFFFF, 0xFFFFFF}, black[] = {0, 0, 0};
-    QCOMPARE(int(RyEdgeDetectorSobelKernels::strengthAt(white, row, black, 1)), 214);
+    QCOMPARE(int(RyColorEdgeKernels::strengthAt(white, row, black, 1)), 214);
 }
 
 void tst_RyEdgeDetectorSobelColor::detects_data()
@@ -94,8 +94,8 @@ void tst_RyEdgeDetectorSobelColor::rowsAgree()
         const QImage rows = TestPictures::noise(std::max(width, 1), 3, quint32(width));
         const auto row = [&](int y) { return reinterpret_cast<const QRgb *>(rows.scanLine(y)); };
         QList<std::uint8_t> plain(width + 1, 77), wide(width + 1, 77); // what is not written stays
-        RyEdgeDetectorSobelKernels::strengthRow(row(0), row(1), row(2), plain.data(), width);
-        RyEdgeDetectorSobelKernels::best()(row(0), row(1), row(2), wide.data(), width);
+        RyColorEdgeKernels::strengthRow(row(0), row(1), row(2), plain.data(), width);
+        RyColorEdgeKernels::best()(row(0), row(1), row(2), wide.data(), width);
         QCOMPARE(wide, plain);
         for (int x = 0; x <= width; ++x)
             if (x < 1 || x > width - 3)

@@ -112,7 +112,6 @@ void tst_RyImageCutterSettings::leavesTheFileAloneWithoutNeed()
         settings().setMaximalImageLength(settings().maximalImageLength());
         settings().setBackgroundColors(-1, Qt::green);
         settings().setBackgroundColors(3, Qt::green);
-        settings().setBackgroundColors(2, translucentRed);
         QCOMPARE(settings().backgroundColors(), defaultColors);
     };
     setNothingNew();
@@ -138,6 +137,10 @@ void tst_RyImageCutterSettings::keepsWhatOthersChanged()
     QCOMPARE(settings().maximalImageLength(), 1400);
     QCOMPARE(settings().debugFolder(), u"here"_s);
     QVERIFY(stored().contains("backgroundColors"));
+    store("[ImageCutter]\nbackgroundColors=red\n");
+    settings().setBackgroundColors(1, Qt::black); // as it is here, but no longer there
+    settings().loadSettings();
+    QCOMPARE(settings().backgroundColors(), defaultColors);
 }
 
 void tst_RyImageCutterSettings::replacesADamagedFileWhenChanged()

@@ -69,6 +69,7 @@ private Q_SLOTS:
     void weighs_data();
     void weighs();
     void scores();
+    void runsWhoeverStartsIt();
     void statesOfBlocks();
     void settingsChange();
     void emptyAndUnknownData();
@@ -177,6 +178,23 @@ void tst_RyScissorsWeights::scores()
     QCOMPARE(score(1, 2), quint32(std::sqrt(0.25 * 0.25 + 0.5 * 0.5) * 4096));
     point = {2.0, 1.0}; // on a corner: as near to the block before as inside
     QCOMPARE(score(1, 0), 0U);
+}
+
+void tst_RyScissorsWeights::runsWhoeverStartsIt()
+{
+    struct Counter : RyIntelligentScissorsWorker
+    {
+        Counter()
+            : RyIntelligentScissorsWorker(QStringLiteral("Counter"))
+        {}
+        void runningThread() override { ++runs; }
+        int runs = 0;
+    } counter;
+    counter.start(); // as any thread
+    QVERIFY(counter.wait());
+    counter.startThread();
+    QVERIFY(counter.wait());
+    QCOMPARE(counter.runs, 2);
 }
 
 void tst_RyScissorsWeights::statesOfBlocks()

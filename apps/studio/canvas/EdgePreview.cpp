@@ -1,6 +1,6 @@
 #include "canvas/EdgePreview.h"
 
-#include "cutout/EdgeColours.h"
+#include "cutout/EdgeColors.h"
 #include "document/Document.h"
 #include "document/EditedMask.h"
 
@@ -113,7 +113,7 @@ EdgePreview::Edge EdgePreview::edited(const CutoutSource &source, int rimPixels,
         throw std::bad_alloc();
     if (rimPixels > 0)
         edge.colours = ImagePyramid::ofPhotograph(
-                EdgeColours::cleaned(source.opened.picture, cutout, rimPixels));
+                EdgeColors::cleaned(source.opened.picture, cutout, rimPixels));
     return edge;
 }
 

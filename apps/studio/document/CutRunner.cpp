@@ -67,7 +67,7 @@ CutRunner::CutRunner(QObject *parent)
                 if (isCutting())
                     Q_EMIT progress(currentStep, totalSteps);
             });
-    m_session.setRecordsSteps(false); // steps for strokes have no names, and lack their last parts
+    m_session.setRecordsSteps(false);  // steps for strokes have no names, and lack their last parts
     m_session.setMaskColor(Qt::white); // only its transparency is looked at
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "RyUndoCommand.h"
-#include "document/EdgeSettings.h"
+#include "cutout/EdgeSettings.h"
 
 #include <functional>
 

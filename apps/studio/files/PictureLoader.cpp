@@ -2,7 +2,6 @@
 
 #include "cutout/AppError.h"
 #include "cutout/PictureDecoder.h"
-#include "cutout/PictureError.h"
 #include "files/StateFolder.h"
 
 #include <QCryptographicHash>
@@ -77,14 +76,10 @@ void PictureLoader::start(const QString &title, const Decode &decode)
 {
     m_lane.cancel();
     const auto open = [title, decode, longestSide = m_longestSide](const std::stop_token &) {
-        try {
-            OpenedPicture opened = decode();
-            prepareForWork(opened, longestSide);
-            opened.title = title;
-            return opened;
-        } catch (const PictureError &error) {
-            throw AppError(error.reason());
-        }
+        OpenedPicture opened = decode();
+        prepareForWork(opened, longestSide);
+        opened.title = title;
+        return opened;
     };
     const auto tell = [this](const OpenedPicture &opened) { Q_EMIT loaded(opened); };
     const auto fail = [this, title](const QString &reason) {

@@ -3,7 +3,6 @@
 #include "cutout/AppError.h"
 #include "cutout/PictureEncoder.h"
 #include "files/StateFolder.h"
-#include "gestures/GestureFileError.h"
 #include "gestures/GestureHistory.h"
 #include "gestures/WireTracer.h"
 #include "scissors/RyScissorsEdgePicture.h"
@@ -171,14 +170,10 @@ SessionFile::Contents SessionFile::read(const QString &fileName)
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         throw AppError(file.errorString());
-    try {
-        Contents contents;
-        contents.file = GestureFile::parse(file.readAll(), QFileInfo(fileName).fileName());
-        contents.pictureFile = findPicture(QFileInfo(fileName), contents.file.pictureFile);
-        return contents;
-    } catch (const GestureFileError &error) {
-        throw AppError(error.message());
-    }
+    Contents contents;
+    contents.file = GestureFile::parse(file.readAll(), QFileInfo(fileName).fileName());
+    contents.pictureFile = findPicture(QFileInfo(fileName), contents.file.pictureFile);
+    return contents;
 }
 
 QString SessionFile::pictureFile(const QString &fileName)
@@ -192,7 +187,7 @@ QString SessionFile::pictureFile(const QString &fileName)
         const QString told =
                 GestureFile::parse(head.first(head.lastIndexOf('\n') + 1), {}).pictureFile;
         return told.isEmpty() ? told : QFileInfo(fileName).absoluteDir().absoluteFilePath(told);
-    } catch (const GestureFileError &) {
+    } catch (const AppError &) {
         return {};
     }
 }
@@ -241,7 +236,7 @@ SessionFile::Saved SessionFile::write(const QString &fileName, const QList<Gestu
                                ? 0
                                : std::max(cuttingSize.width(), cuttingSize.height());
     file.gestures = gestures;
-    file.edges = edges.choices();
+    file.edges = EdgeChoices::of(edges);
     writeFile(fileName, file.text());
     return saved;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/EdgeSettings.h"
+#include "cutout/EdgeSettings.h"
 #include "document/OpenedPicture.h"
 #include "document/ReplayStep.h"
 #include "gestures/GestureFile.h"

@@ -62,7 +62,7 @@ void SessionOpener::accept()
     const auto tell = [this](const QList<ReplayStep> &steps) {
         setOpening(false);
         const OpenedPicture picture = std::exchange(m_picture, {});
-        Q_EMIT opened(picture, steps, EdgeSettings::of(m_contents.file.edges));
+        Q_EMIT opened(picture, steps, m_contents.file.edges.settings());
     };
     m_lane.run(prepare, tell, [this](const QString &reason) { fail(reason); });
 }

@@ -1,6 +1,6 @@
 #include "window/EdgePanel.h"
 
-#include "cutout/EdgeColours.h"
+#include "cutout/EdgeTable.h"
 #include "document/Document.h"
 
 #include <QGridLayout>
@@ -37,27 +37,26 @@ EdgePanel::EdgePanel(Document &document, QWidget *parent)
 QList<EdgePanel::Description> EdgePanel::descriptions()
 {
     constexpr int sliderEnd = 30; // few edges need more, and a pixel each can be aimed at
-    constexpr int most = EdgeOptions::mostPixels;
     const QString pixels = tr(" px");
     return {{"edgeSmooth", tr("S&mooth"), tr("Smooth Edge"),
-             tr("Rounds corners about as large as this radius"), pixels, &EdgeSettings::smooth, 0,
-             most, sliderEnd},
+             tr("Rounds corners about as large as this radius"), pixels, &EdgeSettings::smooth,
+             sliderEnd},
             {"edgeFeather", tr("Fe&ather"), tr("Feather Edge"),
-             tr("Softens the edge so far to either side"), pixels, &EdgeSettings::feather, 0, most,
+             tr("Softens the edge so far to either side"), pixels, &EdgeSettings::feather,
              sliderEnd},
             {"edgeGrow", tr("Gro&w or shrink"), tr("Grow or Shrink"),
-             tr("Moves the edge outwards; below 0: inwards"), pixels, &EdgeSettings::grow, -most,
-             most, sliderEnd},
+             tr("Moves the edge outwards; below 0: inwards"), pixels, &EdgeSettings::grow,
+             sliderEnd},
             {"edgeDrop", tr("Drop spec&ks"), tr("Drop Specks"),
              tr("Pieces of the object with fewer pixels vanish"), tr(" px²"), &EdgeSettings::drop,
-             0, EdgeOptions::mostArea, 0},
+             0},
             {"edgeFill", tr("Fill h&oles"), tr("Fill Holes"),
              tr("Holes in the object with fewer pixels are closed"), tr(" px²"),
-             &EdgeSettings::fill, 0, EdgeOptions::mostArea, 0},
+             &EdgeSettings::fill, 0},
             {"edgeClean", tr("C&lean colours"), tr("Clean Edge Colours"),
              tr("How wide a rim of the object gets its colours from further inside on a new "
                 "background, when it is exported or copied, so that nothing of the old one shows"),
-             pixels, &EdgeSettings::clean, 0, EdgeColours::mostRimPixels, 0}};
+             pixels, &EdgeSettings::clean, 0}};
 }
 
 void EdgePanel::add(QGridLayout &layout, const Description &description)
@@ -79,7 +78,8 @@ QSpinBox *EdgePanel::createBox(const Description &description)
 {
     auto *const box = new QSpinBox(this);
     box->setObjectName(QString::fromLatin1(description.id));
-    box->setRange(description.least, description.most);
+    const EdgeTable::Row &row = EdgeTable::row(description.number);
+    box->setRange(row.least, row.most);
     box->setSuffix(description.unit);
     box->setAccessibleName(description.step);
     box->setAccessibleDescription(description.toolTip);
@@ -98,7 +98,7 @@ QSlider *EdgePanel::createSlider(const Description &description, QSpinBox *box)
 {
     auto *const slider = new QSlider(Qt::Horizontal, this);
     slider->setObjectName(box->objectName() + QStringLiteral("Slider"));
-    slider->setRange(std::max(description.least, -description.sliderEnd), description.sliderEnd);
+    slider->setRange(std::max(box->minimum(), -description.sliderEnd), description.sliderEnd);
     slider->setAccessibleName(description.step);
     slider->setToolTip(description.toolTip);
     connect(slider, &QSlider::valueChanged, box, &QSpinBox::setValue);

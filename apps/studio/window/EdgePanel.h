@@ -1,6 +1,6 @@
 #pragma once
 
-#include "document/EdgeSettings.h"
+#include "cutout/EdgeSettings.h"
 
 #include <QList>
 #include <QWidget>
@@ -33,8 +33,6 @@ private:
         QString toolTip;
         QString unit;
         int EdgeSettings::*number;
-        int least;
-        int most;
         int sliderEnd; ///< what sliders are long enough for; 0 for no slider
     };
     struct Control

@@ -1,6 +1,6 @@
 #include "window/ExportDialog.h"
 
-#include "cutout/EdgeColours.h"
+#include "cutout/EdgeColors.h"
 #include "settings/RyImageCutterSettings.h"
 #include "widgets/ColorIcon.h"
 
@@ -45,7 +45,7 @@ QString explanation(ExportKind kind)
 ExportDialog::ExportDialog(ExportKind kind, const CutoutPicture::Options &options, QWidget *parent)
     : QDialog(parent)
     , m_kind(kind)
-    , m_rimPixels(options.cleanPixels > 0 ? options.cleanPixels : EdgeColours::usualRimPixels)
+    , m_rimPixels(options.cleanPixels > 0 ? options.cleanPixels : EdgeColors::usualRimPixels)
     , m_crop(new QCheckBox(tr("C&rop to the object")))
 {
     setWindowTitle(title(kind));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "RyCoreExport.h"
+
 #include <QtGlobal>
 
 #include <cstddef>
@@ -11,7 +13,7 @@
  * Threads  clear() may run beside threads that read single bytes through std::atomic_ref: they see
  *          the old value or 0. The memory stays in its place until the object goes.
  */
-class RyZeroedPages
+class RYCORE_EXPORT RyZeroedPages
 {
 public:
     explicit RyZeroedPages(std::size_t bytes);

@@ -1,4 +1,4 @@
-#include "scissors/RyZeroedPages.h"
+#include "RyZeroedPages.h"
 
 #include <atomic>
 #include <cstdlib>

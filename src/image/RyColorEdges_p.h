@@ -8,7 +8,7 @@
 #include <cstdlib>
 
 /// Edge strengths of one row.
-namespace RyEdgeDetectorSobelKernels {
+namespace RyColorEdgeKernels {
 
 /// Where strengths go: to memory that is no input's, which lets the loop be vectorised.
 using Strengths = std::uint8_t *__restrict;
@@ -43,4 +43,4 @@ inline std::uint8_t strengthAt(const QRgb *above, const QRgb *row, const QRgb *b
     return std::uint8_t(std::min(int(strength + 0.5), 255));
 }
 
-} // namespace RyEdgeDetectorSobelKernels
+} // namespace RyColorEdgeKernels

@@ -1,4 +1,4 @@
-#include "cutout/EdgeColours.h"
+#include "cutout/EdgeColors.h"
 
 #include "cutout/DiscMorphology.h"
 #include "cutout/MaskImage.h"
@@ -62,7 +62,7 @@ QImage surePixels(const QImage &mask, int rimPixels)
 }
 
 /// Opaque where a colour is sure and visible, else unknown.
-QImage knownColours(QImage picture, const QImage &sure)
+QImage knownColors(QImage picture, const QImage &sure)
 {
     for (int y = 0; y < picture.height(); ++y) {
         QRgb *const pixels = row(picture, y);
@@ -135,17 +135,18 @@ void widen(QImage &level)
     }
 }
 
-/// Between the four coarse pixels around a fine one, which lies a quarter off the nearest centre.
+/// Bilinear between the four coarse pixels around a fine one. Its centre is a quarter of a coarse
+/// pixel away from the nearest centre, so the weights are products of 3/4 and 1/4.
 QRgb interpolated(QRgb nearest, QRgb beside, QRgb above, QRgb across)
 {
     const auto channel = [&](int (*part)(QRgb)) {
         return (9 * part(nearest) + 3 * part(beside) + 3 * part(above) + part(across) + 8) / 16;
     };
-    const QRgb colour = qRgb(channel(qRed), channel(qGreen), channel(qBlue));
-    return (colour & ~alphaBits) | foundAlpha;
+    const QRgb color = qRgb(channel(qRed), channel(qGreen), channel(qBlue));
+    return (color & ~alphaBits) | foundAlpha;
 }
 
-/// The coarse pixel on the other side of a fine one, as seen from its own.
+/// Of the two coarse pixels nearest to a fine one, that which does not contain it.
 int neighbour(int fine, int coarseCount)
 {
     return std::clamp(fine / 2 + (fine % 2 == 0 ? -1 : 1), 0, coarseCount - 1);
@@ -167,10 +168,10 @@ void push(const QImage &coarse, QImage &fine)
 }
 
 /// Gives every unknown pixel a colour; false when none is known.
-bool fillUnknown(QImage &colours)
+bool fillUnknown(QImage &colors)
 {
-    QList<QImage> levels{colours};
-    colours = {}; // so that the last level can be written to
+    QList<QImage> levels{colors};
+    colors = {}; // so that the last level can be written to
     while (levels.last().width() > 1 || levels.last().height() > 1)
         levels.append(required(pulled(levels.last())));
     if (constRow(levels.last(), 0)[0] == unknown)
@@ -180,24 +181,23 @@ bool fillUnknown(QImage &colours)
             widen(levels[level]);
         push(levels.at(level + 1), levels[level]);
     }
-    colours = levels.first();
+    colors = levels.first();
     return true;
 }
 
-void replaceColours(QImage &picture, const QImage &colours, const QPoint &topLeft)
+void replaceColors(QImage &picture, const QImage &colors, const QPoint &topLeft)
 {
-    for (int y = 0; y < colours.height(); ++y) {
+    for (int y = 0; y < colors.height(); ++y) {
         QRgb *const pixels = row(picture, topLeft.y() + y) + topLeft.x();
-        std::transform(pixels, pixels + colours.width(), constRow(colours, y), pixels,
-                       [](QRgb pixel, QRgb colour) {
-                           return (pixel & alphaBits) | (colour & ~alphaBits);
-                       });
+        std::transform(
+                pixels, pixels + colors.width(), constRow(colors, y), pixels,
+                [](QRgb pixel, QRgb color) { return (pixel & alphaBits) | (color & ~alphaBits); });
     }
 }
 
 } // namespace
 
-QImage EdgeColours::cleaned(const QImage &picture, const CutoutMask &mask, int rimPixels)
+QImage EdgeColors::cleaned(const QImage &picture, const CutoutMask &mask, int rimPixels)
 {
     constexpr int margin = 2; // for programs that look beyond the object when they scale
     const QRect box = MaskImage::objectBox(mask.alpha).adjusted(-margin, -margin, margin, margin);
@@ -206,11 +206,11 @@ QImage EdgeColours::cleaned(const QImage &picture, const CutoutMask &mask, int r
         return picture;
     try {
         const QImage sure = surePixels(required(mask.object.copy(area)), rimPixels);
-        QImage colours = knownColours(required(picture.copy(area)), sure);
-        if (!fillUnknown(colours))
+        QImage colors = knownColors(required(picture.copy(area)), sure);
+        if (!fillUnknown(colors))
             return picture;
         QImage result = required(picture.copy());
-        replaceColours(result, colours, area.topLeft());
+        replaceColors(result, colors, area.topLeft());
         return result;
     } catch (const std::bad_alloc &) {
         return {};

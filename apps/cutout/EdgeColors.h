@@ -15,7 +15,7 @@
  * Source   pull and push of Gortler et al. (The Lumigraph, SIGGRAPH 1996), with squares that are
  *          either known or not. Why not a method of matting: docs/design.md.
  */
-namespace EdgeColours {
+namespace EdgeColors {
 
 inline constexpr int mostRimPixels = 50;
 inline constexpr int usualRimPixels = 2; ///< in which lenses and cameras mix both sides
@@ -24,4 +24,4 @@ inline constexpr int usualRimPixels = 2; ///< in which lenses and cameras mix bo
 /// is for a rim of 0, and where no pixel is sure. Null without memory. Any thread. Time O(pixels).
 QImage cleaned(const QImage &picture, const CutoutMask &mask, int rimPixels);
 
-} // namespace EdgeColours
+} // namespace EdgeColors

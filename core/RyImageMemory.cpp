@@ -1,4 +1,4 @@
-#include "image/RyImageMemory.h"
+#include "RyImageMemory.h"
 
 #include <cstdlib>
 
