@@ -15,7 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr mode_t anybody = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH; // less the umask
+constexpr mode_t anybody =
+        S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH; // less the umask
 
 /// Where links lead in the end, also where nothing is yet.
 QString withoutLinks(const QString &fileName)
@@ -89,8 +90,14 @@ int link(int file, const char *name)
     return linkat(AT_FDCWD, ownPathOf(file).constData(), AT_FDCWD, name, AT_SYMLINK_FOLLOW);
 }
 #else
-int openNameless(const QString &) { return -1; }
-int link(int, const char *) { return -1; }
+int openNameless(const QString &)
+{
+    return -1;
+}
+int link(int, const char *)
+{
+    return -1;
+}
 #endif
 
 /// What there is keeps its permissions.
@@ -98,7 +105,8 @@ void keepPermissions(int file, const QString &place)
 {
     struct stat present;
     if (stat(QFile::encodeName(place).constData(), &present) == 0)
-        static_cast<void>(fchmod(file, present.st_mode & 07777)); // where that is forbidden, ours do
+        static_cast<void>(
+                fchmod(file, present.st_mode & 07777)); // where that is forbidden, ours do
 }
 
 } // namespace

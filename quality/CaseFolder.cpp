@@ -1,7 +1,7 @@
 #include "CaseFolder.h"
 
 #include "Masks.h"
-#include "QualityError.h"
+#include "cutout/AppError.h"
 
 #include <QDir>
 #include <QFile>
@@ -18,7 +18,7 @@ QStringList linesOf(const QString &fileName)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        throw QualityError(u"%1 cannot be read: %2"_s.arg(fileName, file.errorString()));
+        throw AppError(u"%1 cannot be read: %2"_s.arg(fileName, file.errorString()));
     return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
 }
 
@@ -27,7 +27,7 @@ QImage pictureIn(const QString &fileName)
     QImageReader reader(fileName);
     const QImage image = reader.read();
     if (image.isNull())
-        throw QualityError(u"%1 cannot be read: %2"_s.arg(fileName, reader.errorString()));
+        throw AppError(u"%1 cannot be read: %2"_s.arg(fileName, reader.errorString()));
     return image;
 }
 
@@ -37,7 +37,7 @@ QPointF vertex(const QString &line, const QString &fileName)
     bool hasX = false, hasY = false;
     const QPointF point(numbers.value(0).toDouble(&hasX), numbers.value(1).toDouble(&hasY));
     if (numbers.size() != 2 || !hasX || !hasY || !std::isfinite(point.x() + point.y()))
-        throw QualityError(u"%1: expected 'x y' but found '%2'"_s.arg(fileName, line));
+        throw AppError(u"%1: expected 'x y' but found '%2'"_s.arg(fileName, line));
     return point;
 }
 
@@ -47,7 +47,7 @@ QPolygonF lassoIn(const QString &fileName)
     for (const QString &line : linesOf(fileName))
         lasso.append(vertex(line, fileName));
     if (lasso.size() < 3)
-        throw QualityError(u"%1: a lasso has three vertices or more"_s.arg(fileName));
+        throw AppError(u"%1: a lasso has three vertices or more"_s.arg(fileName));
     return lasso;
 }
 
@@ -62,7 +62,7 @@ CaseFolder::CaseFolder(const QString &path)
     : m_path(path)
 {
     if (!QDir(path).exists(u"cases.csv"_s))
-        throw QualityError(u"%1 holds no cases.csv.\n%2"_s.arg(path, layout()));
+        throw AppError(u"%1 holds no cases.csv.\n%2"_s.arg(path, layout()));
     readList();
 }
 
@@ -98,17 +98,17 @@ void CaseFolder::readList()
     const QStringList columns = lines.value(0).trimmed().split(u',');
     const auto name = columns.indexOf(u"case"_s), kind = columns.indexOf(u"kind"_s);
     if (name < 0 || kind < 0)
-        throw QualityError(u"%1: expected the columns 'case' and 'kind'"_s.arg(fileName));
+        throw AppError(u"%1: expected the columns 'case' and 'kind'"_s.arg(fileName));
     for (const QString &line : lines.mid(1)) {
         const QStringList fields = line.trimmed().split(u',');
         if (fields.size() != columns.size())
-            throw QualityError(u"%1: expected %2 fields in '%3'"_s.arg(fileName)
-                                       .arg(columns.size())
-                                       .arg(line));
+            throw AppError(u"%1: expected %2 fields in '%3'"_s.arg(fileName)
+                                   .arg(columns.size())
+                                   .arg(line));
         m_entries.append({fields[name], fields[kind] == "whole"_L1});
     }
     if (m_entries.isEmpty())
-        throw QualityError(u"%1 lists no case"_s.arg(fileName));
+        throw AppError(u"%1 lists no case"_s.arg(fileName));
 }
 
 CutCase CaseFolder::read(const QString &caseName, const QString &kind) const
@@ -116,7 +116,7 @@ CutCase CaseFolder::read(const QString &caseName, const QString &kind) const
     const auto entry = std::find_if(m_entries.begin(), m_entries.end(),
                                     [&](const Entry &other) { return other.name == caseName; });
     if (entry == m_entries.end())
-        throw QualityError(u"%1 lists no case '%2'"_s.arg(m_path, caseName));
+        throw AppError(u"%1 lists no case '%2'"_s.arg(m_path, caseName));
     const QDir folder(QDir(m_path).filePath(caseName));
     CutCase result{
             caseName,
@@ -126,6 +126,6 @@ CutCase CaseFolder::read(const QString &caseName, const QString &kind) const
             Masks::thresholded(pictureIn(folder.filePath(u"truth.png"_s))),
             lassoIn(folder.filePath(lassoName(kind)))};
     if (result.truth.size() != result.picture.size())
-        throw QualityError(u"%1: picture and truth differ in size"_s.arg(folder.path()));
+        throw AppError(u"%1: picture and truth differ in size"_s.arg(folder.path()));
     return result;
 }

@@ -8,12 +8,13 @@
 /**
  * A folder of photographs to measure cuts with:
  *
- *     cases.csv          a header line with the columns "case" and "kind" (whole or part), a line a case
+ *     cases.csv          a line with the columns' names, "case" and "kind" (whole or part) among
+ *                        them, then a line a case
  *     CASE/picture.jpg   CASE/truth.png (light where the object is, the picture's size)
  *     CASE/lasso.txt     and lasso-uneven.txt, lasso-tight.txt, lasso-loose.txt: one vertex "x y" a
  *                        line, in picture pixels; a lasso closes itself
  *
- * Errors   thrown as QualityError, with the name of the file.
+ * Errors   thrown as AppError, with the name of the file.
  */
 class CaseFolder
 {

@@ -11,8 +11,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int cellSide = 360, captionHeight = 20, gap = 4;
-constexpr QRgb truthColour = 0xFF00FF40, resultColour = 0xFFFF00C0;
-const QColor lassoColour(255, 220, 0);
+constexpr QRgb truthColor = 0xFF00FF40, resultColor = 0xFFFF00C0;
+const QColor lassoColor(255, 220, 0);
 
 QImage thumbnail(const QImage &image)
 {
@@ -20,14 +20,14 @@ QImage thumbnail(const QImage &image)
             .convertToFormat(QImage::Format_RGB32);
 }
 
-void drawOutline(QImage &picture, const QImage &mask, QRgb colour)
+void drawOutline(QImage &picture, const QImage &mask, QRgb color)
 {
     const QImage boundary = Masks::boundary(Masks::thresholded(
             mask.scaled(picture.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation)));
     for (int y = 0; y < picture.height(); ++y)
         for (int x = 0; x < picture.width(); ++x)
             if (boundary.constScanLine(y)[x] != 0)
-                picture.setPixel(x, y, colour);
+                picture.setPixel(x, y, color);
 }
 
 void drawLasso(QImage &picture, const CutCase &cutCase)
@@ -36,7 +36,7 @@ void drawLasso(QImage &picture, const CutCase &cutCase)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.scale(double(picture.width()) / cutCase.picture.width(),
                   double(picture.height()) / cutCase.picture.height());
-    QPen pen(lassoColour);
+    QPen pen(lassoColor);
     pen.setCosmetic(true);
     painter.setPen(pen);
     painter.drawPolygon(cutCase.lasso);
@@ -48,7 +48,7 @@ void ContactSheet::beginRow(const CutCase &cutCase)
 {
     m_picture = thumbnail(cutCase.picture);
     QImage picture = m_picture;
-    drawOutline(picture, cutCase.truth, truthColour);
+    drawOutline(picture, cutCase.truth, truthColor);
     drawLasso(picture, cutCase);
     const QString caption = u"%1 (%2): truth and lasso"_s.arg(
             cutCase.name, cutCase.isWholeThing ? u"whole thing"_s : u"part"_s);
@@ -58,7 +58,7 @@ void ContactSheet::beginRow(const CutCase &cutCase)
 void ContactSheet::addResult(const QString &method, const QImage &mask, const MaskScore &score)
 {
     QImage picture = m_picture;
-    drawOutline(picture, mask, resultColour);
+    drawOutline(picture, mask, resultColor);
     const QString caption =
             u"%1: IoU %2, F %3"_s.arg(method, QString::number(score.intersectionOverUnion, 'f', 3),
                                       QString::number(score.boundaryF(), 'f', 3));

@@ -1,11 +1,18 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QImage>
 #include <QList>
 #include <QPolygonF>
 #include <QString>
 
 #include <functional>
+
+inline double elapsedMs(const QElapsedTimer &timer)
+{
+    constexpr double nanosecondsPerMs = 1e6;
+    return double(timer.nsecsElapsed()) / nanosecondsPerMs;
+}
 
 struct StageTime
 {

@@ -3,8 +3,6 @@
 #include "DistanceMap.h"
 #include "Masks.h"
 
-#include <QElapsedTimer>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -39,7 +37,7 @@ CutMethod timed(const QString &name, QImage (*cut)(const QImage &, const QPolygo
                 QElapsedTimer timer;
                 timer.start();
                 const QImage mask = cut(picture, lasso);
-                return Cut{mask, double(timer.nsecsElapsed()) / 1e6, {}};
+                return Cut{mask, elapsedMs(timer), {}};
             }};
 }
 

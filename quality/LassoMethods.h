@@ -8,7 +8,7 @@ namespace LassoMethods {
 
 /// The lasso, filled.
 CutMethod lasso();
-/// The lasso shrunk by twelve pixels in a picture whose long side is 481, and in proportion in others.
+/// The lasso shrunk by twelve pixels if the picture's long side is 481, in proportion if it is not.
 CutMethod shrunk();
 
 } // namespace LassoMethods

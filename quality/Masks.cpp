@@ -1,5 +1,7 @@
 #include "Masks.h"
 
+#include "cutout/MaskImage.h"
+
 #include <QPainter>
 
 QImage Masks::empty(const QSize &size)
@@ -25,7 +27,7 @@ QImage Masks::thresholded(const QImage &image)
     for (int y = 0; y < mask.height(); ++y) {
         uchar *const row = mask.scanLine(y);
         for (int x = 0; x < mask.width(); ++x)
-            row[x] = row[x] >= 128 ? 255 : 0;
+            row[x] = row[x] >= MaskImage::half ? 255 : 0;
     }
     return mask;
 }

@@ -3,8 +3,6 @@
 #include "DistanceMap.h"
 #include "Masks.h"
 
-#include <QElapsedTimer>
-
 #include <opencv2/imgproc.hpp>
 
 using namespace Qt::StringLiterals;
@@ -57,13 +55,13 @@ Cut run(Algorithm algorithm, const QImage &picture, const QPolygonF &lasso)
     const Hints hints(lasso, picture.size());
     if (!hints.haveBothSides)
         return {hints.inside, 0.0, {}};
-    const cv::Mat colours = threeChannels(picture), inside = oneChannel(hints.inside),
+    const cv::Mat colors = threeChannels(picture), inside = oneChannel(hints.inside),
                   core = oneChannel(hints.core);
     cv::setRNGSeed(0); // or a cut would depend on those before it
     QElapsedTimer timer;
     timer.start();
-    const cv::Mat mask = algorithm(colours, inside, core);
-    return {fromOneChannel(mask), double(timer.nsecsElapsed()) / 1e6, {}};
+    const cv::Mat mask = algorithm(colors, inside, core);
+    return {fromOneChannel(mask), elapsedMs(timer), {}};
 }
 
 cv::Mat grabCutFrom(const cv::Mat &picture, cv::Mat &hints)

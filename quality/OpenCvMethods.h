@@ -10,8 +10,8 @@
  */
 namespace OpenCvMethods {
 
-/// Five rounds of GrabCut (Rother, Kolmogorov and Blake, SIGGRAPH 2004): outside the lasso is surely
-/// background, inside is probably the object.
+/// Five rounds of GrabCut (Rother, Kolmogorov and Blake, SIGGRAPH 2004). Outside the lasso is
+/// surely background, inside it is probably the object.
 CutMethod grabCut();
 /// The same with the core surely in the object.
 CutMethod grabCutWithCore();

@@ -2,7 +2,7 @@
 
 #include "CaseFolder.h"
 #include "MethodList.h"
-#include "QualityError.h"
+#include "cutout/AppError.h"
 
 #include <QCommandLineParser>
 
@@ -27,7 +27,7 @@ QStringList chosen(const QCommandLineParser &parser, const QString &option,
     const QStringList wanted = parser.value(option).split(u',');
     for (const QString &name : wanted)
         if (!available.contains(name))
-            throw QualityError(
+            throw AppError(
                     u"--%1: '%2' is none of %3"_s.arg(option, name, available.join(", "_L1)));
     QStringList result = available;
     result.removeIf([&wanted](const QString &name) { return !wanted.contains(name); });
@@ -39,8 +39,7 @@ double number(const QCommandLineParser &parser, const QString &option, double le
     bool isNumber = false;
     const double value = parser.value(option).toDouble(&isNumber);
     if (!isNumber || !(value >= least && value <= most))
-        throw QualityError(
-                u"--%1: expected a number from %2 to %3"_s.arg(option).arg(least).arg(most));
+        throw AppError(u"--%1: expected a number from %2 to %3"_s.arg(option).arg(least).arg(most));
     return value;
 }
 
@@ -63,7 +62,8 @@ void declareOptions(QCommandLineParser &parser)
              u"factor"_s, u"1"_s},
             {u"csv"_s, u"Write one line a case, lasso and method."_s, u"file"_s},
             {u"sheet"_s,
-             u"Draw all results (PNG); with several kinds of lasso, one file each, named after it."_s,
+             u"Draw all results (PNG); with several kinds of lasso, one file each, named "
+             "after it."_s,
              u"file"_s},
     });
 }
@@ -75,12 +75,12 @@ QualityOptions QualityOptions::fromArguments(const QStringList &arguments)
     QCommandLineParser parser;
     declareOptions(parser);
     if (!parser.parse(arguments))
-        throw QualityError(parser.errorText());
+        throw AppError(parser.errorText());
     if (parser.isSet(u"help"_s))
         parser.showHelp();
     const QStringList folders = parser.positionalArguments();
     if (folders.size() != 1)
-        throw QualityError(u"Expected one folder of cases.\n"_s + CaseFolder::layout());
+        throw AppError(u"Expected one folder of cases.\n"_s + CaseFolder::layout());
 
     QualityOptions options;
     options.folder = folders.first();

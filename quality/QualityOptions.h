@@ -13,6 +13,6 @@ struct QualityOptions
     double scale = 1.0;         ///< of pictures, truths, lassos, and the tolerance of boundaries
     QString csvFile, sheetFile; ///< empty where not asked for
 
-    /// Throws QualityError. Ends the program where help is asked for.
+    /// Throws AppError. Ends the program where help is asked for.
     static QualityOptions fromArguments(const QStringList &arguments);
 };

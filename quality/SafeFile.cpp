@@ -1,6 +1,6 @@
 #include "SafeFile.h"
 
-#include "QualityError.h"
+#include "cutout/AppError.h"
 
 #include <QBuffer>
 #include <QSaveFile>
@@ -13,7 +13,7 @@ void SafeFile::write(const QString &fileName, const QByteArray &bytes)
     const bool isWritten =
             file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
     if (!isWritten)
-        throw QualityError(u"%1 cannot be written: %2"_s.arg(fileName, file.errorString()));
+        throw AppError(u"%1 cannot be written: %2"_s.arg(fileName, file.errorString()));
 }
 
 void SafeFile::write(const QString &fileName, const QImage &picture)
@@ -21,6 +21,6 @@ void SafeFile::write(const QString &fileName, const QImage &picture)
     QBuffer png;
     png.open(QIODevice::WriteOnly);
     if (!picture.save(&png, "PNG"))
-        throw QualityError(u"%1: the picture cannot be encoded"_s.arg(fileName));
+        throw AppError(u"%1: the picture cannot be encoded"_s.arg(fileName));
     write(fileName, png.data());
 }

@@ -1,12 +1,11 @@
 #include "SessionMethod.h"
 
-#include "Masks.h"
-#include "QualityError.h"
-#include "gestures/EventWait.h"
+#include "cutout/AppError.h"
+#include "cutout/MaskImage.h"
 #include "segmentation/RyImageSegmentation.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
+#include <QEventLoop>
 
 using namespace Qt::StringLiterals;
 
@@ -22,23 +21,13 @@ QList<StageTime> stages(const RySegmentationStatistics &statistics)
             {u"first cut"_s, statistics.firstCutMs}};
 }
 
-/// Sessions' masks are transparent where the object is.
-QImage objectOf(const QImage &sessionMask)
-{
-    QImage object = Masks::empty(sessionMask.size());
-    for (int y = 0; y < object.height(); ++y) {
-        const auto *const row = reinterpret_cast<const QRgb *>(sessionMask.constScanLine(y));
-        uchar *const out = object.scanLine(y);
-        for (int x = 0; x < object.width(); ++x)
-            out[x] = qAlpha(row[x]) == 0 ? 255 : 0;
-    }
-    return object;
-}
-
 void waitUntilIdle(const RyImageSegmentation &session)
 {
-    EventWait::until([&session] { return !session.isBusy(); });
-    QCoreApplication::processEvents(); // what the session said last
+    QEventLoop loop;
+    QObject::connect(&session, &RyImageSegmentation::becameIdle, &loop, &QEventLoop::quit);
+    while (session.isBusy())
+        loop.exec();
+    QCoreApplication::sendPostedEvents(); // what is on its way when all was done at once
 }
 
 Cut cut(const SessionMethod::Preparation &prepare, const QImage &picture, const QPolygonF &lasso)
@@ -46,6 +35,7 @@ Cut cut(const SessionMethod::Preparation &prepare, const QImage &picture, const 
     Cut result;
     QElapsedTimer timer;
     bool hasMask = false;
+    bool hasFailed = false;
     RyImageSegmentation session;
     session.setMaskColor(Qt::white);
     prepare(session);
@@ -53,9 +43,10 @@ Cut cut(const SessionMethod::Preparation &prepare, const QImage &picture, const 
     QObject::connect(&session, &RyImageSegmentation::sendNewMask, &session,
                      [&](const QImage &mask) {
                          if (!hasMask) // one that is sent again is the same
-                             result.ms = double(timer.nsecsElapsed()) / 1e6;
+                             result.ms = elapsedMs(timer);
                          hasMask = !mask.isNull();
                      });
+    QObject::connect(&session, &RyImageSegmentation::failed, &session, [&] { hasFailed = true; });
 
     QPainterPath path;
     path.addPolygon(lasso);
@@ -64,9 +55,9 @@ Cut cut(const SessionMethod::Preparation &prepare, const QImage &picture, const 
     session.setup(picture, QFileInfo());
     session.startThreadWithInitialPath(path);
     waitUntilIdle(session);
-    if (!hasMask)
-        throw QualityError(u"the session gave no mask: there is too little memory"_s);
-    result.mask = objectOf(session.maskForeground());
+    if (hasFailed)
+        throw AppError(u"the session gave no mask: there is not enough memory"_s);
+    result.mask = MaskImage::fromSession(session.maskForeground());
     result.stages = stages(session.statistics());
     return result;
 }

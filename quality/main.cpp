@@ -1,5 +1,5 @@
-#include "QualityError.h"
 #include "QualityRun.h"
+#include "cutout/AppError.h"
 
 #include <QGuiApplication>
 
@@ -13,7 +13,7 @@ int main(int argc, char *argv[])
     const QGuiApplication application(argc, argv);
     try {
         QualityRun(QualityOptions::fromArguments(QGuiApplication::arguments())).execute();
-    } catch (const QualityError &error) {
+    } catch (const AppError &error) {
         std::fprintf(stderr, "ry-quality: %s\n", qPrintable(error.message()));
         return EXIT_FAILURE;
     }

@@ -1,17 +1,17 @@
 #include "cutout/CutoutPicture.h"
 
-#include "cutout/EdgeColours.h"
+#include "cutout/EdgeColors.h"
 #include "cutout/MaskImage.h"
 #include "cutout/ObjectPictures.h"
 
 QImage CutoutPicture::compose(const QImage &picture, const CutoutMask &mask, const Options &options)
 {
-    const QImage colours = EdgeColours::cleaned(picture, mask, options.cleanPixels);
-    if (colours.isNull())
+    const QImage colors = EdgeColors::cleaned(picture, mask, options.cleanPixels);
+    if (colors.isNull())
         return {};
     return cropped(options.background.isValid()
-                           ? ObjectPictures::onBackground(colours, mask.alpha, options.background)
-                           : ObjectPictures::onTransparency(colours, mask.alpha),
+                           ? ObjectPictures::onBackground(colors, mask.alpha, options.background)
+                           : ObjectPictures::onTransparency(colors, mask.alpha),
                    mask, options);
 }
 

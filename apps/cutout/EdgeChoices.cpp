@@ -1,44 +1,41 @@
 #include "cutout/EdgeChoices.h"
 
-#include "cutout/EdgeColours.h"
+#include "cutout/EdgeColors.h"
 
-#include <array>
-
-std::span<const EdgeChoices::Word> EdgeChoices::words()
+EdgeChoices EdgeChoices::of(const EdgeSettings &settings)
 {
-    constexpr int length = EdgeOptions::mostPixels;
-    constexpr int area = EdgeOptions::mostArea;
-    static constexpr std::array words{
-            Word{"drop", "drop PIXELS", &EdgeChoices::drop, 0, area},
-            Word{"fill", "fill PIXELS", &EdgeChoices::fill, 0, area},
-            Word{"smooth", "smooth RADIUS", &EdgeChoices::smooth, 0, length},
-            Word{"grow", "grow PIXELS", &EdgeChoices::grow, -length, length},
-            Word{"feather", "feather RADIUS", &EdgeChoices::feather, 0, length},
-            Word{"clean", "clean PIXELS", &EdgeChoices::clean, 0, EdgeColours::mostRimPixels},
-    };
-    return words;
+    EdgeChoices choices;
+    for (const EdgeTable::Row &row : EdgeTable::rows()) {
+        if (const int number = settings.*row.number; number != 0)
+            choices.choose(row, number);
+    }
+    return choices;
+}
+
+std::optional<int> EdgeChoices::chosen(const EdgeTable::Row &row) const
+{
+    const auto number = m_numbers.find(&row);
+    return number == m_numbers.end() ? std::nullopt : std::optional(number->second);
 }
 
 EdgeChoices EdgeChoices::over(const EdgeChoices &others) const
 {
     EdgeChoices result = *this;
-    for (const Word &word : words()) {
-        if (!(result.*word.number))
-            result.*word.number = others.*word.number;
-    }
+    result.m_numbers.insert(others.m_numbers.begin(), others.m_numbers.end());
     return result;
 }
 
-EdgeOptions EdgeChoices::options() const
+EdgeSettings EdgeChoices::settings() const
 {
-    return {.drop = drop.value_or(0),
-            .fill = fill.value_or(0),
-            .smooth = smooth.value_or(0),
-            .grow = grow.value_or(0),
-            .feather = feather.value_or(0)};
+    EdgeSettings settings;
+    for (const auto &[row, number] : m_numbers)
+        settings.*row->number = number;
+    return settings;
 }
 
 int EdgeChoices::cleanPixels() const
 {
-    return clean.value_or(feather.value_or(0) > 0 ? EdgeColours::usualRimPixels : 0);
+    const bool isSoft = settings().feather > 0;
+    return chosen(EdgeTable::row(&EdgeSettings::clean))
+            .value_or(isSoft ? EdgeColors::usualRimPixels : 0);
 }

@@ -1,37 +1,25 @@
 #pragma once
 
-#include "cutout/EdgeOptions.h"
+#include "cutout/EdgeTable.h"
 
+#include <map>
 #include <optional>
-#include <span>
 
-/**
- * What a command line or a session file tells of an edge, and what it leaves open.
- *
- * Here are the words and ranges that both of them have for it.
- */
-struct EdgeChoices
+/// What a command line or a session file tells of an edge, and what it leaves open.
+class EdgeChoices
 {
-    std::optional<int> drop; ///< these are fields of EdgeOptions
-    std::optional<int> fill;
-    std::optional<int> smooth;
-    std::optional<int> grow;
-    std::optional<int> feather;
-    std::optional<int> clean; ///< the rim whose colours are taken from further inside
+public:
+    static EdgeChoices of(const EdgeSettings &settings); ///< what is 0 is left open
 
-    struct Word
-    {
-        const char *name;
-        const char *form; ///< of a line in a session file, for messages
-        std::optional<int> EdgeChoices::*number;
-        int least, most;
-    };
-    /// In the order in which they are applied.
-    static std::span<const Word> words();
+    void choose(const EdgeTable::Row &row, int number) { m_numbers[&row] = number; }
+    std::optional<int> chosen(const EdgeTable::Row &row) const;
 
-    /// With what the others tell where nothing is told here.
+    /// These, and those of the others where nothing is told here.
     EdgeChoices over(const EdgeChoices &others) const;
-    EdgeOptions options() const; ///< 0 for what is left open
+    EdgeSettings settings() const; ///< 0 for what is left open
     /// For soft edges the usual rim when nothing else is told.
     int cleanPixels() const;
+
+private:
+    std::map<const EdgeTable::Row *, int> m_numbers; // keys are rows of EdgeTable
 };

@@ -1,11 +1,7 @@
 #pragma once
 
-#include <algorithm>
-
-/**
- * What is done to a mask's edge, in the order of the fields. Lengths are in pixels of the mask, and
- * all zero leaves it as it is.
- */
+/// What is done to a mask's edge, in the order of the fields; all zero leaves it as it is. Lengths
+/// are in pixels of the mask. EdgeTable has the ranges.
 struct EdgeOptions
 {
     static constexpr int mostPixels = 200;       ///< for lengths
@@ -17,15 +13,6 @@ struct EdgeOptions
     int grow = 0;    ///< moves the edge outwards; below 0: inwards
     int feather = 0; ///< softens the edge so far to either side
 
-    bool isValid() const
-    {
-        const auto isWithin = [](int value, int most) {
-            return value == std::clamp(value, 0, most);
-        };
-        return isWithin(drop, mostArea) && isWithin(fill, mostArea) &&
-               isWithin(smooth, mostPixels) && isWithin(feather, mostPixels) &&
-               grow == std::clamp(grow, -mostPixels, mostPixels);
-    }
-
+    bool isValid() const; ///< every number lies in its range
     bool operator==(const EdgeOptions &) const = default;
 };

@@ -8,7 +8,8 @@
 
 namespace {
 
-/// 8 bits before the point and 8 behind it, so that blurring rows loses nothing that shows.
+/// A mask with 8 more bits behind the point: what blurring rows rounds off does not show after
+/// blurring columns.
 struct Plane
 {
     Plane(int columns, int rows)
@@ -73,14 +74,14 @@ public:
 
     void apply(quint16 *row, int width)
     {
-        // The values at either end go on beyond it.
+        // Beyond either end of the row its last value goes on.
         std::fill_n(m_sums.begin(), m_radius, row[0]);
         std::copy_n(row, width, m_sums.begin() + m_radius);
         std::fill_n(m_sums.begin() + m_radius + width, m_radius, row[width - 1]);
         qsizetype count = m_sums.size();
         for (const int boxRadius : m_radii)
             count = sumBoxes(count, boxRadius);
-        // Sums are odd multiples of the whole, so none lies between two values.
+        // Boxes have odd widths, so no average lies half-way between two values.
         std::transform(m_sums.cbegin(), m_sums.cbegin() + width, row,
                        [this](qint64 sum) { return quint16(double(sum) * m_scale + 0.5); });
     }

@@ -6,7 +6,7 @@
 /// Masks as files hold them: Format_Grayscale8, 255 where the object is.
 namespace MaskImage {
 
-/// What is at least so much set counts as object where a decision is needed.
+/// Where pixels are either the object's or not, those that are at least so much set are.
 inline constexpr uchar half = 128;
 
 /// From the session's mask, which is transparent where the object is. Null without memory.

@@ -22,7 +22,7 @@ public:
             const uchar *const row = m_mask.constScanLine(y);
             const uchar *const above = m_mask.constScanLine(y - 1);
             for (int x = 0; x < m_mask.width(); ++x) {
-                // Every closed edge has the top side of a pixel, and is found by it.
+                // Every closed edge passes the top side of some pixel.
                 if (isObject(row[x]) && !isObject(above[x]) && !m_isWalked[index({x, y})])
                     walk({x, y});
             }
@@ -44,8 +44,8 @@ private:
     void walk(const QPoint &start);
     QPoint turned(const QPoint &corner, const QPoint &direction) const;
 
-    const QPoint m_topLeft;       // where the first pixel of the part below lies
-    const QImage m_mask;          // the object with nothing all round it
+    const QPoint m_topLeft;       // of m_mask, in the whole mask
+    const QImage m_mask;          // the object with background all round it
     std::vector<bool> m_isWalked; // the top side of every pixel
     QPainterPath m_path;
 };

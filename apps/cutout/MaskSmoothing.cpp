@@ -9,8 +9,8 @@ namespace {
 constexpr double lastLevel = 2.0 / 255.0;
 constexpr double reach = 2.5;
 
-/// Object and background as far from 0: nearing 0 itself, averages would become so small that
-/// processors compute with them several times as slowly.
+/// Subtracted from all values, so that averages of pure background do not fall towards 0:
+/// processors compute several times as slowly with numbers as small as they would become.
 constexpr float middle = 127.5F;
 
 /// Shares of the average so far and of the next value in the next average; their sum is 1.
@@ -22,8 +22,8 @@ struct Shares
     {}
 
     float mixed(float average, float value) const { return before * average + next * value; }
-    /// The average from the far end, if the last value goes on for ever: the one so far goes over
-    /// into it.
+    /// What the average from the other side is at the last value, if that goes on for ever beyond
+    /// it and the average so far ends there.
     float atTheEnd(float average, float value) const
     {
         return value + (average - value) / (1.0F + before);

@@ -6,12 +6,12 @@
 
 namespace {
 
-constexpr uchar object = 255;
+constexpr uchar objectPixel = 255;
 constexpr uchar besideInRow = 2;    // near an object pixel of the same row
-constexpr uchar besideInColumn = 1; // near a pixel of the same column that is either of the above
+constexpr uchar besideInColumn = 1; // near an object pixel, or one marked as above, of its column
 
-/// Marks up to width zeros after every run of pixels that are at least source; a step of -1 walks a
-/// row backwards, one of ± bytes per line walks a column.
+/// Walks along a row or a column by the step, in bytes, and marks up to width zeros after every run
+/// of pixels that are at least source.
 void spread(uchar *pixel, qsizetype count, qsizetype step, int width, uchar source, uchar mark)
 {
     int left = 0;
@@ -37,16 +37,17 @@ QImage ObjectOutline::draw(const QImage &mask, int widthPixels)
     uchar *const bits = outline.bits();
     const qsizetype stride = outline.bytesPerLine();
     for (uchar *row = bits; row < bits + stride * rows; row += stride) {
-        std::transform(row, row + columns, row,
-                       [](uchar value) { return value >= MaskImage::half ? object : uchar(0); });
-        spread(row, columns, 1, widthPixels, object, besideInRow);
-        spread(row + columns - 1, columns, -1, widthPixels, object, besideInRow);
+        std::transform(row, row + columns, row, [](uchar value) {
+            return value >= MaskImage::half ? objectPixel : uchar(0);
+        });
+        spread(row, columns, 1, widthPixels, objectPixel, besideInRow);
+        spread(row + columns - 1, columns, -1, widthPixels, objectPixel, besideInRow);
     }
     for (uchar *column = bits; column < bits + columns; ++column) {
         uchar *const bottom = column + stride * (rows - 1);
         spread(column, rows, stride, widthPixels, besideInRow, besideInColumn);
         spread(bottom, rows, -stride, widthPixels, besideInRow, besideInColumn);
     }
-    std::replace(bits, bits + stride * rows, object, uchar(0));
+    std::replace(bits, bits + stride * rows, objectPixel, uchar(0));
     return outline;
 }

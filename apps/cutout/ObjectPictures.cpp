@@ -11,7 +11,7 @@ namespace {
 
 constexpr int full = 255;
 constexpr int backgroundLight = 90; // of 255 that the dimmed background keeps
-constexpr QRgb outlineColour = 0xFFFFD800U;
+constexpr QRgb outlineColor = 0xFFFFD800U;
 constexpr int pixelsPerOutlinePixel = 500; // an outline of 2 pixels in a picture of 1,000
 
 int product(int a, int b)
@@ -42,9 +42,9 @@ QImage ObjectPictures::onTransparency(const QImage &picture, const QImage &mask)
 {
     QImage result = picture;
     changePixels(result, mask, [](QRgb pixel, uchar value) {
-        constexpr QRgb colourBits = 0x00FFFFFFU;
+        constexpr QRgb colorBits = 0x00FFFFFFU;
         constexpr int alphaShift = 24;
-        return (pixel & colourBits) | (QRgb(product(qAlpha(pixel), value)) << alphaShift);
+        return (pixel & colorBits) | (QRgb(product(qAlpha(pixel), value)) << alphaShift);
     });
     return result;
 }
@@ -74,6 +74,6 @@ QImage ObjectPictures::overlay(const QImage &picture, const QImage &mask)
     const QImage outline =
             ObjectOutline::draw(mask, std::max(1, longestSide / pixelsPerOutlinePixel));
     changePixels(result, outline,
-                 [](QRgb pixel, uchar value) { return value != 0 ? outlineColour : pixel; });
+                 [](QRgb pixel, uchar value) { return value != 0 ? outlineColor : pixel; });
     return result;
 }

@@ -26,7 +26,7 @@ void checkSize(const QSize &size)
                            PictureError::Kind::TooLarge);
 }
 
-/// The pixels have become RGB by now; a profile for grey or for inks no longer describes them.
+/// For pixels that were not RGB in their file, but are now: their profile does not describe them.
 void dropForeignProfile(QImage &picture)
 {
     constexpr int signatureOffset = 16; // of the colour space in the header of every profile

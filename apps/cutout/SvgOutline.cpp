@@ -9,7 +9,7 @@ QByteArray number(double value)
     return QByteArray::number(value, 'g', digits);
 }
 
-/// Sides of pixels need but one coordinate.
+/// In SVG horizontal and vertical lines have one coordinate.
 QByteArray lineData(const QPointF &from, const QPointF &to)
 {
     if (from.y() == to.y())

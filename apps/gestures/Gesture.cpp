@@ -2,7 +2,7 @@
 
 #include <utility>
 
-// Not inline: GCC 12 would see through a move of the alternatives that are not there, and warn of
+// Not inline, or GCC 12 warns that alternatives which the variant does not hold are moved from
 // memory that is not initialised.
 Gesture::Gesture(Step what)
     : step(std::move(what))

@@ -93,11 +93,11 @@ bool readAboutPicture(GestureReader &reader, GestureFile &file, bool isNextToVer
 /// False for lines that do not tell of the edge.
 bool readAboutEdge(GestureReader &reader, EdgeChoices &edges)
 {
-    for (const EdgeChoices::Word &word : EdgeChoices::words()) {
-        if (reader.lineWord() != word.name)
+    for (const EdgeTable::Row &row : EdgeTable::rows()) {
+        if (reader.lineWord() != row.name)
             continue;
-        reader.setForm(word.form);
-        edges.*word.number = reader.takeNumber(word.least, word.most);
+        reader.setForm(row.name + ' ' + row.unit.toUpper());
+        edges.choose(row, reader.takeNumber(row.least, row.most));
         return true;
     }
     return false;
@@ -116,8 +116,8 @@ Gesture readGesture(GestureReader &reader)
         GestureWords::describe(reader, gesture);
         return gesture;
     }
-    for (const EdgeChoices::Word &word : EdgeChoices::words())
-        names.append(QString::fromLatin1(word.name));
+    for (const EdgeTable::Row &row : EdgeTable::rows())
+        names.append(QString::fromLatin1(row.name));
     reader.failExpecting(u"width, %1"_s.arg(names.join(u", "_s)));
 }
 
@@ -164,9 +164,9 @@ QByteArray GestureFile::text() const
         writer.writeLine(QByteArray(longestSideWord) + ' ' + QByteArray::number(*longestSide));
     for (const Gesture &gesture : gestures)
         writer.write(gesture);
-    for (const EdgeChoices::Word &word : EdgeChoices::words()) {
-        if (const std::optional<int> &number = edges.*word.number)
-            writer.writeLine(QByteArray(word.name) + ' ' + QByteArray::number(*number));
+    for (const EdgeTable::Row &row : EdgeTable::rows()) {
+        if (const std::optional<int> number = edges.chosen(row))
+            writer.writeLine(row.name + ' ' + QByteArray::number(*number));
     }
     return writer.text();
 }

@@ -14,9 +14,9 @@
  * What was done in a session, as a text that people can read and change.
  *
  * One gesture a line, in pixels of the picture; "#" starts a comment. The first line says
- * "rycut-session 1", the next one may say which picture it was: "picture WIDTHxHEIGHT SHA256". Then
- * may follow where its file is, "file NAME", and how it was cut, "longest-side PIXELS". How the edge
- * is worked on in the end may be told anywhere, in the words of EdgeChoices.
+ * "rycut-session 1", the next one may say which picture it was: "picture WIDTHxHEIGHT SHA256".
+ * Then may follow where its file is, "file NAME", and how it was cut, "longest-side PIXELS". Lines
+ * with the words of EdgeTable may stand anywhere: how the edge is worked on in the end.
  */
 struct GestureFile
 {
@@ -32,7 +32,7 @@ struct GestureFile
     QList<Gesture> gestures;
     EdgeChoices edges; ///< at the picture's full size, of what is cut in the end
 
-    /// The name is for messages. Whatever is malformed is thrown as GestureFileError.
+    /// The name is for messages. Whatever is malformed is thrown as AppError.
     static GestureFile parse(const QByteArray &text, const QString &name);
     /// Parsing this gives every number back as it was.
     QByteArray text() const;

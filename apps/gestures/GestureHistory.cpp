@@ -13,9 +13,9 @@ Gesture::Stroke *strokeOf(Gesture &gesture)
     return std::get_if<Gesture::Scribble>(&gesture.step);
 }
 
-/// What the session's own steps lead back to, and on to again. Its rules are odd, and kept: besides
-/// new cuts, only strokes with temporary parts are steps, and doing one again brings back just
-/// these.
+/// What undoing and doing again leave of gestures, as the session does it: only new cuts and
+/// strokes with temporary parts can be undone, and doing a stroke again brings back its temporary
+/// parts, but not the final one.
 class Replay
 {
 public:

@@ -1,11 +1,11 @@
 #include "gestures/GesturePlayer.h"
 
-#include "gestures/EventWait.h"
-#include "gestures/GestureError.h"
+#include "cutout/AppError.h"
 #include "scissors/RyScissorsEdgePicture.h"
 #include "segmentation/RyImageSegmentation.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
 
 #include <utility>
 
@@ -27,6 +27,7 @@ void GesturePlayer::stop()
 {
     m_isStopped = true;
     m_wire.stop();
+    Q_EMIT stopped();
 }
 
 bool GesturePlayer::play(const Gesture &gesture)
@@ -40,10 +41,12 @@ bool GesturePlayer::play(const Gesture &gesture)
 
 void GesturePlayer::waitForAnswer()
 {
-    do { // the session does not say when it falls idle
-        EventWait::until([this] { return !m_session.isBusy() || m_isStopped; });
-        QCoreApplication::sendPostedEvents(); // signals on their way, which may lead to more work
-    } while (m_session.isBusy() && !m_isStopped);
+    QEventLoop loop;
+    connect(&m_session, &RyImageSegmentation::becameIdle, &loop, &QEventLoop::quit);
+    connect(this, &GesturePlayer::stopped, &loop, &QEventLoop::quit);
+    while (m_session.isBusy() && !m_isStopped)
+        loop.exec();
+    QCoreApplication::sendPostedEvents(); // what is on its way when all was done at once
 }
 
 void GesturePlayer::apply(const Gesture::Lasso &lasso)
@@ -62,7 +65,7 @@ void GesturePlayer::apply(const Gesture::Seed &seed)
 void GesturePlayer::apply(const Gesture::Wire &wire)
 {
     if (!m_wire.continueTo(m_toSession.map(wire.point)) && !m_isStopped)
-        throw GestureError(u"no wire leads to %1 %2"_s.arg(wire.point.x()).arg(wire.point.y()));
+        throw AppError(u"no wire leads to %1 %2"_s.arg(wire.point.x()).arg(wire.point.y()));
 }
 
 void GesturePlayer::apply(const Gesture::Close &)
@@ -72,6 +75,6 @@ void GesturePlayer::apply(const Gesture::Close &)
         m_lasso = m_toSession.inverted().map(outline);
         GestureStarter(m_session, {}).start(Gesture::Lasso{outline}); // as it is, without rounding
     } else if (!m_isStopped) {
-        throw GestureError(u"no wire leads back to its seed"_s);
+        throw AppError(u"no wire leads back to its seed"_s);
     }
 }

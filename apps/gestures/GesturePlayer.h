@@ -11,7 +11,7 @@
 class RyImageSegmentation;
 
 /**
- * Does to a session what a user did, each gesture when the session has answered the one before:
+ * Does to a session what a user did. Each gesture waits for the session's answer to the one before,
  * so the outcome does not depend on how fast the machine is.
  *
  * Threads  the session's host thread.
@@ -28,7 +28,7 @@ public:
     void setPicture(const QImage &picture);
 
     /// Returns when the session has answered and what it said has been delivered; meanwhile events
-    /// are processed. False once stop() was called. Throws GestureError where no wire leads on.
+    /// are processed. False once stop() was called. Throws AppError where no wire leads on.
     bool play(const Gesture &gesture);
     /// What the last cut began with, drawn or laid as a wire, in pixels of the picture.
     QPolygonF lasso() const { return m_lasso; }
@@ -36,6 +36,9 @@ public:
 public Q_SLOTS:
     /// For good. The session may still be at work.
     void stop();
+
+Q_SIGNALS:
+    void stopped();
 
 private:
     void apply(const Gesture::Lasso &lasso);

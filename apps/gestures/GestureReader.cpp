@@ -1,6 +1,6 @@
 #include "gestures/GestureReader.h"
 
-#include "gestures/GestureFileError.h"
+#include "cutout/AppError.h"
 
 #include <algorithm>
 #include <climits>
@@ -94,7 +94,7 @@ void GestureReader::takeBrushWidth()
 
 void GestureReader::fail(const QString &message) const
 {
-    throw GestureFileError(
+    throw AppError(
             u"%1, line %2: %3"_s.arg(m_name, QString::number(std::max(1, m_lineNumber)), message));
 }
 

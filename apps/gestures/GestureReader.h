@@ -10,7 +10,7 @@
  * Takes the text of a session apart, line by line and word by word. Comments and empty lines are
  * skipped.
  *
- * Errors   thrown as GestureFileError.
+ * Errors   thrown as AppError.
  */
 class GestureReader : public GestureFields
 {
@@ -23,7 +23,7 @@ public:
     /// The line's first word.
     QByteArrayView lineWord() const { return m_lineWord; }
     /// How messages say what the line should look like.
-    void setForm(QByteArrayView form) { m_form = form; }
+    void setForm(const QByteArray &form) { m_form = form; }
     /// The next word, which has to be one in this range.
     int takeNumber(int least, int most);
     /// The next word, empty at the line's end.
@@ -55,6 +55,6 @@ private:
     QByteArrayView m_line; // what is left of it
     QByteArrayView m_lineWord;
     QByteArrayView m_word; // taken last
-    QByteArrayView m_form;
+    QByteArray m_form;
     double m_brushWidth = Gesture::Stroke().width;
 };

@@ -51,7 +51,8 @@ void GestureStarter::start(const Gesture::Area &area) const
 void GestureStarter::start(const Gesture::Hover &hover) const
 {
     const QPoint pixel = m_toSession.map(hover.point).toPoint(); // the one that a click would take
-    const double scale = std::sqrt(m_toSession.determinant()); // rounding may make its sides differ
+    // The mean of both directions, which differ where the session's size had to be rounded.
+    const double scale = std::sqrt(m_toSession.determinant());
     const int diameter = std::max(1, int(std::lround(hover.diameter * scale)));
     const QSet<int> regions = m_session.superpixels(pixel, diameter);
     if (!regions.isEmpty())

@@ -14,8 +14,8 @@ namespace GestureWords {
 struct Word
 {
     QByteArrayView name;
-    QByteArrayView form; ///< of the whole line, for messages
-    Gesture blank;       ///< what the word stands for, before its fields are read
+    QByteArray form; ///< of the whole line, for messages
+    Gesture blank;   ///< what the word stands for, before its fields are read
 };
 
 std::span<const Word> all();

@@ -1,6 +1,6 @@
 #include "gestures/WireTracer.h"
 
-#include "gestures/EventWait.h"
+#include <QEventLoop>
 
 #include <algorithm>
 
@@ -18,6 +18,12 @@ QPoint WireTracer::pixel(const QPointF &point) const
     const QPoint rounded = point.toPoint();
     return {std::clamp(rounded.x(), 0, std::max(0, m_size.width() - 1)),
             std::clamp(rounded.y(), 0, std::max(0, m_size.height() - 1))};
+}
+
+void WireTracer::stop()
+{
+    m_isStopped = true;
+    Q_EMIT stopped();
 }
 
 void WireTracer::begin(const QPointF &point)
@@ -42,9 +48,12 @@ bool WireTracer::continueTo(const QPointF &point)
 bool WireTracer::isReached(const QPoint &target)
 {
     m_scissors.initializeSeed(m_last);
-    EventWait::until([&] {
-        return m_isStopped || !m_scissors.isSearching() || m_scissors.containsWireToPoint(target);
-    });
+    QEventLoop loop;
+    connect(&m_scissors, &RyIntelligentScissors::progessChanged, &loop, &QEventLoop::quit);
+    connect(&m_scissors, &RyIntelligentScissors::searchEnded, &loop, &QEventLoop::quit);
+    connect(this, &WireTracer::stopped, &loop, &QEventLoop::quit);
+    while (!m_isStopped && m_scissors.isSearching() && !m_scissors.containsWireToPoint(target))
+        loop.exec();
     return !m_isStopped && m_scissors.containsWireToPoint(target);
 }
 

@@ -9,8 +9,8 @@
 #include <QPolygonF>
 
 /**
- * Lays a wire from point to point, each stretch when the scissors have found it: so the outcome
- * does not depend on how fast the machine is.
+ * Lays a wire from point to point. It waits until the scissors have found a stretch before it asks
+ * for the next one, so the outcome does not depend on how fast the machine is.
  *
  * Threads  one thread with an event loop.
  */
@@ -25,7 +25,6 @@ public:
     /// Begins a wire anew. Points are rounded to pixels of the picture, the nearest one for those
     /// outside.
     void begin(const QPointF &point);
-    bool hasBegun() const { return m_hasBegun; }
     /// Leads the wire on to the point; meanwhile events are processed. False when the scissors find
     /// no way there, and once stop() was called; the wire then stays as it is.
     bool continueTo(const QPointF &point);
@@ -38,7 +37,10 @@ public:
     QPolygonF outline() const;
 
 public Q_SLOTS:
-    void stop() { m_isStopped = true; } ///< for good
+    void stop(); ///< for good
+
+Q_SIGNALS:
+    void stopped();
 
 private:
     QPoint pixel(const QPointF &point) const;

@@ -1,25 +1,19 @@
 #pragma once
 
 #include "ExitStatus.h"
-
-#include <QString>
-
-#include <exception>
+#include "cutout/AppError.h"
 
 /// Ends a command: the message becomes the one line on standard error, the status the program's.
-class CommandError : public std::exception
+class CommandError : public AppError
 {
 public:
     CommandError(ExitStatus status, const QString &message)
-        : m_status(status)
-        , m_message(message)
+        : AppError(message)
+        , m_status(status)
     {}
 
     ExitStatus status() const { return m_status; }
-    QString message() const { return m_message; }
-    const char *what() const noexcept override { return "command error"; }
 
 private:
     ExitStatus m_status;
-    QString m_message;
 };

@@ -7,7 +7,7 @@
 #include "Interruption.h"
 #include "LassoText.h"
 #include "PictureInput.h"
-#include "gestures/GestureFileError.h"
+#include "cutout/AppError.h"
 
 #include <QCryptographicHash>
 
@@ -27,7 +27,7 @@ QPolygonF readLasso(const CutOptions &options, const Interruption &interruption)
 {
     if (options.lassoFile.isEmpty())
         return LassoText::fromArgument(u"--polygon"_s, options.polygon, LassoText::fewestVertices);
-    return LassoText::fromFile(InputData::open(options.lassoFile, interruption)->readAll(),
+    return LassoText::fromFile(InputData::text(options.lassoFile, interruption),
                                InputData::displayName(options.lassoFile));
 }
 
@@ -35,15 +35,15 @@ GestureFile readGestureFile(const CutOptions &options, const Interruption &inter
 {
     if (options.gesturesFile.isEmpty())
         return {};
+    const QByteArray text = InputData::text(options.gesturesFile, interruption);
     try {
-        return GestureFile::parse(InputData::open(options.gesturesFile, interruption)->readAll(),
-                                  InputData::displayName(options.gesturesFile));
-    } catch (const GestureFileError &error) {
+        return GestureFile::parse(text, InputData::displayName(options.gesturesFile));
+    } catch (const AppError &error) {
         throwBadInput(error.message());
     }
 }
 
-/// Session files take fewer coordinates than lassos do.
+/// Lassos may have larger coordinates than session files.
 void checkCanBeWritten(const QPolygonF &lasso)
 {
     constexpr double most = Gesture::mostCoordinate;
@@ -52,13 +52,13 @@ void checkCanBeWritten(const QPolygonF &lasso)
                                                                                           'f', 0));
 }
 
-/// The mask's colour, the method, the lasso and the file's gestures, in the order in which they are played.
+/// The mask's colour, the method, the lasso and the file's gestures, as they are played.
 QList<Gesture> gesturesToPlay(const GestureFile &file, const CutOptions &options,
                               const Interruption &interruption)
 {
     QList<Gesture> gestures;
-    if (options.maskColour.rgb() != QColor(Qt::white).rgb())
-        gestures.append(Gesture(Gesture::Color{options.maskColour}));
+    if (options.maskColor.rgb() != QColor(Qt::white).rgb())
+        gestures.append(Gesture(Gesture::Color{options.maskColor}));
     if (options.isGraphCut)
         gestures.append(Gesture(Gesture::Method{true}));
     if (!options.lassoFile.isEmpty() || !options.polygon.isEmpty()) {
@@ -111,7 +111,7 @@ void CutInputs::read(CutResult &result, const CutOptions &options, const Interru
     result.session.gestures = gesturesToPlay(file, options, interruption);
     const bool comparesPictures = file.picture && !options.force;
     const auto device = InputData::open(options.picture, interruption);
-    QByteArray hash; // large files take a while, so it is made for those who ask
+    QByteArray hash; // made for those who ask only, as large files take a while
     if (comparesPictures || options.outputs.contains(CutOutput::Session))
         hash = sha256(*device);
     result.picture = PictureInput::decode(*device, options);

@@ -7,7 +7,16 @@
 #include <QString>
 
 /// What a cut can be asked to write, in the order in which it is written.
-enum class CutOutput { Object, Mask, Overlay, Outline, Contours, Labels, Session };
+enum class CutOutput {
+    Object,
+    Mask,
+    Overlay,
+    Outline,
+    Contours,
+    Labels,
+    LabelsDescription,
+    Session
+};
 
 /// What the user asked a command that cuts for.
 struct CutOptions : PictureOptions
@@ -19,5 +28,5 @@ struct CutOptions : PictureOptions
 
     bool isGraphCut = false; ///< how the lasso is cut, unless the gestures tell otherwise
     bool force = false;      ///< takes gestures that were made on another picture
-    QColor maskColour = Qt::white;
+    QColor maskColor = Qt::white;
 };

@@ -18,9 +18,7 @@ protected:
     virtual void readInputs(CutOptions &options) const = 0;
 
 private:
-    void addOutputOptions();
     void addCutOptions();
 
-    QColor colour(const QString &name) const;
-    void readOutputs(CutOptions &options) const;
+    QColor color(const QString &name) const;
 };

@@ -30,7 +30,7 @@ QJsonObject lassoObject(const QPolygonF &lasso)
     return object;
 }
 
-/// Without the first lasso and a colour before it, so that a plain cut has none.
+/// How many follow the first lasso; none in a plain cut.
 qsizetype gesturesAfterTheLasso(const QList<Gesture> &gestures)
 {
     const auto firstLasso =
@@ -83,7 +83,7 @@ QByteArray CutReport::json(const CutResult &result)
 {
     const RySegmentationStatistics &statistics = result.statistics;
     const QJsonObject findings{
-            {u"mask_colour"_s, result.maskColour.name()},
+            {u"mask_colour"_s, result.maskColor.name()},
             {u"lasso"_s, lassoObject(result.lasso)},
             {u"gestures"_s, gesturesAfterTheLasso(result.session.gestures)},
             {u"object_box"_s, boxObject(result.objectBox)},

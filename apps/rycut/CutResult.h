@@ -28,7 +28,7 @@ struct CutResult
     CutoutMask fullMask; ///< full size, its edge as it was asked for
     QImage labels;       ///< cutting size
     QImage contours;     ///< cutting size
-    QColor maskColour;   ///< of the session's own mask, in the end
+    QColor maskColor;    ///< of the session's own mask, in the end
     CuttingScale scale{QSize(), 0};
     QRect objectBox; ///< of the full mask
     qsizetype foregroundRegions = 0;

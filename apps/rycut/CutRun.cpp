@@ -3,15 +3,18 @@
 #include "CommandError.h"
 #include "Console.h"
 #include "CutInputs.h"
+#include "CutOutputs.h"
 #include "CutReport.h"
 #include "CutSession.h"
 #include "InputData.h"
 #include "PictureMemory.h"
 #include "ProgressBar.h"
 #include "Stopwatch.h"
+#include "cutout/AppError.h"
 #include "cutout/EdgeOperations.h"
 #include "cutout/MaskImage.h"
-#include "gestures/GestureError.h"
+
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -65,7 +68,7 @@ QImage CutRun::play(CutSession &session, const QImage &picture) const
 {
     try {
         return session.cut(picture, m_result.session.gestures);
-    } catch (const GestureError &error) {
+    } catch (const AppError &error) {
         const QString &file = m_options.gesturesFile;
         throw CommandError(ExitStatus::EmptyResult,
                            u"%1: %2"_s.arg(InputData::displayName(file), error.message()));
@@ -74,11 +77,12 @@ QImage CutRun::play(CutSession &session, const QImage &picture) const
 
 void CutRun::takeResults(const CutSession &session)
 {
-    const auto memento = session.segmentation().createMemento(true);
+    const std::unique_ptr<const RyMementoSegmentation> memento(
+            session.segmentation().createMemento(true));
     m_result.lasso = session.lasso();
     m_result.labels = memento->labels();
     m_result.foregroundRegions = memento->foregroundClusters().size();
-    m_result.maskColour = memento->maskColor();
+    m_result.maskColor = memento->maskColor();
     m_result.statistics = session.segmentation().statistics();
     if (m_options.outputs.contains(CutOutput::Contours))
         m_result.contours = session.segmentation().drawContour();
@@ -86,7 +90,7 @@ void CutRun::takeResults(const CutSession &session)
 
 void CutRun::failWithReport(const QString &message)
 {
-    m_files.writeReport(m_result);
+    m_files.writeReport([this] { return CutReport::json(m_result); });
     m_files.commitReport();
     throw CommandError(ExitStatus::EmptyResult, message);
 }
@@ -100,7 +104,7 @@ void CutRun::makeFullMask()
     mask.setDotsPerMeterY(m_result.picture.dotsPerMeterY());
     m_result.times.scalingMs += stopwatch.lapMs();
 
-    m_result.fullMask = EdgeOperations::apply(mask, m_result.session.edges.options());
+    m_result.fullMask = EdgeOperations::apply(mask, m_result.session.edges.settings());
     requireMemory(m_result.fullMask.alpha);
     m_interruption.check();
     m_result.objectBox = MaskImage::objectBox(m_result.fullMask.alpha);
@@ -111,8 +115,10 @@ void CutRun::makeFullMask()
 
 void CutRun::writeOutputs()
 {
-    m_files.write(m_result, m_interruption);
-    m_files.writeReport(m_result);
+    Stopwatch stopwatch;
+    m_files.write(CutOutputs::all(), m_result, m_options, m_interruption);
+    m_result.times.writingMs += stopwatch.lapMs();
+    m_files.writeReport([this] { return CutReport::json(m_result); });
     m_interruption.check();
     const QStringList names = m_files.commitAll();
     if (!m_options.quiet)

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "CutFiles.h"
 #include "CutOptions.h"
 #include "CutResult.h"
 #include "Interruption.h"
+#include "OutputFiles.h"
 
 class CutSession;
 
@@ -28,6 +28,6 @@ private:
 
     const CutOptions m_options;
     const Interruption m_interruption;
-    CutFiles m_files;
+    OutputFiles m_files;
     CutResult m_result;
 };

@@ -3,8 +3,7 @@
 CutSession::CutSession(const CuttingScale &scale)
     : m_player(m_segmentation, scale.reducing())
 {
-    connect(&m_segmentation, &RyImageSegmentation::sendNewMask, this,
-            [this](const QImage &mask) { m_heardNullMask = mask.isNull(); });
+    connect(&m_segmentation, &RyImageSegmentation::failed, this, [this] { m_hasFailed = true; });
     connect(&m_segmentation, &RyImageSegmentation::segmentationProgress, this,
             &CutSession::progress);
     m_segmentation.setMaskColor(Qt::white);
@@ -14,11 +13,8 @@ QImage CutSession::cut(const QImage &picture, const QList<Gesture> &gestures)
 {
     m_segmentation.setup(picture, {});
     m_player.setPicture(picture);
-    bool hasLasso = false; // before that, there is no mask to send
     for (const Gesture &gesture : gestures) {
-        hasLasso = hasLasso || gesture.beginsCut();
-        m_heardNullMask = false;
-        if (!m_player.play(gesture) || (hasLasso && m_heardNullMask))
+        if (!m_player.play(gesture) || m_hasFailed)
             return {};
     }
     return m_segmentation.maskForeground();

@@ -20,7 +20,7 @@ public:
 
     /// The session's mask after the last gesture, in its own format. Null when the session had too
     /// little memory, or was aborted. The picture has the cutting size, gestures are in pixels of
-    /// the full size. Throws GestureError where one cannot be played.
+    /// the full size. Throws AppError where one cannot be played.
     QImage cut(const QImage &picture, const QList<Gesture> &gestures);
     const RyImageSegmentation &segmentation() const { return m_segmentation; }
     QPolygonF lasso() const { return m_player.lasso(); }
@@ -34,5 +34,5 @@ Q_SIGNALS:
 private:
     RyImageSegmentation m_segmentation;
     GesturePlayer m_player;
-    bool m_heardNullMask = false; // last, in answer to the gesture that is played
+    bool m_hasFailed = false; // for want of memory, or of a thread
 };

@@ -47,8 +47,8 @@ ExitStatus Dispatcher::run(const QStringList &arguments) const
         Console::say(error.message());
         return error.status();
     } catch (const std::bad_alloc &) {
-        Console::say(u"there is too little memory for this picture"_s);
-        return ExitStatus::UnreadableInput;
+        Console::say(u"there is not enough memory for this picture"_s);
+        return ExitStatus::NoMemory;
     }
 }
 

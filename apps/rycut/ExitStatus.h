@@ -7,5 +7,6 @@ enum class ExitStatus : int {
     UnreadableInput = 2,
     EmptyResult = 3,
     CannotWrite = 4,
-    Interrupted = 130, ///< 128 and SIGINT, as shells count
+    NoMemory = 5,
+    Interrupted = 128, ///< plus the signal's number, as shells count
 };

@@ -13,28 +13,39 @@ namespace {
 
 constexpr int forever = -1;
 
-// Handlers have no other way to their object. The byte in the pipe is never taken out again: one
-// SIGINT ends the command, however many places ask.
-std::array<int, 2> interruptionPipe = {-1, -1};
+constexpr std::array endingSignals = {SIGINT, SIGTERM, SIGHUP};
 
-void writeToPipe(int)
+// Handlers have no other way to their object. The byte in the pipe is never taken out again: one
+// signal ends the command, however many places ask.
+std::array<int, 2> interruptionPipe = {-1, -1};
+volatile std::sig_atomic_t arrivedSignal = 0; // the last one
+
+void writeToPipe(int signal)
 {
+    arrivedSignal = signal;
     const int errorOfInterruptedCode = errno;
     static_cast<void>(!write(interruptionPipe[1], "", 1)); // full means that one has arrived
     errno = errorOfInterruptedCode;
 }
 
-void handleInterruptWith(void (*handler)(int))
+void handleSignalsWith(void (*handler)(int))
 {
     struct sigaction wanted = {};
     wanted.sa_handler = handler;
     wanted.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &wanted, nullptr);
+    for (const int signal : endingSignals) {
+        struct sigaction present = {};
+        sigaction(signal, nullptr, &present);
+        const bool isUnwanted = signal == SIGHUP && present.sa_handler == SIG_IGN; // by nohup
+        if (!isUnwanted)
+            sigaction(signal, &wanted, nullptr);
+    }
 }
 
 [[noreturn]] void throwInterrupted()
 {
-    throw CommandError(ExitStatus::Interrupted, QStringLiteral("interrupted, nothing written"));
+    throw CommandError(ExitStatus(int(ExitStatus::Interrupted) + arrivedSignal),
+                       QStringLiteral("interrupted, nothing written"));
 }
 
 } // namespace
@@ -42,20 +53,20 @@ void handleInterruptWith(void (*handler)(int))
 Interruption::Interruption()
 {
     if (pipe2(interruptionPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
-        return; // SIGINT then ends the program in the system's own way
+        return; // signals then end the program in the system's own way
     m_notifier = std::make_unique<QSocketNotifier>(interruptionPipe[0], QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
         m_notifier->setEnabled(false);
         Q_EMIT arrived();
     });
-    handleInterruptWith(writeToPipe);
+    handleSignalsWith(writeToPipe);
 }
 
 Interruption::~Interruption()
 {
     if (!m_notifier)
         return;
-    handleInterruptWith(SIG_DFL);
+    handleSignalsWith(SIG_DFL);
     m_notifier.reset();
     close(interruptionPipe[0]);
     close(interruptionPipe[1]);

@@ -6,8 +6,9 @@
 #include <memory>
 
 /**
- * Turns SIGINT into a signal of the event loop, and into a question that code without an event loop
- * can ask between its steps.
+ * Turns the signals that ask the program to end, SIGINT, SIGTERM and SIGHUP, into one of the event
+ * loop, and into a question that code without an event loop can ask between its steps. So the files
+ * of a run appear together or not at all, and no temporary ones stay.
  *
  * Threads  one object at a time, in the main thread.
  */
@@ -20,9 +21,9 @@ public:
     ~Interruption() override;
     Q_DISABLE_COPY_MOVE(Interruption)
 
-    /// Throws CommandError once SIGINT has arrived.
+    /// Throws CommandError once a signal has arrived.
     void check() const;
-    /// Blocks until the descriptor can be read or SIGINT arrives; the latter throws.
+    /// Blocks until the descriptor can be read or a signal arrives; the latter throws.
     void waitForInput(int fileDescriptor) const;
 
 Q_SIGNALS:

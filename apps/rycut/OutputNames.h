@@ -9,7 +9,7 @@ namespace OutputNames {
 /// The file format that the name asks for; standard output carries PNG.
 QString format(const QString &fileName);
 void requireFormat(const QString &option, const QString &fileName, const QStringList &formats);
-/// No two may lead to the same file.
-void requireDistinct(const QStringList &fileNames);
+/// No two outputs may lead to the same file, and none to one that is read from.
+void requireDistinct(const QStringList &outputs, const QStringList &inputs);
 
 } // namespace OutputNames

@@ -14,7 +14,7 @@ QImage PictureInput::decode(QIODevice &device, const PictureOptions &options)
         return PictureDecoder::decode(device, options.allowHuge);
     } catch (const PictureError &error) {
         QString message = u"%1 cannot be read: %2"_s.arg(InputData::displayName(options.picture),
-                                                         error.reason());
+                                                         error.message());
         if (error.kind() == PictureError::Kind::TooLarge)
             message += u"; --allow-huge lifts this limit"_s;
         throw CommandError(ExitStatus::UnreadableInput, message);

@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 void PictureMemory::require(const QImage &image, const QString &picture)
 {
     if (image.isNull())
-        throw CommandError(ExitStatus::UnreadableInput,
-                           u"%1 cannot be cut: there is too little memory; a smaller --max-length "
+        throw CommandError(ExitStatus::NoMemory,
+                           u"%1 cannot be cut: there is not enough memory; a smaller --max-length "
                            "helps"_s.arg(InputData::displayName(picture)));
 }

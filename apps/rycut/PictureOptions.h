@@ -5,7 +5,7 @@
 
 #include <QString>
 
-/// What every command on a picture can be asked for; "-" as a file name is standard input or output.
+/// What every command on a picture can be asked for. The file name "-" is standard input or output.
 struct PictureOptions
 {
     QString picture;

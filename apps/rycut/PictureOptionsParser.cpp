@@ -3,7 +3,7 @@
 #include "CommandError.h"
 #include "Console.h"
 #include "Kernel.h"
-#include "cutout/EdgeColours.h"
+#include "OutputNames.h"
 #include "settings/RyImageCutterSettings.h"
 
 #include <utility>
@@ -11,32 +11,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// Of an edge option, which has its name and range from EdgeChoices.
-struct EdgeHelp
-{
-    QString description;
-    QString unit;
-};
-
-/// In the order of EdgeChoices::words().
-QList<EdgeHelp> edgeHelp()
-{
-    const QString length = QString::number(EdgeOptions::mostPixels);
-    return {{u"Drop pieces of the object with fewer pixels. Default for all of the edge: 0, or "
-             u"what a "
-             "session file says."_s,
-             u"pixels"_s},
-            {u"Fill holes with fewer pixels."_s, u"pixels"_s},
-            {u"Round the edge, up to %1."_s.arg(length), u"radius"_s},
-            {u"Move the edge outwards; below 0 inwards, to ±%1."_s.arg(length), u"pixels"_s},
-            {u"Soften the edge so far to either side, up to %1."_s.arg(length), u"radius"_s},
-            {u"Take the colours of the object's rim, so wide, from further inside, so that none "
-             "of the background shows; up to %1, 0 for never. Default: %2 with --feather, else "
-             "0."_s.arg(EdgeColours::mostRimPixels)
-                     .arg(EdgeColours::usualRimPixels),
-             u"pixels"_s}};
-}
 
 /// A settings file that was written by hand may hold any number.
 int defaultMaxLength()
@@ -56,7 +30,7 @@ PictureOptionsParser::PictureOptionsParser(const QString &command, const QString
             description +
             u" '-' as a file name is standard input or output. Exit status: 0 done, 1 wrong usage, "
             "2 an input cannot be read or does not fit, 3 nothing found to cut out, 4 cannot "
-            "write, 130 interrupted."_s);
+            "write, 5 not enough memory, 130 interrupted (129 and 143 by SIGHUP and SIGTERM)."_s);
     QString syntax = command;
     for (const auto &[name, text] : arguments) {
         syntax += u' ' + name;
@@ -82,12 +56,11 @@ void PictureOptionsParser::addSizeOptions()
 
 void PictureOptionsParser::addEdgeOptions()
 {
-    const QList<EdgeHelp> all = edgeHelp();
-    auto help = all.begin();
-    for (const EdgeChoices::Word &word : EdgeChoices::words()) {
-        m_parser.addOption({QString::fromLatin1(word.name), help->description, help->unit});
-        ++help;
-    }
+    // The first one's help speaks for all of them.
+    QString note = u" Default for all of the edge: 0, or what a session file says."_s;
+    for (const EdgeTable::Row &row : EdgeTable::rows())
+        m_parser.addOption({QString::fromLatin1(row.name), row.help + std::exchange(note, {}),
+                            QString::fromLatin1(row.unit)});
     m_parser.addOption(
             {u"crop"_s, u"Crop output, mask, overlay and the outline of a cut to the object."_s});
 }
@@ -137,10 +110,10 @@ void PictureOptionsParser::readPictureOptions(PictureOptions &options) const
 
 void PictureOptionsParser::readEdges(PictureOptions &options) const
 {
-    for (const EdgeChoices::Word &word : EdgeChoices::words()) {
-        const QString name = QString::fromLatin1(word.name);
+    for (const EdgeTable::Row &row : EdgeTable::rows()) {
+        const QString name = QString::fromLatin1(row.name);
         if (isSet(name))
-            options.edges.*word.number = number(name, word.least, word.most);
+            options.edges.choose(row, number(name, row.least, row.most));
     }
     options.cutout.crop = isSet(u"crop"_s);
     options.cutout.cleanPixels = options.edges.cleanPixels();
@@ -148,8 +121,8 @@ void PictureOptionsParser::readEdges(PictureOptions &options) const
 
 QString PictureOptionsParser::firstEdgeOption() const
 {
-    for (const EdgeChoices::Word &word : EdgeChoices::words()) {
-        if (const QString name = QString::fromLatin1(word.name); isSet(name))
+    for (const EdgeTable::Row &row : EdgeTable::rows()) {
+        if (const QString name = QString::fromLatin1(row.name); isSet(name))
             return name;
     }
     return isSet(u"crop"_s) ? u"crop"_s : QString();
@@ -171,6 +144,25 @@ QString PictureOptionsParser::fileName(const QString &name) const
     if (isSet(name) && value(name).isEmpty())
         throwUsage(u"--%1 names no file"_s.arg(name));
     return value(name);
+}
+
+QString PictureOptionsParser::outputName(const QString &option, const QStringList &formats) const
+{
+    const QString name = fileName(option);
+    if (!formats.isEmpty())
+        OutputNames::requireFormat(option, name, formats);
+    return name;
+}
+
+void PictureOptionsParser::checkFiles(QStringList outputs, const QString &report,
+                                      const QStringList &outputOptions, const QStringList &inputs)
+{
+    if (!report.isEmpty())
+        outputs.append(report);
+    if (outputs.isEmpty())
+        throwUsage(u"nothing to write; name a file with --%1 or --report"_s.arg(
+                outputOptions.join(u", --"_s)));
+    OutputNames::requireDistinct(outputs, inputs);
 }
 
 int PictureOptionsParser::maxLength() const

@@ -36,8 +36,40 @@ protected:
     void addSizeOptions();
     void addEdgeOptions();
     void addOtherOptions();
+    /// One for each kind of a command's table of outputs.
+    template <typename Kinds>
+    void addOutputOptions(const Kinds &kinds)
+    {
+        for (const auto &kind : kinds) {
+            if (!kind.option.isEmpty())
+                m_parser.addOption({kind.option, kind.help, kind.valueName});
+        }
+    }
+
     /// All but the picture.
     void readPictureOptions(PictureOptions &options) const;
+    template <typename Kinds, typename Options>
+    void readOutputs(const Kinds &kinds, Options &options) const
+    {
+        for (const auto &kind : kinds) {
+            if (kind.option.isEmpty() || !isSet(kind.option))
+                continue;
+            options.outputs.insert(kind.id, outputName(kind.option, kind.formats));
+            if (kind.check)
+                kind.check(kind, options);
+        }
+    }
+    /// That there are outputs, and that each has a file of its own which is no input.
+    template <typename Kinds, typename Options>
+    void checkFiles(const Kinds &kinds, const Options &options, const QStringList &inputs) const
+    {
+        QStringList outputOptions;
+        for (const auto &kind : kinds) {
+            if (!kind.option.isEmpty())
+                outputOptions.append(kind.option);
+        }
+        checkFiles(options.outputs.values(), options.report, outputOptions, inputs);
+    }
     void checkArguments() const;
 
     /// The first of the options for edges that is set, or empty.
@@ -51,6 +83,10 @@ protected:
     QString fileName(const QString &name) const;
 
 private:
+    /// Of an output in one of these formats, or in any where there are none.
+    QString outputName(const QString &option, const QStringList &formats) const;
+    static void checkFiles(QStringList outputs, const QString &report,
+                           const QStringList &outputOptions, const QStringList &inputs);
     void readEdges(PictureOptions &options) const;
     int number(const QString &name, int least, int most = INT_MAX) const;
     int maxLength() const;

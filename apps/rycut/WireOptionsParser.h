@@ -12,7 +12,5 @@ public:
     WireOptions options() const;
 
 private:
-    [[noreturn]] static void throwNeedsInside(const QString &option);
     WireCost cost() const;
-    void readOutputs(WireOptions &options) const;
 };

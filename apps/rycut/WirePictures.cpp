@@ -9,14 +9,14 @@
 
 namespace {
 
-constexpr QRgb wireColour = 0xFFFFD800U;
-constexpr QRgb rimColour = 0xFF181818U;
-constexpr QRgb seedColour = 0xFFFFFFFFU;
+constexpr QRgb wireColor = 0xFFFFD800U;
+constexpr QRgb rimColor = 0xFF181818U;
+constexpr QRgb seedColor = 0xFFFFFFFFU;
 constexpr double pixelsPerWirePixel = 400.0; // a wire of 2.5 pixels in a picture of 1,000
 
-QPen pen(QRgb colour, double width)
+QPen pen(QRgb color, double width)
 {
-    return {QColor(colour), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin};
+    return {QColor(color), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin};
 }
 
 QPainterPath path(const WireResult &result)
@@ -38,10 +38,10 @@ QImage WirePictures::overlay(const WireResult &result, const QImage &picture)
     const int longestSide = std::max(image.width(), image.height());
     const double width = std::max(1.5, longestSide / pixelsPerWirePixel);
     const QPainterPath wire = path(result);
-    painter.strokePath(wire, pen(rimColour, 2.0 * width));
-    painter.strokePath(wire, pen(wireColour, width));
-    painter.setPen(pen(rimColour, width));
-    painter.setBrush(QColor(seedColour));
+    painter.strokePath(wire, pen(rimColor, 2.0 * width));
+    painter.strokePath(wire, pen(wireColor, width));
+    painter.setPen(pen(rimColor, width));
+    painter.setBrush(QColor(seedColor));
     for (const QPointF &seed : result.seeds)
         painter.drawEllipse(seed, 2.0 * width, 2.0 * width);
     painter.end();

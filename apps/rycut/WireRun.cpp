@@ -8,6 +8,7 @@
 #include "PictureMemory.h"
 #include "ProgressBar.h"
 #include "Stopwatch.h"
+#include "WireOutputs.h"
 #include "WirePictures.h"
 #include "WireReport.h"
 #include "cutout/EdgeOperations.h"
@@ -112,7 +113,7 @@ void WireRun::fillInside()
     PictureMemory::require(inside, m_options.picture);
     if (MaskImage::objectPixels(inside) == 0)
         throw CommandError(ExitStatus::EmptyResult, u"the wire encloses nothing"_s);
-    m_result.mask = EdgeOperations::apply(inside, m_options.edges.options());
+    m_result.mask = EdgeOperations::apply(inside, m_options.edges.settings());
     PictureMemory::require(m_result.mask.alpha, m_options.picture);
     m_interruption.check();
     if (MaskImage::objectPixels(m_result.mask.alpha) == 0)
@@ -123,9 +124,12 @@ void WireRun::fillInside()
 
 void WireRun::writeOutputs()
 {
-    m_files.write(m_result, m_interruption);
+    Stopwatch stopwatch;
+    m_files.write(WireOutputs::all(), m_result, m_options, m_interruption);
+    m_result.times.writingMs = stopwatch.lapMs();
+    m_files.writeReport([this] { return WireReport::json(m_result); });
     m_interruption.check();
-    const QStringList names = m_files.commit();
+    const QStringList names = m_files.commitAll();
     if (!m_options.quiet)
         Console::sayWritten(names, WireReport::stages(m_result));
 }

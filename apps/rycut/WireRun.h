@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Interruption.h"
-#include "WireFiles.h"
+#include "OutputFiles.h"
 #include "WireOptions.h"
 #include "WireResult.h"
 
@@ -27,6 +27,6 @@ private:
 
     const WireOptions m_options;
     const Interruption m_interruption;
-    WireFiles m_files;
+    OutputFiles m_files;
     WireResult m_result;
 };

@@ -34,9 +34,9 @@ ExitStatus runProgram(int &argc, char **argv)
     QApplication::setApplicationName(QStringLiteral("rycut"));
     QApplication::setApplicationVersion(QStringLiteral(RY_VERSION));
     const ExitStatus status = Dispatcher().run(QApplication::arguments().mid(1));
-    // Whatever had to be cleaned up is. Leaving as usual would wait for the session's computation
-    // on the thread pool, which stops only between its stages.
-    if (status == ExitStatus::Interrupted)
+    // All temporary files are gone by now. Leaving as usual would wait for the session's
+    // computation on the thread pool, which stops only between its stages.
+    if (status > ExitStatus::Interrupted)
         std::_Exit(int(status));
     return status;
 }

@@ -1,6 +1,6 @@
-#include "HeapPolicy.h"
-#include "MainWindow.h"
-#include "PaintThreads.h"
+#include "RyHeapPolicy.h"
+#include "background/PaintThreads.h"
+#include "window/MainWindow.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -21,7 +21,7 @@ int main(int argc, char *argv[])
                                  QStringLiteral("[picture]"));
     parser.process(application);
 
-    HeapPolicy::returnLargeBlocks();
+    RyHeapPolicy::returnLargeBlocks();
     PaintThreads::reserve();
     MainWindow window;
     window.show();

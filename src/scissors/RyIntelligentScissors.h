@@ -81,6 +81,9 @@ Q_SIGNALS:
     /// stopRunning() a number of points. May tell of an old seed after a new one was set. Hosts
     /// connect to it in this spelling.
     void progessChanged(double theValue);
+    /// The search from a seed has come to its end, or was stopped; no more progress of it follows.
+    /// Whoever finds isSearching() true will hear it. By then another search may have begun.
+    void searchEnded();
 
 private:
     static QImage greyOf(const QImage &picture);

@@ -5,6 +5,7 @@
 #include "image/RyConcurrent.h"
 #include "image/RyLabelImage.h"
 #include "segmentation/RyLasso.h"
+#include "segmentation/RyRegions.h"
 
 #include <QPainter>
 
@@ -91,17 +92,18 @@ QImage RyGraphFirstCut::mask(const RyGraphCut &graphCut, const RyCutConstraints 
     return result;
 }
 
-void RyGraphFirstCut::adopt(RySegmentationState &state, const QImage &mask)
+void RyGraphFirstCut::adopt(RyCut &cut, const QImage &mask, const RyRegions &regions)
 {
-    state.foregroundMask = mask;
-    state.foregroundClusters.clear();
-    state.backgroundClusters.clear();
-    const qsizetype count = state.pointsOfSuperpixels.size();
-    if (count == 0 || mask.size() != state.labels.size())
+    cut.mask = mask;
+    cut.method = RyCut::Method::GraphCut;
+    cut.foreground.clear();
+    cut.background.clear();
+    const qsizetype count = regions.points().size();
+    if (count == 0 || !cut.canShow(regions))
         return;
     std::vector<int> balance(std::size_t(count), 0); // of pixels on both sides
     for (int y = 0; y < mask.height(); ++y) {
-        const qint32 *const labels = RyLabelImage::row(state.labels, y);
+        const qint32 *const labels = RyLabelImage::row(regions.labels(), y);
         const auto *const pixels = reinterpret_cast<const QRgb *>(mask.constScanLine(y));
         for (int x = 0; x < mask.width(); ++x) {
             if (const qint32 label = RyLabelImage::index(labels[x], count))
@@ -109,14 +111,13 @@ void RyGraphFirstCut::adopt(RySegmentationState &state, const QImage &mask)
         }
     }
     for (int label = 1; label < int(count); ++label)
-        state.moveToSide(label, balance[std::size_t(label)] > 0);
+        cut.moveToSide(label, balance[std::size_t(label)] > 0);
 }
 
-void RyGraphFirstCut::recut(RySegmentationState &state)
+void RyGraphFirstCut::recut(RyCut &cut, const RyGraphCut &graphCut, const RyRegions &regions)
 {
-    const QImage cut =
-            mask(*state.graphCut, state.constraints, state.picture.size(), state.maskColor.rgb());
-    if (cut.isNull())
+    const QImage anew = mask(graphCut, cut.constraints, graphCut.picture().size(), cut.color.rgb());
+    if (anew.isNull())
         throw std::bad_alloc();
-    adopt(state, cut);
+    adopt(cut, anew, regions);
 }

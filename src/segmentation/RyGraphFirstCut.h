@@ -1,15 +1,16 @@
 #pragma once
 
-#include "segmentation/RySegmentationState.h"
+#include "segmentation/RyCut.h"
 
 #include <QImage>
 #include <QPainterPath>
 
 #include <memory>
-#include <vector>
+
+class RyGraphCut;
 
 /**
- * The first cut by graph cuts, on a session's state: the mask has the cut's own outline, and every
+ * A cut by graph cuts: the mask has the cut's own outline, and every
  * region is on the side that most of it is on.
  *
  * Errors   std::bad_alloc.
@@ -25,10 +26,10 @@ std::shared_ptr<const RyGraphCut> analyse(const QImage &picture, const QPainterP
 QImage mask(const RyGraphCut &graphCut, const RyCutConstraints &constraints, const QSize &picture,
             QRgb maskColor);
 
-/// Makes a mask the state's, and puts the regions on their sides. Label 0 is background.
-void adopt(RySegmentationState &state, const QImage &mask);
+/// Makes a mask the cut's, and puts the regions on their sides. Label 0 is background.
+void adopt(RyCut &cut, const QImage &mask, const RyRegions &regions);
 
-/// Cuts anew under all constraints of the state.
-void recut(RySegmentationState &state);
+/// Cuts anew under all constraints of the cut.
+void recut(RyCut &cut, const RyGraphCut &graphCut, const RyRegions &regions);
 
 } // namespace RyGraphFirstCut

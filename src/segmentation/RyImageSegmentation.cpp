@@ -8,7 +8,6 @@
 #include <QMutexLocker>
 
 #include <new>
-#include <utility>
 
 namespace {
 
@@ -22,6 +21,27 @@ void log(const char *tag)
 
 } // namespace
 
+RyImageSegmentation::Private::Private(RyImageSegmentation *owner, RyUndoController *controller)
+    : queue([this](quint64 burst) {
+        // The only place that tells it. What has been asked for meanwhile is told of by its own end.
+        const auto announce = [session = self, burst] {
+            if (!session)
+                return;
+            {
+                const Lock lock(session->d->queue);
+                if (session->d->queue.isBusy() || session->d->queue.burst() != burst)
+                    return;
+            }
+            Q_EMIT session->becameIdle();
+        };
+        QMetaObject::invokeMethod(mailbox.get(), announce, Qt::QueuedConnection);
+    })
+    , session(owner)
+    , self(owner)
+    , mailbox(new QObject, [](QObject *object) { object->deleteLater(); })
+    , undoController(controller)
+{}
+
 RyImageSegmentation::RyImageSegmentation()
     : d(std::make_shared<Private>(this, RyUndoController::instanceForFotoEditor()))
 {
@@ -34,9 +54,9 @@ RyImageSegmentation::~RyImageSegmentation()
 {
     forgetWorker();
     {
-        const QMutexLocker lock(&d->mutex);
-        d->requests.clear();
-        ++d->epoch;
+        const Private::Lock lock(d->queue);
+        d->queue.clear();
+        d->queue.beginEpoch();
     }
     d->buffers->retire();
     requestInterruption();
@@ -57,7 +77,7 @@ void RyImageSegmentation::setup(const QImage &image, const QFileInfo &fileInfo)
                      ? image
                      : image.convertToFormat(QImage::Format_ARGB32));
     {
-        const QMutexLocker lock(&d->mutex);
+        const Private::Lock lock(d->queue);
         d->maskIsInverted = false;
     }
     reset();
@@ -67,42 +87,36 @@ void RyImageSegmentation::setImage(const QImage &image)
 {
     d->lassoRect = QRect(); // regions of another picture serve no new lasso
     d->buffers->releaseSpares();
-    const auto analysis = std::make_shared<RyPictureAnalysis>(image, d->fileInfo);
-    const QMutexLocker lock(&d->mutex);
+    std::shared_ptr<RyPictureAnalysis> analysis = d->snapshot().analysis;
+    const bool isTheSame = analysis && analysis->picture().cacheKey() == image.cacheKey();
+    if (!isTheSame)
+        analysis = std::make_shared<RyPictureAnalysis>(image, d->fileInfo);
+    const Private::Lock lock(d->queue);
     // A cut on regions that still fit goes on, as nobody would ask for it again.
-    if (d->state.picture.size() != image.size())
-        ++d->epoch;
-    d->state.picture = image;
-    d->state.analysis = analysis;
+    if (d->state.analysis && d->state.picture().size() != image.size())
+        d->queue.beginEpoch();
+    d->state.analysis.swap(analysis); // what is replaced goes after the lock
 }
 
 void RyImageSegmentation::reset()
 {
     d->lassoRect = QRect();
-    std::unique_ptr<RyMementoSegmentation> forgotten; // goes after the lock
+    RySegmentationState forgotten; // goes after the lock, as does the gesture's memento
+    std::shared_ptr<const RyMementoSegmentation> gesture;
     {
-        const QMutexLocker lock(&d->mutex);
+        const Private::Lock lock(d->queue);
         RySegmentationState &state = d->state;
-        if (state.picture.isNull())
-            state.foregroundMask = QImage();
-        state.superPixels.clear();
-        state.neighbours.clear();
-        state.pointsOfSuperpixels.clear();
-        state.expandedLasso = {};
-        state.graphCut.reset();
-        state.constraints = RyCutConstraints(state.picture.size());
-        state.hasEarlyCut = false;
-        forgotten.swap(d->pendingMemento);
-        d->hoverClusters.clear();
-        d->removeClicks();
-        std::erase_if(d->requests, [](const Private::Request &request) {
-            return request.isStroke() || request.mode == InitialCut ||
-                   request.mode == Private::Request::recut;
-        });
-        d->pendingLasso.reset();
-        ++d->epoch;
-        ++d->revision;
+        forgotten = state;
+        state.regions = state.regions.forgotten();
+        if (state.picture().isNull())
+            state.cut.mask = QImage();
+        state.cut.constraints = RyCutConstraints(state.picture().size());
+        state.cut.method = RyCut::Method::Unknown;
+        gesture.swap(d->pendingMemento);
+        d->queue.removeWorkOnRegions();
+        d->queue.beginEpoch();
     }
+    forgotten.analysis->forgetGraphCut();
     Q_EMIT sendNewMask(QImage());
     resetProgress();
 }
@@ -110,12 +124,13 @@ void RyImageSegmentation::reset()
 void RyImageSegmentation::cancel()
 {
     log("SEG:CancelThread");
-    bool active = false;
+    bool isActive = false;
     {
-        const QMutexLocker lock(&d->mutex);
-        active = d->active; // requests stay: a recolouring still counts, a cut finds nothing to cut
+        const Private::Lock lock(d->queue);
+        isActive = d->queue.isActive(); // a recolouring still counts, a cut finds nothing to cut
     }
-    if (active && d->worker) {
+    if (isActive && d->hasWorkerToReplace) {
+        d->hasWorkerToReplace = false;
         forgetWorker();
         requestInterruption();
     }
@@ -124,26 +139,18 @@ void RyImageSegmentation::cancel()
 
 bool RyImageSegmentation::isValid() const
 {
-    const QMutexLocker lock(&d->mutex);
-    return !d->state.pointsOfSuperpixels.isEmpty();
+    return !d->snapshot().regions.isEmpty();
 }
 
 bool RyImageSegmentation::isBusy() const
 {
-    const QMutexLocker lock(&d->mutex);
-    return d->active || d->clickTasks > 0 || d->restartsToCome > 0 ||
-           (d->worker && !d->workerHasEnded);
+    const Private::Lock lock(d->queue);
+    return d->queue.isBusy();
 }
 
-void RyImageSegmentation::startWithMode(SegmentationMode mode)
+RySegmentationStatistics RyImageSegmentation::statistics() const
 {
-    bool hasToStart = false;
-    {
-        const QMutexLocker lock(&d->mutex);
-        hasToStart = d->activateWith({.mode = mode});
-    }
-    if (hasToStart)
-        startSessionThread();
+    return d->snapshot().cut.statistics;
 }
 
 void RyImageSegmentation::startSessionThread()
@@ -153,11 +160,12 @@ void RyImageSegmentation::startSessionThread()
     start(QThread::InheritPriority);
     if (isRunning() || isFinished())
         return;
-    { // no memory for a thread; the next request tries again
-        const QMutexLocker lock(&d->mutex);
-        d->active = false;
+    { // the next request tries again
+        const Private::Lock lock(d->queue);
+        d->queue.endActivity();
     }
     Q_EMIT sendNewMask(QImage());
+    Q_EMIT failed(Failure::NoThread);
 }
 
 void RyImageSegmentation::run()
@@ -168,9 +176,9 @@ void RyImageSegmentation::run()
     }
     while (true) {
         {
-            const QMutexLocker lock(&d->mutex);
-            if (d->requests.empty()) {
-                d->active = false;
+            const Private::Lock lock(d->queue);
+            if (d->queue.isEmpty()) {
+                d->queue.endActivity();
                 return;
             }
             if (isInterruptionRequested()) {
@@ -182,114 +190,94 @@ void RyImageSegmentation::run()
             }
         }
         try {
-            performNextRequest();
+            d->performNext();
         } catch (const std::bad_alloc &) {
-            sendMask(QImage());
+            d->sendMask(QImage());
+            Q_EMIT failed(Failure::NoMemory);
         }
     }
 }
 
-void RyImageSegmentation::performNextRequest()
+void RyImageSegmentation::Private::performNext()
 {
-    Private::Request request;
-    quint64 epoch = 0;
-    quint64 restores = 0;
+    std::optional<Request> request;
+    Age age;
     {
-        const QMutexLocker lock(&d->mutex);
-        if (d->requests.empty())
-            return; // reset() has taken them away
-        epoch = d->epoch;
-        restores = d->restores;
-        request = d->requests.front();
-        if (!request.isStroke()) // strokes are taken together, once their turn has come
-            d->requests.pop_front();
+        const Lock lock(queue);
+        age = queue.age();
+        if (!queue.beginsWithStroke())
+            request = queue.takeFirst(); // none if reset() has taken them away
     }
-    switch (int(request.mode)) {
-    case Private::Request::click:
-        d->applyClick({request.position, restores});
-        break;
-    case Private::Request::sendMaskAgain:
-        sendMask(maskForeground());
-        break;
-    case InitialCut:
-        doInitialCut(epoch);
-        break;
-    case PaintSelection:
-    case Scribble:
-        paintSelecting();
-        break;
-    case Private::Request::recut:
-        recutObject();
-        break;
-    case PaintSelectionHover:
-        paintHovering();
-        break;
-    case UpdateMask: // maybe before there is a first mask
-        if (const auto mask = d->recolor(); mask && !mask->isNull())
-            sendMask(*mask);
-        break;
-    case InvertMask:
-        if (const auto mask = d->change(&RySegmentationState::invertMaskJob))
-            sendMask(*mask);
-        break;
-    default:
-        break;
-    }
+    if (request)
+        std::visit([&](const auto &step) { perform(step, age); }, request->step);
+    else
+        applyStrokes();
 }
 
 /// Sends a mask from the session's thread, and takes note of when the host's thread has heard it.
-void RyImageSegmentation::sendMask(const QImage &mask)
+void RyImageSegmentation::Private::sendMask(const QImage &mask)
 {
     {
-        const QMutexLocker lock(&d->mutex);
-        ++d->undeliveredMasks;
+        const Lock lock(queue);
+        ++undeliveredMasks;
     }
-    Q_EMIT sendNewMask(mask);
-    const auto isDelivered = [session = d] {
-        const QMutexLocker lock(&session->mutex);
-        --session->undeliveredMasks;
+    Q_EMIT session->sendNewMask(mask);
+    const auto isDelivered = [this] {
+        const Lock lock(queue);
+        --undeliveredMasks;
     };
-    QMetaObject::invokeMethod(this, isDelivered, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(session, isDelivered, Qt::QueuedConnection);
 }
 
-/// In the colour that is asked for by then: a memento may have brought another one since.
-std::optional<QImage> RyImageSegmentation::Private::recolor()
+RySegmentationState RyImageSegmentation::Private::snapshot() const
 {
-    return change([this](RySegmentationState &work) {
+    const Lock lock(queue);
+    return state;
+}
+
+/// Applies a change to a copy of the cut, without the lock, until nothing else has changed in
+/// between. Returns the new mask; nothing when the cut was restored since the given number of
+/// restores, as that would have undone the change, or when the given epoch is over.
+std::optional<QImage> RyImageSegmentation::Private::change(const Change &change,
+                                                           std::optional<quint64> restoresBefore,
+                                                           std::optional<quint64> epochBefore)
+{
+    const auto isOvertaken = [&] { // asked under the lock
+        return restoresBefore.value_or(queue.age().restores) != queue.age().restores ||
+               epochBefore.value_or(queue.age().epoch) != queue.age().epoch;
+    };
+    while (true) {
+        RySegmentationState work; // the cut that is replaced goes with it, after the lock
+        Age age;
         {
-            const QMutexLocker lock(&mutex);
-            work.maskColor = maskColor;
+            const Lock lock(queue);
+            if (isOvertaken())
+                return {};
+            work = state;
+            age = queue.age();
         }
-        work.updateMask();
-    });
+        change(work);
+        const Lock lock(queue);
+        if (isOvertaken())
+            return {};
+        if (queue.age().revision != age.revision)
+            continue;
+        std::swap(state.cut, work.cut);
+        queue.noteChange();
+        return state.cut.mask;
+    }
 }
 
-/// A request that would do what the last one does already is left out; of hovers and of first cuts
-/// only the newest counts.
-void RyImageSegmentation::Private::append(Request request)
+/// Makes a first cut with its regions the session's; false when it was overtaken.
+bool RyImageSegmentation::Private::publish(const RySegmentationState &work, quint64 epoch)
 {
-    const SegmentationMode mode = request.mode;
-    if (mode == PaintSelectionHover || mode == InitialCut)
-        std::erase_if(requests, [mode](const Request &other) { return other.mode == mode; });
-    const bool isOnItsOwn = request.isStroke() || request.isClick();
-    if (isOnItsOwn || requests.empty() || requests.back().mode != mode)
-        requests.push_back(std::move(request));
-}
-
-/// True when the session's thread has to be started.
-bool RyImageSegmentation::Private::activateWith(Request request)
-{
-    append(std::move(request));
-    return !std::exchange(active, true);
-}
-
-RySegmentationState RyImageSegmentation::snapshot() const
-{
-    const QMutexLocker lock(&d->mutex);
-    return d->state;
-}
-
-int RyImageSegmentation::totalSteps() const
-{
-    return d->workerTotalSteps + Private::stepsOfTheFirstCut;
+    RySegmentationState replaced; // goes after the lock
+    const Lock lock(queue);
+    if (queue.age().epoch != epoch)
+        return false;
+    replaced = state;
+    state.regions = work.regions;
+    state.cut = work.cut;
+    queue.noteChange();
+    return true;
 }

@@ -3,6 +3,7 @@
 #include "RyImageCutterExport.h"
 #include "segmentation/RyMementoSegmentation.h"
 #include "segmentation/RySegmentationStatistics.h"
+#include "segmentation/RySegmentationThread.h"
 
 #include <QColor>
 #include <QFileInfo>
@@ -11,11 +12,10 @@
 #include <QPainterPath>
 #include <QPoint>
 #include <QSet>
-#include <QThread>
 
 #include <memory>
 
-class RySegmentationState;
+class RyPreparedLasso;
 class RyUndoController;
 
 /**
@@ -41,20 +41,21 @@ class RyUndoController;
  *          is on the side that holds most of it.
  * Source   SLIC superpixels, joined by graph-based region growing, judged by a colour histogram or
  *          by graph cuts; docs/design.md names the papers.
- * Errors   none reported: a path with coordinates that are not finite is ignored; of a point those
+ * Errors   failed() tells of too little memory, and of threads that could not be started, beside a
+ *          null mask where a mask was due. Otherwise none: a path with coordinates that are not finite is ignored; of a point those
  *          that are not a number count as 0, infinite ones as on the border; a lasso without area
- *          inside the picture gives a mask without foreground; an empty picture, or too little
- *          memory, gives a null mask. Corrections before a first lasso find no regions.
+ *          inside the picture gives a mask without foreground; an empty picture gives none.
+ *          Corrections before a first lasso find no regions.
  * Threads  every public call belongs to the thread that made the object; they may come in any order
  *          at any time, and none waits for work that another thread has begun on a lasso. Calls
  *          that draw a picture draw it in the caller's thread; so work setup() for a picture that
- *          must be converted, containsPath(), lastPath(), setMemento() and setMaskIsInverted().
+ *          must be converted, containsPath(), setMemento() and setMaskIsInverted().
  *          Signals are emitted from
  *          several threads: connect them with the default connection type and they arrive in the
  *          receiver's thread. A mask that was on its way when reset() was called may arrive after
  *          reset()'s null mask. Results do not depend on the number of cores.
  */
-class RYIMAGECUTTER_EXPORT RyImageSegmentation : public QThread
+class RYIMAGECUTTER_EXPORT RyImageSegmentation : public RySegmentationThread
 {
     Q_OBJECT
 
@@ -99,16 +100,16 @@ public:
 
     /// True while there are regions to refine.
     bool isValid() const;
-    /// True while the session's thread, a worker or a click is at work or has something yet to do.
-    /// When it is false, every call is answered: signals are at least on their way, and
-    /// maskForeground() holds all that was asked for.
+    /// True while the session's thread, a worker or a click is at work or has something yet to do;
+    /// becameIdle() follows. When it is false, every call is answered: signals are at least on their
+    /// way, and maskForeground() holds all that was asked for.
     bool isBusy() const;
     QImage maskForeground() const;
     /// True when the path lies within the lasso that the regions were computed for, grown by ten
     /// pixels. Takes time in proportion to the path's area.
     bool containsPath(const QPainterPath &path) const;
-    /// The area of the painted selection that was applied last. Strokes that were applied together
-    /// are united here, which takes its time.
+    /// The painted selection that was applied last. Of strokes that were applied together it is the
+    /// pixels that they cover, as a path of rectangles.
     QPainterPath lastPath() const;
 
     /// The region at a point, which is moved into the picture first; 0 where there is none.
@@ -132,17 +133,21 @@ public:
     void setMaskIsInverted(bool inverted);
 
     /// The state of the cut; with superpixel data it carries labels and points of regions as well.
-    std::unique_ptr<RyMementoSegmentation> createMemento(bool withSuperPixelData) const;
-    /// Restores a state, and emits its mask. It replaces what came before it, also a lasso or a
-    /// stroke that is being cut, while strokes that wait are applied to it. Of a memento whose mask
-    /// is of another size than the picture only the sets are taken. Regions that come from a memento
-    /// serve refinement and recut(); the next lasso computes its own. With too little memory nothing
-    /// is changed.
-    void setMemento(const RyMementoSegmentation &memento);
+    /// The caller owns it.
+    [[nodiscard]] RyMementoSegmentation *createMemento(bool withSuperPixelData) const;
+    /// Restores a state, and emits its mask; the memento stays the caller's. It replaces what came
+    /// before it, also a stroke that is being cut, while strokes that wait are applied to it. A lasso
+    /// that is being computed goes on, and its cut will replace what was restored. Of a memento whose
+    /// mask is of another size than the picture only the sets are taken. Regions that come from a
+    /// memento serve refinement and recut(). With too little memory nothing is changed.
+    void setMemento(const RyMementoSegmentation *memento);
+    /// Whether gestures and recuts leave steps with the undo controller, as they do at first. For
+    /// hosts that record steps of their own.
+    void setRecordsSteps(bool records);
     /// Where finished gestures go; never null. The photo editor's at first.
     RyUndoController *undoController() const;
-    /// Another one, which must outlive the session. For hosts that record steps of their own, or
-    /// have a list of steps for each picture; before the first gesture.
+    /// Another one, which must outlive the session. For hosts that have a list of steps for each
+    /// picture; before the first gesture.
     void setUndoController(RyUndoController &controller);
     RySegmentationStatistics statistics() const;
 
@@ -174,7 +179,7 @@ public Q_SLOTS:
     void startThreadWithPaintSelectionHover(const QSet<int> &theClusters, bool isForeground);
     /// A new lasso. Inside the last one its regions are used again, else new ones are computed.
     void startThreadWithInitialPath(const QPainterPath &thePath);
-    /// Moves the region at a point to its other side. Sends nothing; see isBusy().
+    /// Moves the region at a point to its other side. Sends no mask; see becameIdle().
     void startThreadWithClicker(const QPointF &thePosition);
     /// For the session's own workers; signals of others are ignored.
     void setProgressFromWorker(int theCurrentStep, int theTotalStep);
@@ -199,34 +204,14 @@ private:
     struct Private;
 
     // Host thread.
-    void restore(const RyMementoSegmentation &memento);
-    void startWithMode(SegmentationMode mode);
-    void startWithStroke(SegmentationMode mode, const QPainterPath &path, bool isForeground,
-                         bool isTemporary);
     void startSessionThread();
-    void startInitialSegmentation(const QPainterPath &path);
+    void startInitialSegmentation(const RyPreparedLasso &lasso);
     void initialSegmentationIsFinished();
     void forgetWorker();
-    void showGraphCut(const QImage &mask);
-
-    // Session thread.
-    void performNextRequest();
-    void sendMask(const QImage &mask);
-    void doInitialCut(quint64 epoch);
-    void prepareForCorrections(const QImage &mask);
-    bool adoptLassoInsideTheLastOne(RySegmentationState &work, quint64 epoch);
-    void cutObjectInitial(RySegmentationState &work, quint64 epoch);
-    void cutObjectByGraph(RySegmentationState &work, quint64 epoch);
-    void recutObject();
-    void paintSelecting();
-    void paintHovering();
-
-    // Any thread.
-    RySegmentationState snapshot() const;
-    bool publishCut(const RySegmentationState &work, quint64 epoch);
-    bool isRestored() const;
-    void increaseAndUpdateProgressbar(quint64 epoch);
-    int totalSteps() const;
+    void releaseFormerWorker();
+    void showFirstCut();
+    void startWithStroke(SegmentationMode mode, const QPainterPath &path, bool isForeground,
+                         bool isTemporary);
 
     const std::shared_ptr<Private> d; // clicks on the pool share it
 };

@@ -1,193 +1,234 @@
 #include "segmentation/RyImageSegmentation.h"
 
+#include "RyUndoController.h"
 #include "graphcut/RyGraphCut.h"
-#include "image/RyGeometry.h"
 #include "segmentation/RyGraphFirstCut.h"
 #include "segmentation/RyImageSegmentation_p.h"
 #include "segmentation/RyInitialCut.h"
-#include "segmentation/RyLasso.h"
 #include "superpixels/RySlic.h"
 
 #include <QElapsedTimer>
-#include <QMutexLocker>
-#include <QPainter>
+#include <QThreadPool>
 
 #include <new>
 
-/// The cut that was asked for in an epoch.
-void RyImageSegmentation::doInitialCut(quint64 epoch)
+void RyImageSegmentation::setCutMethod(CutMethod method)
 {
-    RySegmentationState work;
-    bool hasNewLasso = false;
-    bool isRecoloured = false;
-    CutMethod method = CutMethod::Classic;
+    const Private::Lock lock(d->queue);
+    d->cutMethod = method;
+}
+
+RyImageSegmentation::CutMethod RyImageSegmentation::cutMethod() const
+{
+    const Private::Lock lock(d->queue);
+    return d->cutMethod;
+}
+
+void RyImageSegmentation::recut()
+{
+    bool hasToStart = false;
     {
-        const QMutexLocker lock(&d->mutex);
-        if (d->epoch != epoch || d->state.pointsOfSuperpixels.isEmpty())
-            return; // reset(), a newer lasso or a memento came first
-        work = d->state;
-        d->state.hasEarlyCut = false;
-        isRecoloured = work.maskColor.rgb() != d->maskColor.rgb();
-        work.maskColor = d->maskColor;
-        hasNewLasso = d->pendingLasso.has_value();
-        if (hasNewLasso)
-            work.hasEarlyCut = false; // of a lasso before, which was not cut any more
-        work.lassoPath = d->pendingLasso.value_or(work.lassoPath);
-        d->pendingLasso.reset();
-        method = d->cutMethod;
+        const Private::Lock lock(d->queue);
+        hasToStart = d->queue.activateWith(Private::Request::Recut());
     }
-    if (hasNewLasso && !adoptLassoInsideTheLastOne(work, epoch))
+    if (hasToStart)
+        startSessionThread();
+}
+
+/// The cut that was asked for in an epoch.
+void RyImageSegmentation::Private::perform(const Request::FirstCut &request, const Age &age)
+{
+    const quint64 epoch = age.epoch;
+    RySegmentationState work;
+    QColor color;
+    {
+        const Lock lock(queue);
+        if (queue.age().epoch != epoch)
+            return; // reset() or a newer lasso came first
+        work = state;
+        color = maskColor;
+    }
+    const bool bringsRegions = !request.regions.isEmpty();
+    if (bringsRegions)
+        work.regions = request.regions;
+    if (work.regions.isEmpty())
         return;
+    if (!bringsRegions && hasToStartOver(request, work)) {
+        startOver(request.lasso, epoch);
+        return;
+    }
     QElapsedTimer timer;
     timer.start();
-    if (work.hasEarlyCut && isRecoloured)
-        work.updateMask();
-    if (hasNewLasso)
-        Private::chooseGraphCut(work, method);
-    // Of a picture that was replaced by one of another size nothing can be shown.
-    if (work.graphCut && work.graphCut->picture().size() == work.picture.size())
-        cutObjectByGraph(work, epoch);
-    else
-        cutObjectInitial(work, epoch);
-    work.statistics.firstCutMs = double(timer.nsecsElapsed()) / 1e6;
+    if (!work.cut.isGraphCutOf(request.lasso)) {
+        work.cut = work.cut.awaiting(request.lasso);
+        work.cut.color = color;
+    } else if (work.cut.color.rgb() != color.rgb()) {
+        work.cut.recolor(color);
+    }
+    work.cut.statistics = work.regions.statistics();
+    if (!bringsRegions) { // stages that were not run again
+        RySegmentationStatistics &statistics = work.cut.statistics;
+        statistics.colorPlanesMs = statistics.superPixelsMs = 0.0;
+        statistics.edgesWaitMs = statistics.regionsMs = statistics.graphCutMs = 0.0;
+    }
+    cut(work, request.method, epoch);
+    work.cut.statistics.firstCutMs = double(timer.nsecsElapsed()) / 1e6;
     // A cut that was overtaken says nothing; what overtook it has asked for a cut of its own.
-    if (!isInterruptionRequested() && publishCut(work, epoch) && !isRestored()) {
-        sendMask(work.foregroundMask);
-        prepareForCorrections(work.foregroundMask);
+    if (!session->isInterruptionRequested() && publish(work, epoch)) {
+        sendMask(work.cut.mask);
+        prepareForCorrections(work.cut.mask);
     }
 }
 
+/// Whether the regions at hand do not serve a lasso in their rectangle: where they do not cover it,
+/// and where superpixels cannot divide it, which a worker answers with no regions.
+bool RyImageSegmentation::Private::hasToStartOver(const Request::FirstCut &request,
+                                                  const RySegmentationState &work) const
+{
+    if (!work.regions.cover(request.lasso))
+        return true;
+    RySlic slic;
+    slic.setup(&work.analysis->image(), request.lasso.snapped());
+    return slic.isDegenerate();
+}
+
+/// Has the host's thread start a worker, unless something newer has come up by then.
+void RyImageSegmentation::Private::startOver(const RyPreparedLasso &lasso, quint64 epoch)
+{
+    const auto start = [this, lasso, epoch] {
+        const auto isCurrent = [this, epoch] {
+            const Lock lock(queue);
+            return queue.age().epoch == epoch;
+        };
+        if (isCurrent())
+            session->startInitialSegmentation(lasso);
+        const Lock lock(queue);
+        queue.endRestart();
+    };
+    {
+        const Lock lock(queue);
+        queue.announceRestart();
+    }
+    QMetaObject::invokeMethod(session, start, Qt::QueuedConnection);
+}
+
+/// A cut that awaits its lasso's first cut, or a graph cut of it that lacks the regions' sides.
+void RyImageSegmentation::Private::cut(RySegmentationState &work, CutMethod method, quint64 epoch)
+{
+    const bool isCutAlready = work.cut.method == RyCut::Method::GraphCut;
+    std::shared_ptr<const RyGraphCut> graphCut;
+    if (!isCutAlready && method == CutMethod::GraphCut)
+        graphCut = work.analysis->graphCut(work.cut.lasso);
+    if (!isCutAlready && !graphCut) {
+        cutByRegions(work, epoch);
+        return;
+    }
+    if (!beginFirstCut(epoch))
+        return;
+    if (isCutAlready) // with what the user has corrected since
+        RyGraphFirstCut::adopt(work.cut, work.cut.mask, work.regions);
+    else
+        RyGraphFirstCut::recut(work.cut, *graphCut, work.regions);
+    for (int step = 0; step < stepsOfTheFirstCut; ++step)
+        increaseProgress(epoch); // the same steps, as far as the host can tell
+}
+
+/// False when the cut was overtaken. The worker's steps count as done from here on.
+bool RyImageSegmentation::Private::beginFirstCut(quint64 epoch)
+{
+    int total = 0;
+    {
+        const Lock lock(queue);
+        if (queue.age().epoch != epoch)
+            return false;
+        currentStep = workerTotalSteps;
+        total = totalSteps();
+    }
+    Q_EMIT session->segmentationProgress(total - stepsOfTheFirstCut, total);
+    return true;
+}
+
+void RyImageSegmentation::Private::cutByRegions(RySegmentationState &work, quint64 epoch)
+{
+    if (session->isInterruptionRequested())
+        return;
+    RyInitialCut cut(work.cut, work.regions);
+    cut.clear();
+    if (!publish(work, epoch) || !beginFirstCut(epoch))
+        return;
+    const QImage lassoImage = cut.lassoImage();
+    increaseProgress(epoch);
+    const RyInitialCut::Sets sets = cut.separateForegroundAndBackgroundSuperPixels(lassoImage);
+    if (session->isInterruptionRequested())
+        return;
+    increaseProgress(epoch);
+    cut.assignForegroundPixels(sets);
+    increaseProgress(epoch);
+    // A cut whose lasso was replaced meanwhile ends here, without asking the colour model.
+    if (session->isInterruptionRequested() || !publish(work, epoch))
+        return;
+    increaseProgress(epoch);
+    const QSet<int> background = cut.extractBackground(work.analysis->image());
+    increaseProgress(epoch);
+    cut.confirmPossibleBackground(background);
+}
+
 /// While the user looks at the mask; what there is no memory for now, the first gesture asks for.
-void RyImageSegmentation::prepareForCorrections(const QImage &mask)
+void RyImageSegmentation::Private::prepareForCorrections(const QImage &mask)
 {
     try {
-        d->buffers->prepare(mask);
-        d->coverage.prepare(mask.size());
+        buffers->prepare(mask);
+        coverage.prepare(mask.size());
     } catch (const std::bad_alloc &) {
         return;
     }
 }
 
-/// Grows the new lasso. When the regions at hand do not cover it, the host's thread starts a worker
-/// for it instead, unless something newer has come up by then.
-bool RyImageSegmentation::adoptLassoInsideTheLastOne(RySegmentationState &work, quint64 epoch)
+void RyImageSegmentation::Private::perform(const Request::Recut &, const Age &age)
 {
-    const QRect picture = work.picture.rect();
-    const QPainterPath path = RyLasso::snappedToBorder(work.lassoPath, picture.size());
-    const QRect area = RyLasso::boundingRect(path).adjusted(-1, -1, 1, 1) & picture;
-    const bool covered = RyLasso::isCovered(
-            path, area, [&work](QPainter &painter) { RyLasso::fill(painter, work.computedPath); });
-    RySlic slic; // what it cannot divide is the business of a worker, which then finds no regions
-    slic.setup(&work.analysis->image(), path);
-    if (!covered || slic.isDegenerate()) {
-        const auto startOver = [this, lasso = work.lassoPath, epoch] {
-            const auto isCurrent = [this, epoch] {
-                const QMutexLocker lock(&d->mutex);
-                return d->epoch == epoch;
-            };
-            if (isCurrent())
-                startInitialSegmentation(lasso);
-            const QMutexLocker lock(&d->mutex);
-            --d->restartsToCome;
-        };
-        {
-            const QMutexLocker lock(&d->mutex);
-            ++d->restartsToCome;
-        }
-        QMetaObject::invokeMethod(this, startOver, Qt::QueuedConnection);
-        return false;
-    }
-    work.expandedLasso = RyExpandedLasso(path, picture, RyInitialSegmentationWorker::marginPixels);
-    RySegmentationStatistics &statistics = work.statistics; // the worker's stages are not run again
-    statistics.colorPlanesMs = statistics.superPixelsMs = 0.0;
-    statistics.edgesWaitMs = statistics.regionsMs = statistics.graphCutMs = 0.0;
-    const QMutexLocker lock(&d->mutex);
-    if (d->epoch == epoch)
-        d->state.expandedLasso = work.expandedLasso;
-    return d->epoch == epoch;
-}
-
-void RyImageSegmentation::cutObjectInitial(RySegmentationState &work, quint64 epoch)
-{
-    if (isInterruptionRequested())
-        return;
-    RyInitialCut cut(work);
-    cut.clear();
-    int workerSteps = 0;
-    int total = 0;
+    CutMethod method = CutMethod::Classic;
+    bool records = false;
     {
-        const QMutexLocker lock(&d->mutex);
-        if (d->epoch != epoch)
-            return;
-        workerSteps = d->workerTotalSteps;
-        total = totalSteps();
+        const Lock lock(queue);
+        if (state.regions.isEmpty() || state.cut.mask.isNull() ||
+            state.regions.labels().size() != state.picture().size() || queue.isRestarting())
+            return; // nothing to cut, or a lasso that waits for its worker
+        method = cutMethod;
+        if (method == CutMethod::Classic && state.regions.records().isEmpty())
+            return; // regions that a host has made
+        records = recordsSteps;
     }
-    publishCut(work, epoch);
-    Q_EMIT segmentationProgress(workerSteps, total);
-
-    const QImage lassoImage = work.createImageWithLassoPath();
-    increaseAndUpdateProgressbar(epoch);
-    const QRect area = RyGeometry::roundedRect(work.expandedLasso.boundingRect());
-    const RyInitialCut::Sets sets =
-            cut.separateForegroundAndBackgroundSuperPixels(lassoImage, area);
-    if (isInterruptionRequested())
+    RyUndoCommandSegmentation::Memento before;
+    RyUndoCommandSegmentation::Memento after;
+    const auto cut = [&](RySegmentationState &work) {
+        before = remember(work.cut);
+        cutAnew(work, method);
+        after = remember(work.cut);
+    };
+    const std::optional<QImage> mask = change(cut, age.restores, age.epoch);
+    if (!mask)
         return;
-    increaseAndUpdateProgressbar(epoch);
-    cut.assignForegroundPixels(sets);
-    increaseAndUpdateProgressbar(epoch);
-    // A cut whose lasso was replaced meanwhile ends here, without asking the colour model.
-    if (isInterruptionRequested() || !publishCut(work, epoch))
+    if (!records) {
+        sendMask(*mask);
         return;
-    increaseAndUpdateProgressbar(epoch);
-    const QSet<int> background = cut.extractBackground(work.analysis->image());
-    increaseAndUpdateProgressbar(epoch);
-    cut.confirmPossibleBackground(background);
-}
-
-/// The same steps, as far as the host can tell.
-void RyImageSegmentation::cutObjectByGraph(RySegmentationState &work, quint64 epoch)
-{
-    int workerSteps = 0;
-    int total = 0;
-    {
-        const QMutexLocker lock(&d->mutex);
-        if (d->epoch != epoch)
-            return;
-        workerSteps = d->workerTotalSteps;
-        total = totalSteps();
     }
-    Q_EMIT segmentationProgress(workerSteps, total);
-    if (work.hasEarlyCut) // with what the user has corrected since
-        RyGraphFirstCut::adopt(work, work.foregroundMask);
-    else
-        RyGraphFirstCut::recut(work);
-    for (int step = 0; step < Private::stepsOfTheFirstCut; ++step)
-        increaseAndUpdateProgressbar(epoch);
+    const auto command = std::make_shared<RyUndoCommandSegmentation>(before, after, self);
+    undoController->accept(command);
+    sendMask(*mask);
+    QThreadPool::globalInstance()->start([command] { command->compact(); });
 }
 
-/// Makes a cut the session's state; false when it was overtaken. A memento that came after the lasso
-/// stays: it would have replaced the cut, and the regions alone are new.
-bool RyImageSegmentation::publishCut(const RySegmentationState &work, quint64 epoch)
+/// A first cut of the lasso at hand, without a word to the host until it is done.
+void RyImageSegmentation::Private::cutAnew(RySegmentationState &work, CutMethod method)
 {
-    const QMutexLocker lock(&d->mutex);
-    if (d->epoch != epoch)
-        return false;
-    d->state.statistics = work.statistics;
-    if (d->restoredLassos == d->lassos)
-        return true;
-    d->state.foregroundMask = work.foregroundMask;
-    d->state.foregroundClusters = work.foregroundClusters;
-    d->state.backgroundClusters = work.backgroundClusters;
-    d->state.maskColor = work.maskColor;
-    d->state.graphCut = work.graphCut;
-    d->state.graphCutLasso = work.graphCutLasso;
-    d->state.constraints = work.constraints;
-    ++d->revision;
-    return true;
-}
-
-bool RyImageSegmentation::isRestored() const
-{
-    const QMutexLocker lock(&d->mutex);
-    return d->restoredLassos == d->lassos;
+    if (method == CutMethod::GraphCut) {
+        if (const auto graphCut = work.analysis->graphCut(work.cut.lasso))
+            RyGraphFirstCut::recut(work.cut, *graphCut, work.regions);
+        return;
+    }
+    const bool isInverted = work.cut.constraints.isInverted();
+    work.cut.constraints = RyCutConstraints(work.picture().size());
+    RyInitialCut(work.cut, work.regions).cut(work.analysis->image());
+    if (isInverted)
+        work.cut.invert();
 }

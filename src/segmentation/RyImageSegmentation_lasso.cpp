@@ -3,63 +3,61 @@
 #include "RyLogger.h"
 #include "image/RyGeometry.h"
 #include "segmentation/RyImageSegmentation_p.h"
-#include "segmentation/RyLasso.h"
 
-#include <QMutexLocker>
+#include <utility>
 
 void RyImageSegmentation::startThreadWithInitialPath(const QPainterPath &thePath)
 {
     if (!RyGeometry::isFinite(thePath))
         return;
-    const QPainterPath path = RyLasso::ownCopy(thePath);
-    const QRect rect = RyLasso::boundingRect(path);
-    const bool insideTheLastOne = isValid() && d->lassoRect.contains(rect);
+    const RyPreparedLasso lasso(thePath, d->snapshot().picture().size());
+    bool reusesRegions = false;
+    bool hasToStart = false;
     {
-        const QMutexLocker lock(&d->mutex);
-        d->state.foregroundClusters.clear();
-        d->state.backgroundClusters.clear();
-        d->state.lassoPath = path;
-        ++d->lassos;
-        d->removeClicks();
-        for (Private::Request &request : d->requests)
-            request.isTemporary = false; // no gesture goes on beyond a lasso
-        ++d->epoch;
-        ++d->revision;
-        if (insideTheLastOne) {
-            d->pendingLasso = path;
+        const Private::Lock lock(d->queue);
+        reusesRegions = !d->state.regions.isEmpty() && !d->queue.hasWorker() &&
+                        d->lassoRect.contains(lasso.boundingRect());
+        d->state.cut = d->state.cut.awaiting(lasso);
+        d->queue.removeClicks();
+        d->queue.endGestures();
+        d->queue.beginEpoch();
+        if (reusesRegions) {
             d->currentStep = d->workerTotalSteps; // the worker's share is done already
+            hasToStart = d->queue.activateWith(Private::Request::FirstCut{lasso, {}, d->cutMethod});
         }
     }
-    if (insideTheLastOne)
-        startWithMode(InitialCut);
-    else
-        startInitialSegmentation(path);
+    if (hasToStart)
+        startSessionThread();
+    if (!reusesRegions)
+        startInitialSegmentation(lasso);
 }
 
-void RyImageSegmentation::startInitialSegmentation(const QPainterPath &path)
+void RyImageSegmentation::startInitialSegmentation(const RyPreparedLasso &lasso)
 {
-    if (d->worker) {
+    if (std::exchange(d->hasWorkerToReplace, true))
         RyLogger::instance().legacyLog(QStringLiteral("SEG:CancelThread"), false);
-        forgetWorker();
-    }
+    forgetWorker();
     reset();
-    if (d->worker)
-        return; // a slot that heard reset() has started a newer lasso
-    d->lassoRect = RyLasso::boundingRect(path);
-    d->worker = RyInitialSegmentationWorker::create(snapshot().analysis);
-    d->workerHasEnded = false;
+    const RySegmentationState state = d->snapshot();
+    if (d->worker || lasso.picture() != state.picture().size())
+        return; // a slot that heard reset() has brought a newer lasso, or another picture
+    d->lassoRect = lasso.boundingRect();
+    d->worker = RyInitialSegmentationWorker::create(state.analysis);
     {
-        const QMutexLocker lock(&d->mutex);
+        const Private::Lock lock(d->queue);
+        d->queue.setHasWorker(true);
         if (d->cutMethod == CutMethod::GraphCut)
-            d->worker->setGraphCut(d->maskColor.rgb());
+            d->worker->setGraphCut(d->maskColor);
     }
-    connect(d->worker.get(), &RyInitialSegmentationWorker::maskIsReady, this,
-            &RyImageSegmentation::showGraphCut);
+    connect(d->worker.get(), &RyInitialSegmentationWorker::cutIsReady, this,
+            &RyImageSegmentation::showFirstCut);
     connect(d->worker.get(), &RyInitialSegmentationWorker::updateProgress, this,
             &RyImageSegmentation::setProgressFromWorker);
     connect(d->worker.get(), &RyInitialSegmentationWorker::finished, this,
             &RyImageSegmentation::initialSegmentationIsFinished);
-    d->worker->startInitialSegmentation(path);
+    connect(d->worker.get(), &RyInitialSegmentationWorker::ended, this,
+            &RyImageSegmentation::releaseFormerWorker);
+    d->worker->startInitialSegmentation(lasso);
 }
 
 void RyImageSegmentation::forgetWorker()
@@ -67,7 +65,39 @@ void RyImageSegmentation::forgetWorker()
     if (!d->worker)
         return;
     d->worker->stop();
-    d->formerWorkers.push_back(std::move(d->worker));
+    if (!d->worker->hasEnded())
+        d->formerWorkers.push_back(std::move(d->worker));
+    d->worker.reset();
+    const Private::Lock lock(d->queue);
+    d->queue.setHasWorker(false);
+}
+
+void RyImageSegmentation::releaseFormerWorker()
+{
+    auto *const ended = qobject_cast<RyInitialSegmentationWorker *>(sender());
+    if (!ended)
+        return;
+    ended->noteEnd();
+    std::erase_if(d->formerWorkers, [ended](const auto &worker) { return worker.get() == ended; });
+}
+
+/// The worker's graph cut, while it goes on to the regions. Corrections of it stay.
+void RyImageSegmentation::showFirstCut()
+{
+    if (!d->worker || sender() != d->worker.get())
+        return;
+    const RyCut cut = d->worker->firstCut();
+    RyCut replaced; // goes after the lock
+    {
+        const Private::Lock lock(d->queue);
+        if (cut.mask.size() != d->state.picture().size())
+            return;
+        replaced = std::exchange(d->state.cut, cut);
+        d->queue.noteChange();
+        if (cut.color.rgb() != d->maskColor.rgb())
+            return; // the whole cut comes in the new colour, soon
+    }
+    Q_EMIT sendNewMask(cut.mask);
 }
 
 void RyImageSegmentation::initialSegmentationIsFinished()
@@ -79,38 +109,37 @@ void RyImageSegmentation::initialSegmentationIsFinished()
         finished->releaseResults(); // it was replaced when it had already finished
         return;
     }
-    const RyInitialSegmentationWorker::Results results = finished->results();
+    const RyRegions regions = finished->regions();
+    const RyPreparedLasso lasso = finished->lasso();
+    const auto analysis = finished->analysis();
+    const CutMethod method = finished->isByGraph() ? CutMethod::GraphCut : CutMethod::Classic;
     finished->releaseResults();
-    d->workerHasEnded = true;
-    if (results.labels.isNull() && !snapshot().picture.isNull()) {
-        Q_EMIT sendNewMask(QImage()); // too little memory; a host that waits has to hear something
-        return;
-    }
+    RyRegions replaced; // goes after the lock
+    bool isOutOfMemory = false;
+    bool hasToStart = false;
     {
-        const QMutexLocker lock(&d->mutex);
-        RySegmentationState &state = d->state;
-        if (results.labels.size() != state.picture.size())
-            return; // setImage() brought another picture meanwhile
-        // After cancel() the regions may be there without their rectangle; regions of a picture that
-        // setImage() has replaced serve no new lasso.
-        d->lassoRect = results.analysis == state.analysis ? RyLasso::boundingRect(state.lassoPath)
-                                                          : QRect();
-        state.expandedLasso = results.pathExpanded;
-        state.computedPath = results.path;
-        state.labels = results.labels;
-        state.superPixels = results.superPixels;
-        state.neighbours = results.neighbours;
-        state.pointsOfSuperpixels = results.pointsOfSuperPixels;
-        state.statistics = results.statistics;
-        state.graphCut = results.graphCut;
-        state.graphCutLasso = results.graphCutLasso; // state.lassoPath may be a memento's by now
-        if (!state.hasEarlyCut && d->restoredLassos != d->lassos)
-            state.constraints = RyCutConstraints(state.picture.size());
-        d->removeClicks();
-        ++d->epoch;
-        ++d->revision;
+        const Private::Lock lock(d->queue);
+        d->queue.setHasWorker(false);
+        const QSize picture = d->state.picture().size();
+        isOutOfMemory = regions.labels().isNull() && !picture.isEmpty();
+        if (!isOutOfMemory) {
+            if (regions.labels().size() != picture)
+                return; // setImage() brought another picture meanwhile
+            // After cancel() the regions may be there without their rectangle; regions of a picture
+            // that setImage() has replaced serve no new lasso.
+            d->lassoRect = analysis == d->state.analysis ? lasso.boundingRect() : QRect();
+            replaced = std::exchange(d->state.regions, regions);
+            d->queue.removeClicks();
+            d->queue.beginEpoch();
+            hasToStart = d->queue.activateWith(Private::Request::FirstCut{lasso, regions, method});
+        }
     }
-    startWithMode(InitialCut);
+    if (isOutOfMemory) {
+        Q_EMIT sendNewMask(QImage());
+        Q_EMIT failed(Failure::NoMemory);
+    }
+    if (hasToStart)
+        startSessionThread();
 }
 
 void RyImageSegmentation::setProgressFromWorker(int, int theTotalStep)
@@ -119,41 +148,34 @@ void RyImageSegmentation::setProgressFromWorker(int, int theTotalStep)
         return;
     quint64 epoch = 0;
     {
-        const QMutexLocker lock(&d->mutex);
+        const Private::Lock lock(d->queue);
         d->workerTotalSteps = theTotalStep;
-        epoch = d->epoch;
+        epoch = d->queue.age().epoch;
     }
-    increaseAndUpdateProgressbar(epoch);
+    d->increaseProgress(epoch);
 }
 
 void RyImageSegmentation::resetProgress()
 {
     int total = 0;
     {
-        const QMutexLocker lock(&d->mutex);
+        const Private::Lock lock(d->queue);
         d->currentStep = 0;
-        total = totalSteps();
+        total = d->totalSteps();
     }
     Q_EMIT segmentationProgress(0, total);
 }
 
-void RyImageSegmentation::increaseAndUpdateProgressbar(quint64 epoch)
+void RyImageSegmentation::Private::increaseProgress(quint64 epoch)
 {
     int current = 0;
     int total = 0;
     {
-        const QMutexLocker lock(&d->mutex);
-        if (d->epoch != epoch)
+        const Lock lock(queue);
+        if (queue.age().epoch != epoch)
             return; // steps of a cut that was overtaken
-        current = ++d->currentStep;
+        current = ++currentStep;
         total = totalSteps();
     }
-    Q_EMIT segmentationProgress(current, total);
-}
-
-/// A first cut is to come, which replaces mask and sets: clicks on what was there before must not
-/// come after it.
-void RyImageSegmentation::Private::removeClicks()
-{
-    std::erase_if(requests, [](const Request &request) { return request.isClick(); });
+    Q_EMIT session->segmentationProgress(current, total);
 }

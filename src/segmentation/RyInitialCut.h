@@ -1,6 +1,7 @@
 #pragma once
 
-#include "segmentation/RySegmentationState.h"
+#include "segmentation/RyCut.h"
+#include "segmentation/RyRegions.h"
 
 #include <utility>
 
@@ -11,9 +12,10 @@ class RyImage;
  *
  * A region is foreground when no scanned pixel of it lies outside the grown lasso, unless the
  * background colour model and its neighbourhood take it back. The steps run in the order of their
- * declaration; between them a session may publish the state or give up.
+ * declaration; between them a session may publish the cut or give up.
  *
- * Threads  works on the caller's state in the caller's thread; the colour model fans out over the
+ * Errors   std::bad_alloc.
+ * Threads  works on the caller's cut in the caller's thread; the colour model fans out over the
  *          global pool.
  */
 class RyInitialCut
@@ -21,20 +23,24 @@ class RyInitialCut
 public:
     using Sets = std::pair<QSet<int>, QSet<int>>; ///< labels met inside and outside the grown lasso
 
-    explicit RyInitialCut(RySegmentationState &state)
-        : m_state(state)
+    /// Cuts the lasso that the cut is of.
+    RyInitialCut(RyCut &cut, const RyRegions &regions)
+        : m_cut(cut)
+        , m_regions(regions)
     {}
 
-    /// All steps, with the state's own grown lasso and colour planes.
-    void cut();
+    /// All steps, with the picture's colour planes.
+    void cut(const RyImage &image);
 
-    /// Empties both sets and covers the whole picture with the mask colour.
+    /// Begins: both sides are empty, and the mask colour covers the whole picture.
     void clear();
 
-    /// Labels met in the area, whose right-hand column and bottom row are not looked at. A region
-    /// with pixels on both sides of the lasso's outline is in both sets.
-    Sets separateForegroundAndBackgroundSuperPixels(const QImage &lassoImage,
-                                                    const QRect &area) const;
+    /// The grown lasso, opaque white on black in the picture's size.
+    QImage lassoImage() const;
+
+    /// Labels met in the grown lasso's rectangle, whose right-hand column and bottom row are not
+    /// looked at. A region with pixels on both sides of the lasso's outline is in both sets.
+    Sets separateForegroundAndBackgroundSuperPixels(const QImage &lassoImage) const;
 
     /// Makes foreground what was met inside only.
     QSet<int> assignForegroundPixels(const Sets &sets);
@@ -48,5 +54,6 @@ public:
     QSet<int> confirmPossibleBackground(const QSet<int> &candidates);
 
 private:
-    RySegmentationState &m_state;
+    RyCut &m_cut;
+    const RyRegions &m_regions;
 };

@@ -5,7 +5,6 @@
 #include "regiongrowing/RyEdgeDetectorSobelColor.h"
 #include "regiongrowing/RyRegionGrowing.h"
 #include "segmentation/RyGraphFirstCut.h"
-#include "segmentation/RyLasso.h"
 #include "superpixels/RySlic.h"
 
 #include <QElapsedTimer>
@@ -46,9 +45,9 @@ RyInitialSegmentationWorker::RyInitialSegmentationWorker(
     , m_analysis(analysis)
 {}
 
-QFuture<void> RyInitialSegmentationWorker::startInitialSegmentation(const QPainterPath &path)
+QFuture<void> RyInitialSegmentationWorker::startInitialSegmentation(const RyPreparedLasso &lasso)
 {
-    m_lasso = path;
+    m_lasso = lasso;
     return QtConcurrent::run(QThreadPool::globalInstance(),
                              [self = shared_from_this()] { self->run(); });
 }
@@ -60,9 +59,10 @@ void RyInitialSegmentationWorker::stop()
 
 void RyInitialSegmentationWorker::releaseResults()
 {
-    m_results = {};
     m_analysis.reset();
     m_lasso = {};
+    m_firstCut = {};
+    m_regions = {};
 }
 
 void RyInitialSegmentationWorker::run()
@@ -70,41 +70,38 @@ void RyInitialSegmentationWorker::run()
     State expected = State::Created;
     if (m_state.compare_exchange_strong(expected, State::Running)) {
         Q_EMIT resetProgress();
-        Results results;
-        if (computeInAvailableMemory(results)) {
-            m_results = std::move(results);
-            expected = State::Running;
-            if (m_state.compare_exchange_strong(expected, State::Finished)) {
-                Q_EMIT finished();
-                return;
-            }
+        expected = State::Running;
+        if (computeInAvailableMemory() &&
+            m_state.compare_exchange_strong(expected, State::Finished)) {
+            Q_EMIT finished();
+            Q_EMIT ended();
+            return;
         }
     }
     releaseResults(); // stopped: nobody will read them
+    Q_EMIT ended();
 }
 
-/// As compute(); where memory runs out, the results are empty.
-bool RyInitialSegmentationWorker::computeInAvailableMemory(Results &results)
+/// As compute(); where memory runs out, there are no regions.
+bool RyInitialSegmentationWorker::computeInAvailableMemory()
 {
     try {
-        return compute(results);
+        return compute();
     } catch (const std::bad_alloc &) {
-        results = {};
+        m_regions = {};
         return m_state != State::Stopped;
     }
 }
 
 /// False when the worker was stopped on the way.
-bool RyInitialSegmentationWorker::compute(Results &results)
+bool RyInitialSegmentationWorker::compute()
 {
-    RySegmentationStatistics &statistics = results.statistics;
+    RySegmentationStatistics statistics;
     StageTimer timer;
-    results.analysis = m_analysis;
     const RyImage &image = m_analysis->image();
     statistics.colorPlanesMs = timer.lap();
-    results.path = RyLasso::snappedToBorder(m_lasso, image.size());
-    if (m_graphCutColor) {
-        cutByGraph(results);
+    if (isByGraph()) {
+        cutByGraph();
         statistics.graphCutMs = timer.lap();
         if (m_state == State::Stopped)
             return false;
@@ -112,19 +109,18 @@ bool RyInitialSegmentationWorker::compute(Results &results)
 
     // Beside SLIC; joined by its destructor at the latest, so before the planes can go away.
     RyEdgeDetectorSobelColor edgeDetector;
-    std::optional<RyPictureAnalysis::Edges> edges = m_analysis->edges();
-    if (!edges) {
+    if (!m_analysis->edges()) {
         edgeDetector.setup(&image);
         edgeDetector.start(QThread::InheritPriority);
     }
-    results.pathExpanded = RyExpandedLasso(results.path, image.rect(), marginPixels);
+    m_lasso.grown(); // for the cuts to come, which have people waiting for them
     if (m_state == State::Stopped)
         return false;
 
     RySlic slic;
     connect(&slic, &RySlic::increaseProgress, this,
             &RyInitialSegmentationWorker::increaseAndUpdateProgressbar);
-    slic.setup(&image, results.path);
+    slic.setup(&image, m_lasso.snapped());
     slic.run();
     statistics.requestedSuperPixels = slic.requestedSuperPixels();
     statistics.superPixels = int(slic.clusterInformations().size()) - 1;
@@ -132,41 +128,49 @@ bool RyInitialSegmentationWorker::compute(Results &results)
     if (m_state == State::Stopped)
         return false;
 
-    if (!edges) {
-        edgeDetector.wait();
-        edges = RyPictureAnalysis::Edges{edgeDetector.sobel(), edgeDetector.mean()};
-        if (!edges->sobel.isNull()) // too little memory now need not be for ever
-            m_analysis->setEdges(*edges);
-    }
+    const RyPictureAnalysis::Edges known = edges(edgeDetector);
     statistics.edgesWaitMs = timer.lap();
     RyRegionGrowing regionGrowing;
     connect(&regionGrowing, &RyRegionGrowing::increaseProgress, this,
             &RyInitialSegmentationWorker::increaseAndUpdateProgressbar);
-    regionGrowing.setup(&image, results.path, edges->sobel, edges->statistic);
+    regionGrowing.setup(&image, m_lasso.snapped(), known.sobel, known.statistic);
     regionGrowing.setClusterData(slic.clusterInformations(), slic.superPixelAssignments());
     regionGrowing.run();
-    results.labels = regionGrowing.labels();
-    results.superPixels = regionGrowing.superPixelInformations();
-    results.neighbours = regionGrowing.neighbors();
-    results.pointsOfSuperPixels = regionGrowing.superPixelPoints();
-    statistics.regions = int(results.superPixels.size()) - 1;
+    statistics.regions = int(regionGrowing.superPixelInformations().size()) - 1;
     statistics.regionsMs = timer.lap();
+    m_regions = RyRegions({.labels = regionGrowing.labels(),
+                           .points = regionGrowing.superPixelPoints(),
+                           .records = regionGrowing.superPixelInformations(),
+                           .neighbours = regionGrowing.neighbors(),
+                           .lasso = m_lasso,
+                           .statistics = statistics});
     return m_state != State::Stopped;
 }
 
-void RyInitialSegmentationWorker::cutByGraph(Results &results)
+/// The picture's edges, which are known or come from the detector.
+RyPictureAnalysis::Edges RyInitialSegmentationWorker::edges(RyEdgeDetectorSobelColor &detector)
 {
-    const QImage picture = m_analysis->image().imageRGB();
-    // As it was drawn: a hand that kept off the border has drawn a margin there as elsewhere.
-    results.graphCutLasso = RyLasso::movedIntoPicture(m_lasso, picture.size());
-    results.graphCut = RyGraphFirstCut::analyse(picture, results.graphCutLasso);
-    if (!results.graphCut || m_state == State::Stopped)
+    if (const auto known = m_analysis->edges())
+        return *known;
+    detector.wait();
+    const RyPictureAnalysis::Edges detected{detector.sobel(), detector.mean()};
+    if (!detected.sobel.isNull()) // too little memory now need not be for ever
+        m_analysis->setEdges(detected);
+    return detected;
+}
+
+void RyInitialSegmentationWorker::cutByGraph()
+{
+    const auto graphCut = m_analysis->graphCut(m_lasso);
+    if (!graphCut || m_state == State::Stopped)
         return;
-    const QImage mask =
-            RyGraphFirstCut::mask(*results.graphCut, {}, picture.size(), *m_graphCutColor);
-    if (mask.isNull())
-        throw std::bad_alloc();
-    Q_EMIT maskIsReady(mask);
+    RyCut cut;
+    cut.color = *m_graphCutColor;
+    cut.constraints = RyCutConstraints(m_lasso.picture());
+    cut.lasso = m_lasso;
+    RyGraphFirstCut::recut(cut, *graphCut, {});
+    m_firstCut = cut;
+    Q_EMIT cutIsReady();
 }
 
 void RyInitialSegmentationWorker::increaseAndUpdateProgressbar()
@@ -178,18 +182,19 @@ void RyInitialSegmentationWorker::increaseAndUpdateProgressbar()
 QImage RyInitialSegmentationWorker::drawClustersWithTransparentColorsAndContours() const
 {
     QList<QRgb> colors;
-    if (!m_results.analysis)
+    if (!m_analysis)
         return {};
-    for (const RySuperPixel &superPixel : m_results.superPixels)
-        colors.append(superPixel.averageRgb());
-    QImage picture = m_results.analysis->image().imageRGB();
-    const QRect area = picture.rect() & m_results.labels.rect();
+    for (const RySuperPixel &region : m_regions.records())
+        colors.append(region.averageRgb());
+    QImage picture = m_analysis->image().imageRGB();
+    const QImage &labels = m_regions.labels();
+    const QRect area = picture.rect() & labels.rect();
     for (int y = 0; y < area.height(); ++y) {
-        const qint32 *const labels = RyLabelImage::row(m_results.labels, y);
+        const qint32 *const row = RyLabelImage::row(labels, y);
         auto *const out = reinterpret_cast<QRgb *>(picture.scanLine(y));
         for (int x = 0; x < area.width(); ++x) {
-            if (labels[x] >= 0 && labels[x] < colors.size())
-                out[x] = colors.at(labels[x]);
+            if (row[x] >= 0 && row[x] < colors.size())
+                out[x] = colors.at(row[x]);
         }
     }
     return picture;

@@ -1,8 +1,8 @@
 #include "segmentation/RyLasso.h"
 
+#include "RyImageMemory.h"
 #include "image/RyGeometry.h"
 
-#include <QImage>
 #include <QPainter>
 
 #include <algorithm>
@@ -72,6 +72,17 @@ QPainterPath RyLasso::ownCopy(const QPainterPath &path)
 void RyLasso::fill(QPainter &painter, const QPainterPath &path)
 {
     painter.fillPath(ownCopy(path), Qt::white);
+}
+
+QImage RyLasso::onBlack(const QSize &size, const std::function<void(QPainter &)> &fill)
+{
+    QImage image = RyImageMemory::image(size, QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        return image;
+    image.fill(Qt::black);
+    QPainter painter(&image);
+    fill(painter);
+    return image;
 }
 
 bool RyLasso::isCovered(const QPainterPath &inner, const QRect &area,

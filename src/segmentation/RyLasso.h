@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QPainterPath>
 #include <QRect>
 #include <QSize>
@@ -33,6 +34,10 @@ QPainterPath ownCopy(const QPainterPath &path);
 /// Fills a path opaque white from a copy of its own, since the rasteriser keeps its outline in the
 /// path.
 void fill(QPainter &painter, const QPainterPath &path);
+
+/// What fill(painter) fills opaque white, on black: Format_ARGB32_Premultiplied, null where memory is
+/// short.
+QImage onBlack(const QSize &size, const std::function<void(QPainter &)> &fill);
 
 /// True when fillOuter(painter), which fills something in picture coordinates, fills every pixel of
 /// the area that inner fills. Time O(area).

@@ -1,5 +1,8 @@
 #include "segmentation/RyPictureAnalysis.h"
 
+#include "graphcut/RyGraphCut.h"
+#include "segmentation/RyGraphFirstCut.h"
+
 #include <QMutexLocker>
 
 #include <new>
@@ -18,7 +21,6 @@ const RyImage &RyPictureAnalysis::image()
         if (image->imageYCbCr().isNull() && !m_picture.isNull())
             throw std::bad_alloc();
         m_image = std::move(image);
-        m_picture = QImage();
     }
     return *m_image;
 }
@@ -33,4 +35,27 @@ void RyPictureAnalysis::setEdges(const Edges &edges)
 {
     const QMutexLocker lock(&m_mutex);
     m_edges = edges;
+}
+
+std::shared_ptr<const RyGraphCut> RyPictureAnalysis::graphCut(const RyPreparedLasso &lasso)
+{
+    const QImage picture = image().imageRGB();
+    {
+        const QMutexLocker lock(&m_graphCutMutex);
+        if (m_graphCut && m_lasso == lasso)
+            return m_graphCut;
+    }
+    auto graphCut = RyGraphFirstCut::analyse(picture, lasso.insidePicture());
+    const QMutexLocker lock(&m_graphCutMutex);
+    m_lasso = lasso;
+    m_graphCut = graphCut;
+    return graphCut;
+}
+
+void RyPictureAnalysis::forgetGraphCut()
+{
+    std::shared_ptr<const RyGraphCut> forgotten; // goes after the lock
+    const QMutexLocker lock(&m_graphCutMutex);
+    forgotten.swap(m_graphCut);
+    m_lasso = {};
 }

@@ -52,8 +52,8 @@ void paintPoints(RyMaskBuffers::Draft &mask, const QList<QPoint> &points, QRgb c
 
 void RyRefinement::cutObjectWithClicker(const QPointF &position)
 {
-    const int label = m_state.safeGetSuperPixelAt(RyGeometry::roundedPoint(position));
-    moveToSide({label}, !m_state.foregroundClusters.contains(label));
+    const int label = m_regions.at(RyGeometry::roundedPoint(position));
+    moveToSide({label}, !m_cut.foreground.contains(label));
 }
 
 void RyRefinement::cutObjectWithScribble(const RyStroke &stroke, RyStrokeCoverage &coverage,
@@ -67,9 +67,9 @@ void RyRefinement::cutObjectWithPaintSelection(const RyStroke &stroke, RyStrokeC
                                                bool isForeground)
 {
     RyLogger::instance().legacyLog(QStringLiteral("SEG:CutIS"), false);
-    const QImage &labels = m_state.labels;
+    const QImage &labels = m_regions.labels();
     QSet<int> selected;
-    if (!labels.isNull() && labels.size() == m_state.foregroundMask.size()) {
+    if (!labels.isNull() && labels.size() == m_cut.mask.size()) {
         const QRect area = RyLasso::boundingRect(stroke.boundingRect());
         coverage.forEachRun(stroke, labels.size(), [&](int y, int left, int right) {
             if (y < area.top() || y > area.bottom())
@@ -84,14 +84,13 @@ void RyRefinement::cutObjectWithPaintSelection(const RyStroke &stroke, RyStrokeC
         });
     }
     moveToSide(selected, isForeground);
-    m_state.lastUserStroke = stroke;
 }
 
 QImage RyRefinement::maskWithSegments(const QSet<int> &labels, bool isForeground) const
 {
-    if (!m_state.hasMaskOfRegions())
-        return m_state.foregroundMask;
-    RyMaskBuffers::Draft mask = m_buffers.copyOf(m_state.foregroundMask);
+    if (!m_cut.canShow(m_regions))
+        return m_cut.mask;
+    RyMaskBuffers::Draft mask = m_buffers.copyOf(m_cut.mask);
     const QRgb topLeft = *mask.row(0);
     paint(mask, labels, isForeground);
     *mask.row(0) = topLeft;
@@ -101,43 +100,37 @@ QImage RyRefinement::maskWithSegments(const QSet<int> &labels, bool isForeground
 void RyRefinement::drawPathOnForegroundUserMask(const RyStroke &stroke, RyStrokeCoverage &coverage,
                                                 bool isForeground)
 {
-    if (m_state.foregroundMask.isNull())
+    if (m_cut.mask.isNull())
         return;
-    const QRgb color = m_state.sideColor(isForeground);
-    RyMaskBuffers::Draft mask = m_buffers.copyOf(m_state.foregroundMask);
-    coverage.forEachRun(stroke, m_state.foregroundMask.size(), [&](int y, int left, int right) {
+    const QRgb color = m_cut.sideColor(isForeground);
+    RyMaskBuffers::Draft mask = m_buffers.copyOf(m_cut.mask);
+    coverage.forEachRun(stroke, m_cut.mask.size(), [&](int y, int left, int right) {
         std::fill(mask.row(y) + left, mask.row(y) + right, color);
         mask.touched().markRun(y, left, right);
-        fix(y, left, right, isForeground);
+        m_cut.fix(y, left, right, isForeground);
     });
-    m_state.foregroundMask = mask.finish();
-}
-
-void RyRefinement::fix(int y, int left, int right, bool isForeground)
-{
-    if (m_state.graphCut || m_state.hasEarlyCut)
-        m_state.constraints.fix(y, left, right, isForeground);
+    m_cut.mask = mask.finish();
 }
 
 void RyRefinement::moveToSide(const QSet<int> &labels, bool isForeground)
 {
     for (const int label : labels)
-        m_state.moveToSide(label, isForeground);
-    if (labels.isEmpty() || !m_state.hasMaskOfRegions())
+        m_cut.moveToSide(label, isForeground);
+    if (labels.isEmpty() || !m_cut.canShow(m_regions))
         return;
-    RyMaskBuffers::Draft mask = m_buffers.copyOf(m_state.foregroundMask);
+    RyMaskBuffers::Draft mask = m_buffers.copyOf(m_cut.mask);
     paint(mask, labels, isForeground);
-    m_state.foregroundMask = mask.finish();
+    m_cut.mask = mask.finish();
     for (const int label : labels) {
-        forEachRun(m_state.pointsOf(label), m_state.labels.width(),
-                   [&](int y, int left, int right) { fix(y, left, right, isForeground); });
+        forEachRun(m_regions.pointsOf(label), m_regions.labels().width(),
+                   [&](int y, int left, int right) { m_cut.fix(y, left, right, isForeground); });
     }
 }
 
 void RyRefinement::paint(RyMaskBuffers::Draft &mask, const QSet<int> &labels,
                          bool isForeground) const
 {
-    const QRgb color = m_state.sideColor(isForeground);
+    const QRgb color = m_cut.sideColor(isForeground);
     for (const int label : labels)
-        paintPoints(mask, m_state.pointsOf(label), color);
+        paintPoints(mask, m_regions.pointsOf(label), color);
 }

@@ -1,27 +1,30 @@
 #pragma once
 
+#include "segmentation/RyCut.h"
 #include "segmentation/RyMaskBuffers.h"
-#include "segmentation/RySegmentationState.h"
+#include "segmentation/RyRegions.h"
 
 #include <QImage>
 #include <QPointF>
 #include <QSet>
 
+class RyStroke;
 class RyStrokeCoverage;
 
 /**
- * A user's corrections of a cut, on a session's state. Regions move from one side to the other, or
+ * A user's corrections of a cut. Regions move from one side to the other, or
  * a stroke paints its own pixels; new masks come from the session's buffers.
  *
  * Errors   std::bad_alloc, and then only the sets may have changed. Nothing is painted while there
  *          is no mask, or while mask and labels differ in size.
- * Threads  works on the state in the caller's thread.
+ * Threads  works on the cut in the caller's thread.
  */
 class RyRefinement
 {
 public:
-    RyRefinement(RySegmentationState &state, RyMaskBuffers &buffers)
-        : m_state(state)
+    RyRefinement(RyCut &cut, const RyRegions &regions, RyMaskBuffers &buffers)
+        : m_cut(cut)
+        , m_regions(regions)
         , m_buffers(buffers)
     {}
 
@@ -41,10 +44,10 @@ public:
 private:
     void drawPathOnForegroundUserMask(const RyStroke &stroke, RyStrokeCoverage &coverage,
                                       bool isForeground);
-    void fix(int y, int left, int right, bool isForeground);
     void moveToSide(const QSet<int> &labels, bool isForeground);
     void paint(RyMaskBuffers::Draft &mask, const QSet<int> &labels, bool isForeground) const;
 
-    RySegmentationState &m_state;
+    RyCut &m_cut;
+    const RyRegions &m_regions;
     RyMaskBuffers &m_buffers;
 };

@@ -16,14 +16,6 @@ QRectF RyStroke::boundingRect() const
     return rect;
 }
 
-QPainterPath RyStroke::united() const
-{
-    QPainterPath result;
-    for (const QPainterPath &path : m_paths)
-        result = result.isEmpty() ? path : result.united(path);
-    return result;
-}
-
 void RyStroke::fill(QPainter &painter) const
 {
     for (const QPainterPath &path : m_paths)

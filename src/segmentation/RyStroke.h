@@ -23,8 +23,9 @@ public:
     bool isEmpty() const { return m_paths.isEmpty(); }
     /// As of the united path.
     QRectF boundingRect() const;
-    /// All paths as one. Takes time in proportion to what they hold and to how much they cross.
-    QPainterPath united() const;
+    qsizetype pathCount() const { return m_paths.size(); }
+    /// The first of them; empty where there is none.
+    QPainterPath firstPath() const { return m_paths.value(0); }
     /// Opaque white.
     void fill(QPainter &painter) const;
 

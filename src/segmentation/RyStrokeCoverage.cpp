@@ -55,6 +55,16 @@ void RyStrokeCoverage::forEachRun(const RyStroke &stroke, const QSize &picture,
     m_covered.swap(covered);
 }
 
+QPainterPath RyStrokeCoverage::outline(const RyStroke &stroke, const QSize &picture)
+{
+    if (stroke.pathCount() < 2)
+        return stroke.firstPath();
+    QPainterPath path;
+    forEachRun(stroke, picture,
+               [&path](int y, int left, int right) { path.addRect(left, y, right - left, 1); });
+    return path;
+}
+
 void RyStrokeCoverage::prepare(const QSize &picture)
 {
     if (m_covered.size() == picture)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QPainterPath>
 #include <QRect>
 #include <QSize>
 
@@ -27,6 +28,9 @@ public:
     /// Visits what the stroke covers of the picture, from top to bottom and left to right; a row
     /// may have several runs.
     void forEachRun(const RyStroke &stroke, const QSize &picture, const VisitRun &visit);
+    /// The stroke as one path: as it was drawn where it has one, else made of the runs of pixels that
+    /// it covers of the picture. Path algebra would take seconds for strokes of a thousand points.
+    QPainterPath outline(const RyStroke &stroke, const QSize &picture);
 
 private:
     QImage m_covered; // Format_Grayscale8

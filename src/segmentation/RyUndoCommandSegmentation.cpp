@@ -1,6 +1,5 @@
 #include "segmentation/RyUndoCommandSegmentation.h"
 
-#include "graphcut/RyCutConstraints.h"
 #include "segmentation/RyImageSegmentation.h"
 
 #include <QMutexLocker>
@@ -8,11 +7,11 @@
 #include <new>
 
 RyUndoCommandSegmentation::RyUndoCommandSegmentation(
-        std::unique_ptr<RyMementoSegmentation> before, std::unique_ptr<RyMementoSegmentation> after,
+        const Memento &before, const Memento &after,
         const QPointer<RyImageSegmentation> &segmentation)
     : RyUndoCommand(QStringLiteral("UndoSegmentation"), nullptr, false)
-    , m_before(std::move(before))
-    , m_after(std::move(after))
+    , m_before(before)
+    , m_after(after)
     , m_segmentation(segmentation)
 {}
 
@@ -38,9 +37,7 @@ qint64 RyUndoCommandSegmentation::sizeInBytes() const
     const qint64 masks =
             m_isCompact ? m_before->sizeInBytes() + m_after->sizeInBytes()
                         : m_before->compactedSizeInBytes() + m_after->compactedSizeInBytes();
-    const auto before = m_before->constraints();
-    const auto after = m_after->constraints();
-    return masks + (before && after ? after->bytesBeyond(*before) : 0);
+    return masks + m_after->correctionBytesBeyond(*m_before);
 }
 
 void RyUndoCommandSegmentation::undoCore()
@@ -62,7 +59,7 @@ RyUndoCommandSegmentation::Memento RyUndoCommandSegmentation::locked(const Memen
 void RyUndoCommandSegmentation::restore(const Memento &memento)
 {
     if (m_segmentation)
-        m_segmentation->setMemento(*memento);
+        m_segmentation->setMemento(memento.get());
     else
         setObsolete(true);
 }

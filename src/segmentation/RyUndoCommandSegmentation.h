@@ -20,8 +20,9 @@ class RyImageSegmentation;
 class RyUndoCommandSegmentation : public RyUndoCommand
 {
 public:
-    RyUndoCommandSegmentation(std::unique_ptr<RyMementoSegmentation> before,
-                              std::unique_ptr<RyMementoSegmentation> after,
+    using Memento = std::shared_ptr<const RyMementoSegmentation>;
+
+    RyUndoCommandSegmentation(const Memento &before, const Memento &after,
                               const QPointer<RyImageSegmentation> &segmentation);
 
     /// Keeps the masks in less memory from now on, if there is the memory to do it; takes time in
@@ -35,8 +36,6 @@ protected:
     void doCoreAction() override;
 
 private:
-    using Memento = std::shared_ptr<const RyMementoSegmentation>;
-
     Memento locked(const Memento &memento) const;
     void restore(const Memento &memento);
 

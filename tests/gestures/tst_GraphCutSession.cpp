@@ -4,6 +4,7 @@
 #include "support/ReferenceRefinement.h"
 #include "support/Samples.h"
 #include "support/SessionDriver.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QRandomGenerator>
@@ -169,7 +170,7 @@ void tst_GraphCutSession::keepsCorrectionsOfTheEarlyMask()
     const QPainterPath stroke = Samples::rectangle(60, 10, 50, 60);
     GraphDriver driver;
     RyImageSegmentation &session = driver.session;
-    ReferenceRefinement expected(*session.createMemento(false));
+    ReferenceRefinement expected(*mementoOf(session, false));
     expected.mask = freshCut(smallLasso);
     session.startThreadWithInitialPath(smallLasso);
     // Asked for while the host hears the early mask, so before the regions can be adopted.
@@ -402,19 +403,20 @@ void tst_GraphCutSession::staysInverted()
 
 void tst_GraphCutSession::recutsTheLassoOfAMemento()
 {
-    for (const bool isLate : {true, false}) {
-        GraphDriver driver;
-        driver.cut(smallLasso);
-        driver.scribble(strokeAt(2), false);
-        const QImage expected = driver.recut();
-        const auto memento = driver.session.createMemento(false);
-        driver.session.startThreadWithInitialPath(beside);
-        if (isLate)
-            QVERIFY(driver.settle());
-        driver.session.setMemento(*memento); // maybe while the regions of the lasso are computed
-        QVERIFY(driver.settle());
-        QCOMPARE(driver.recut(), expected);
-    }
+    GraphDriver driver;
+    driver.cut(smallLasso);
+    driver.scribble(strokeAt(2), false);
+    const QImage expected = driver.recut();
+    const auto memento = mementoOf(driver.session, false);
+    const QImage cutBeside = driver.cut(beside);
+    driver.session.setMemento(memento.get());
+    QCOMPARE(driver.recut(), expected);
+    driver.session.startThreadWithInitialPath(Samples::rectangle(0, 0, 20, 20));
+    driver.session.startThreadWithInitialPath(beside);
+    driver.session.setMemento(memento.get()); // the lasso goes on, and its cut comes last
+    QVERIFY(driver.settle());
+    QCOMPARE(driver.session.maskForeground(), cutBeside);
+    QCOMPARE(driver.progress.last(), std::pair(14, 14));
 }
 
 void tst_GraphCutSession::recutsRestoredRegions_data()
@@ -440,21 +442,21 @@ void tst_GraphCutSession::recutsRestoredRegions()
     QFETCH(std::function<void(GraphDriver &)>, between);
     GraphDriver driver(smallPhotograph(), method);
     driver.cut(smallLasso);
-    const auto memento = driver.session.createMemento(true);
+    const auto memento = mementoOf(driver.session, true);
     const ReferenceRefinement expected(driver.session);
     between(driver);
     QVERIFY(driver.answered());
-    driver.session.setMemento(*memento->compacted());
+    driver.session.setMemento(memento->compacted().get());
     driver.session.startThreadWithPaintSelection(beside, true, false);
     QVERIFY(driver.answered());
-    driver.session.setMemento(*memento); // without what the stroke has fixed
+    driver.session.setMemento(memento.get()); // without what the stroke has fixed
     driver.recut();
     QCOMPARE(expected.differenceTo(driver.session), QString());
     QVERIFY(driver.session.containsPath(inside));
     // Regions that nothing more is known of than a host can know.
     const RyMementoSegmentation made(smallLasso, {}, {}, expected.mask, memento->labels(),
                                      memento->pointsOfSuperpixels(), Qt::white);
-    driver.session.setMemento(made);
+    driver.session.setMemento(&made);
     driver.recut();
     if (method == CutMethod::GraphCut)
         QCOMPARE(expected.differenceTo(driver.session), QString());
@@ -467,9 +469,9 @@ void tst_GraphCutSession::keepsCorrectionsAfterAnEarlyMemento()
     GraphDriver driver;
     driver.cut(smallLasso);
     driver.session.reset(); // the mask stays
-    const auto early = driver.session.createMemento(false);
+    const auto early = mementoOf(driver.session, false);
     driver.cut(smallLasso);
-    driver.session.setMemento(*early);
+    driver.session.setMemento(early.get());
     QPainterPath stroke = strokeAt(2);
     driver.session.startThreadWithScribble(stroke, false, false);
     QVERIFY(driver.answered());
@@ -526,13 +528,10 @@ void tst_GraphCutSession::recutsWhenever_data()
     });
     row("with a host's memento", false, [](auto &driver) {
         driver.cut(smallLasso);
-        driver.session.setMemento({inside,
-                                   {1, 900},
-                                   {-3},
-                                   smallPhotograph(),
-                                   smallPhotograph(),
-                                   QList<QList<QPoint>>(9, {{-1, -1}, {3, 3}}),
-                                   Qt::white});
+        const RyMementoSegmentation made(inside, {1, 900}, {-3}, smallPhotograph(),
+                                         smallPhotograph(),
+                                         QList<QList<QPoint>>(9, {{-1, -1}, {3, 3}}), Qt::white);
+        driver.session.setMemento(&made);
         driver.session.recut();
         QVERIFY(driver.answered());
         QCOMPARE(driver.session.maskForeground(), freshCut(inside));
@@ -541,13 +540,10 @@ void tst_GraphCutSession::recutsWhenever_data()
         const QImage mask = driver.cut(smallLasso);
         const QList<QList<QPoint>> wild(400, {{100000, 100000}});
         driver.session.setCutMethod(CutMethod::Classic);
-        driver.session.setMemento({smallLasso,
-                                   {1},
-                                   {2},
-                                   mask,
-                                   driver.session.createMemento(true)->labels(),
-                                   wild,
-                                   Qt::white});
+        const RyMementoSegmentation made(smallLasso, {1}, {2}, mask,
+                                         mementoOf(driver.session, true)->labels(), wild,
+                                         Qt::white);
+        driver.session.setMemento(&made);
         driver.session.recut();
         QVERIFY(driver.answered());
         driver.session.setCutMethod(CutMethod::GraphCut);
@@ -613,7 +609,7 @@ void tst_GraphCutSession::endsWithWhatItCuts()
 void tst_GraphCutSession::takesANewColour()
 {
     QImage expected = freshCut(smallLasso);
-    ReferenceRefinement reference(*GraphDriver().session.createMemento(false));
+    ReferenceRefinement reference(*mementoOf(GraphDriver().session, false));
     reference.mask = expected;
     reference.recolour(QColor(Qt::red).rgb());
     for (int pause = 0; pause < 16; pause += 3) {
@@ -627,9 +623,9 @@ void tst_GraphCutSession::takesANewColour()
         QVERIFY(driver.settle());
         QCOMPARE(driver.masks.last(), reference.mask);
         QCOMPARE(driver.session.maskForeground(), reference.mask);
-        QCOMPARE(driver.session.createMemento(false)->maskColor(), QColor(Qt::red));
+        QCOMPARE(mementoOf(driver.session, false)->maskColor(), QColor(Qt::red));
     }
 }
 
-QTEST_MAIN(tst_GraphCutSession)
+RY_TEST_CLASS(tst_GraphCutSession, QApplication)
 #include "tst_GraphCutSession.moc"

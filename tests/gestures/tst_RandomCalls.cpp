@@ -2,6 +2,7 @@
 #include "segmentation/RyImageSegmentation.h"
 #include "support/Samples.h"
 #include "support/SessionDriver.h"
+#include "support/TestClasses.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -114,7 +115,7 @@ void tst_RandomCalls::survive()
         size = picture.size();
         return picture;
     };
-    std::unique_ptr<RyMementoSegmentation> kept = session.createMemento(true);
+    std::unique_ptr<RyMementoSegmentation> kept = mementoOf(session, true);
     const QList<std::function<void()>> rarely{
             [&] { session.setup(take(dice.picture()), {}); },
             [&] { session.setImage(take(dice.picture())); },
@@ -135,9 +136,12 @@ void tst_RandomCalls::survive()
             [&] { session.superpixels(dice.point(), dice.below(90)); },
             [&] { session.pointsOfSuperpixel(dice.point()); },
             [&] { session.maskWithSegments(dice.labels(), dice.coin()); },
-            [&] { kept = session.createMemento(dice.coin()); },
-            [&] { session.setMemento(*kept); },
-            [&] { session.setMemento(dice.memento()); },
+            [&] { kept = mementoOf(session, dice.coin()); },
+            [&] { session.setMemento(kept.get()); },
+            [&] {
+                const RyMementoSegmentation made = dice.memento();
+                session.setMemento(&made);
+            },
             [&] { session.setCutMethod(dice.method()); },
             [&] { session.recut(); },
             [&] { QThread::usleep(dice.random.bounded(300U)); },
@@ -160,7 +164,7 @@ void tst_RandomCalls::survive()
             dice.gesture(session);
         if (dice.below(6) == 0)
             QCoreApplication::processEvents();
-        const auto memento = driver.session.createMemento(false);
+        const auto memento = mementoOf(driver.session, false);
         QVERIFY(!memento->foregroundClusters().intersects(memento->backgroundClusters()));
         const QSize maskSize = memento->mask().size();
         QVERIFY(maskSize.isEmpty() || maskSize == size || maskSize == strange);
@@ -238,5 +242,5 @@ void tst_RandomCalls::cutsOnceForALasso()
     QCOMPARE(driver.progress.last(), std::pair(14, 14));
 }
 
-QTEST_MAIN(tst_RandomCalls)
+RY_TEST_CLASS(tst_RandomCalls, QApplication)
 #include "tst_RandomCalls.moc"

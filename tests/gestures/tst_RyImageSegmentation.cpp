@@ -3,6 +3,7 @@
 #include "support/Pixels.h"
 #include "support/Samples.h"
 #include "support/SessionDriver.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QHashSeed>
@@ -50,7 +51,7 @@ namespace {
 
 QImage labelsOf(const SessionDriver &driver)
 {
-    return driver.session.createMemento(true)->labels();
+    return mementoOf(driver.session, true)->labels();
 }
 
 QImage smallPhotograph()
@@ -433,7 +434,7 @@ void tst_RyImageSegmentation::inverts()
     QCOMPARE(Pixels::foreground(driver.session.maskForeground()), background);
     driver.session.setMaskIsInverted(false); // at once
     QCOMPARE(driver.session.maskForeground(), mask);
-    const auto memento = driver.session.createMemento(false);
+    const auto memento = mementoOf(driver.session, false);
     QVERIFY(memento->labels().isNull() && memento->pointsOfSuperpixels().isEmpty());
     QCOMPARE(memento->mask(), mask);
 }
@@ -519,5 +520,5 @@ void tst_RyImageSegmentation::keepsItsSize()
              qPrintable(QStringLiteral("%1 pages, then %2").arg(early).arg(late)));
 }
 
-QTEST_MAIN(tst_RyImageSegmentation)
+RY_TEST_CLASS(tst_RyImageSegmentation, QApplication)
 #include "tst_RyImageSegmentation.moc"

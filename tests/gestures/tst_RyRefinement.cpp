@@ -2,6 +2,7 @@
 #include "support/ReferenceRefinement.h"
 #include "support/Samples.h"
 #include "support/SessionDriver.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QMetaMethod>
@@ -193,7 +194,7 @@ void tst_RyRefinement::refinesWithoutRegions()
     };
     QVERIFY(refine());
     QVERIFY(session.maskForeground().isNull());
-    QCOMPARE(session.createMemento(false)->foregroundClusters(), QSet{0});
+    QCOMPARE(mementoOf(session, false)->foregroundClusters(), QSet{0});
     for (const int diameter : {1, 2, 40})
         QVERIFY(session.superpixels({70, 50}, diameter).isEmpty());
     QVERIFY(session.pointsOfSuperpixel({70, 50}).isEmpty());
@@ -511,5 +512,5 @@ void tst_RyRefinement::sharesTheNewestSide()
     QVERIFY(unused.differenceTo(driver.session) != QString());
 }
 
-QTEST_MAIN(tst_RyRefinement)
+RY_TEST_CLASS(tst_RyRefinement, QApplication)
 #include "tst_RyRefinement.moc"

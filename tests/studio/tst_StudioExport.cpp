@@ -1,16 +1,17 @@
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
-#include "EdgePanel.h"
-#include "EdgePreview.h"
-#include "ExportDialog.h"
-#include "Exporter.h"
 #include "RySettings.h"
-#include "cutout/EdgeColours.h"
+#include "canvas/EdgePreview.h"
+#include "cutout/EdgeColors.h"
 #include "cutout/EdgeOperations.h"
 #include "cutout/MaskImage.h"
 #include "cutout/MaskOutline.h"
 #include "cutout/SvgOutline.h"
+#include "files/Exporter.h"
 #include "settings/RyImageCutterSettings.h"
+#include "window/EdgePanel.h"
+#include "window/ExportDialog.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>
@@ -426,7 +427,7 @@ void tst_StudioExport::clipboard()
     QTRY_VERIFY_WITH_TIMEOUT(data()->hasImage(), patienceMs);
     const QImage expected =
             CutoutPicture::compose(m_studio->document().picture(), expectedMask(),
-                                   {.cleanPixels = EdgeColours::usualRimPixels, .crop = true});
+                                   {.cleanPixels = EdgeColors::usualRimPixels, .crop = true});
     QCOMPARE(qvariant_cast<QImage>(data()->imageData()), expected);
     QCOMPARE(QImage::fromData(data()->data(QStringLiteral("image/png")), "png")
                      .convertToFormat(expected.format()),
@@ -480,5 +481,5 @@ void tst_StudioExport::everyControlHasAName()
     }
 }
 
-QTEST_MAIN(tst_StudioExport)
+RY_TEST_CLASS(tst_StudioExport, QApplication)
 #include "tst_StudioExport.moc"

@@ -1,11 +1,12 @@
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
-#include "ColorButton.h"
-#include "PreferencesDialog.h"
 #include "RySettings.h"
-#include "StudioSettings.h"
-#include "WindowSettings.h"
 #include "settings/RyImageCutterSettings.h"
+#include "settings/StudioSettings.h"
+#include "settings/WindowSettings.h"
+#include "widgets/ColorButton.h"
+#include "window/PreferencesDialog.h"
 
 #include <QDialogButtonBox>
 #include <QDir>
@@ -247,5 +248,5 @@ void tst_StudioHelp::lostScreensDoNoHarm()
     QVERIFY(m_studio->window.findChild<QDockWidget *>(QStringLiteral("edgesDock"))->isVisible());
 }
 
-QTEST_MAIN(tst_StudioHelp)
+RY_TEST_CLASS(tst_StudioHelp, QApplication)
 #include "tst_StudioHelp.moc"

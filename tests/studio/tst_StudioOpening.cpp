@@ -1,9 +1,10 @@
 #include "Answerer.h"
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
-#include "PicturesFolder.h"
 #include "RySettings.h"
-#include "StateFolder.h"
+#include "files/PicturesFolder.h"
+#include "files/StateFolder.h"
 
 #include <QDir>
 #include <QDragEnterEvent>
@@ -155,5 +156,5 @@ void tst_StudioOpening::dialogsBeginWherePeopleAre()
     QCOMPARE(folder, isBesideIt ? m_folder->path() : PicturesFolder::path());
 }
 
-QTEST_MAIN(tst_StudioOpening)
+RY_TEST_CLASS(tst_StudioOpening, QApplication)
 #include "tst_StudioOpening.moc"

@@ -2,6 +2,7 @@
 
 #include "segmentation/RyImageSegmentation.h"
 #include "support/Pixels.h"
+#include "support/SessionDriver.h"
 
 #include <QPainter>
 
@@ -13,7 +14,7 @@ class ReferenceRefinement
 {
 public:
     explicit ReferenceRefinement(const RyImageSegmentation &session)
-        : ReferenceRefinement(*session.createMemento(true))
+        : ReferenceRefinement(*mementoOf(session, true))
     {}
     explicit ReferenceRefinement(const RyMementoSegmentation &memento)
         : mask(memento.mask())
@@ -109,7 +110,7 @@ public:
     /// What a session differs in; empty when it agrees.
     QString differenceTo(const RyImageSegmentation &session) const
     {
-        return differenceTo(*session.createMemento(false));
+        return differenceTo(*mementoOf(session, false));
     }
     QString differenceTo(const RyMementoSegmentation &memento) const
     {

@@ -11,6 +11,12 @@
 
 #include <memory>
 
+inline std::unique_ptr<RyMementoSegmentation> mementoOf(const RyImageSegmentation &session,
+                                                        bool withRegions)
+{
+    return std::unique_ptr<RyMementoSegmentation>(session.createMemento(withRegions));
+}
+
 /// A session and everything it has said, in the order in which a host hears it.
 class SessionDriver
 {
@@ -24,6 +30,10 @@ public:
                          [this](int current, int total) {
                              progress.append({current, total});
                          });
+        QObject::connect(&session, &RyImageSegmentation::becameIdle, &session, [this] {
+            ++idleCount;
+            wasIdleWhileBusy = wasIdleWhileBusy || session.isBusy();
+        });
     }
 
     explicit SessionDriver(const QImage &picture)
@@ -72,9 +82,10 @@ public:
     /// still compute.
     bool answered()
     {
-        const bool idle = waitFor([this] { return !session.isBusy(); });
-        QCoreApplication::sendPostedEvents();
-        return idle;
+        const int before = idleCount;
+        const bool isTold = !session.isBusy() || waitFor([&] { return idleCount > before; });
+        QCoreApplication::sendPostedEvents(); // of what was answered before it was asked for here
+        return isTold && idleCount <= before + 1 && !session.isBusy() && !wasIdleWhileBusy;
     }
 
     /// Draws a lasso and waits for its mask; null when none came.
@@ -87,6 +98,8 @@ public:
 
     QList<QImage> masks;
     QList<std::pair<int, int>> progress;
+    int idleCount = 0;
+    bool wasIdleWhileBusy = false;
     RyImageSegmentation session; // last: it goes first, and may still speak while it does
 };
 

@@ -1,5 +1,6 @@
+#include "cutout/AppError.h"
 #include "gestures/GestureFile.h"
-#include "gestures/GestureFileError.h"
+#include "support/TestClasses.h"
 
 #include <QTest>
 
@@ -170,12 +171,12 @@ void tst_GestureFile::namesTheMalformedLine()
     try {
         GestureFile::parse(text, u"my.session"_s);
         QFAIL("it was taken for a session");
-    } catch (const GestureFileError &error) {
+    } catch (const AppError &error) {
         const QString message = error.message();
         QVERIFY2(message.startsWith(u"my.session, line %1: "_s.arg(line)), qPrintable(message));
         QVERIFY2(message.contains(named), qPrintable(message));
     }
 }
 
-QTEST_GUILESS_MAIN(tst_GestureFile)
+RY_TEST_CLASS(tst_GestureFile, QCoreApplication)
 #include "tst_GestureFile.moc"

@@ -2,6 +2,7 @@
 #include "RySettings.h"
 #include "settings/RyImageCutterSettings.h"
 #include "support/SmallDisk.h"
+#include "support/TestClasses.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -174,5 +175,5 @@ void tst_RySafeFile::settingsWaitForTheirTurn()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_RySafeFile)
+RY_TEST_CLASS(tst_RySafeFile, QCoreApplication)
 #include "tst_RySafeFile.moc"
