@@ -1,4 +1,5 @@
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
 #include "RySettings.h"
 
@@ -186,5 +187,5 @@ void tst_StudioCanvas::zoomsThereAndBack()
     }
 }
 
-QTEST_MAIN(tst_StudioCanvas)
+RY_TEST_CLASS(tst_StudioCanvas, QApplication)
 #include "tst_StudioCanvas.moc"

@@ -1,4 +1,5 @@
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
 #include "RySettings.h"
 #include "gestures/GesturePlayer.h"
@@ -542,5 +543,5 @@ void tst_StudioTools::historyListAtAnyTime()
     QVERIFY(!m_studio->document().hasCut());
 }
 
-QTEST_MAIN(tst_StudioTools)
+RY_TEST_CLASS(tst_StudioTools, QApplication)
 #include "tst_StudioTools.moc"

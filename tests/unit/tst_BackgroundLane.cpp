@@ -1,6 +1,7 @@
 #include "background/BackgroundLane.h"
 #include "cutout/AppError.h"
 #include "support/Patience.h"
+#include "support/TestClasses.h"
 
 #include <QSemaphore>
 #include <QTest>
@@ -93,5 +94,5 @@ void tst_BackgroundLane::whatFailsSaysWhy()
                               patienceMs);
 }
 
-QTEST_GUILESS_MAIN(tst_BackgroundLane)
+RY_TEST_CLASS(tst_BackgroundLane, QCoreApplication)
 #include "tst_BackgroundLane.moc"

@@ -20,11 +20,6 @@
 
 namespace {
 
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("SessionFile", text);
-}
-
 /// For sessions that tell no picture: one of the same name.
 QString namesake(const QFileInfo &session)
 {
@@ -134,7 +129,8 @@ private:
     static void require(bool isFound)
     {
         if (!isFound)
-            throw AppError(tr("one of its wires does not find its way on this picture"));
+            throw AppError(QCoreApplication::translate(
+                    "SessionFile", "one of its wires does not find its way on this picture"));
     }
 
     const OpenedPicture &m_picture;

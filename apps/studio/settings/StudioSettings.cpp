@@ -6,7 +6,7 @@
 namespace {
 
 constexpr QLatin1Char lineEnd('\n');
-constexpr QLatin1StringView group("Studio");
+constexpr QLatin1StringView studioGroup("Studio");
 constexpr QLatin1Char tab('\t');
 constexpr QColor defaultMaskColor{24, 100, 220, 150};
 
@@ -108,7 +108,7 @@ void StudioSettings::loadSettings()
 {
     m_lane.waitForDone();
     const RySettingsLock lock;
-    beginGroup(group);
+    beginGroup(studioGroup);
     load(&m_items.regionBrushWidth);
     load(&m_items.pixelBrushWidth);
     load(&m_items.maskColor);
@@ -131,7 +131,7 @@ void StudioSettings::saveSettings()
 void StudioSettings::write(const Items &items)
 {
     const RySettingsLock lock;
-    beginGroup(group);
+    beginGroup(studioGroup);
     const auto saveChanged = [this](auto &written, const auto &item) {
         if (written.value() != item.value())
             written.setValue(item.value());

@@ -15,9 +15,9 @@
 
 namespace {
 
-constexpr double nodeRadius = 9.0;    // pixels of the canvas, within which a node is meant
-constexpr double stretchRadius = 7.0; // and within which a stretch is
-constexpr double dragDistance = 4.0;  // below that a press is a click
+constexpr double nodeRadius = 9.0;       // pixels of the canvas, within which a node is meant
+constexpr double stretchRadius = 7.0;    // and within which a stretch is
+constexpr double nodeDragDistance = 4.0; // below that a press is a click
 
 /// Short numbers for session files; far less than a pixel is lost.
 QPolygonF rounded(QPolygonF points)
@@ -184,7 +184,7 @@ void ScissorsTool::move(const PointerEvent &event)
 {
     if (!m_isPressed || m_pressedNode < 0)
         return;
-    const bool isFar = QLineF(event.widgetPosition, m_pressedOnWidget).length() >= dragDistance;
+    const bool isFar = QLineF(event.widgetPosition, m_pressedOnWidget).length() >= nodeDragDistance;
     if (!m_editor.isMoving() && isFar)
         m_editor.beginMove(m_pressedNode);
     if (m_editor.isMoving())
