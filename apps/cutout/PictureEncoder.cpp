@@ -10,7 +10,7 @@ QString PictureEncoder::encode(QIODevice &device, const QImage &picture, const Q
             15; // Qt's scale of 100: a sixth of the default's time, + 20 % size
     constexpr int jpegQuality = 95;
     if (picture.isNull())
-        return u"there is too little memory"_s;
+        return u"there is not enough memory"_s;
     QImageWriter writer(&device, format);
     if (format == "png")
         writer.setCompression(fastCompression);
