@@ -1,8 +1,10 @@
 #include "RyIniFile.h"
 
+#include "RySafeFile.h"
+
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -36,7 +38,7 @@ RyIniFile::Content parsed(const QByteArray &text)
     const QTemporaryDir folder;
     QFile copy(copyIn(folder));
     if (!copy.open(QIODevice::WriteOnly) || copy.write(text) != text.size() || !copy.flush())
-        return {{}, u"there is no room for a temporary file: %1"_s.arg(copy.errorString())};
+        return {{}, u"there is no room for a temporary file in %1"_s.arg(QDir::tempPath())};
     const QSettings settings(copy.fileName(), QSettings::IniFormat);
     RyIniFile::Content content;
     // Sections are parsed when they are first asked for, so the status comes last.
@@ -47,7 +49,8 @@ RyIniFile::Content parsed(const QByteArray &text)
     return content;
 }
 
-/// Empty when there is no room for a temporary file.
+/// Empty when there is no room for a temporary file. QSettings does not notice when what it writes
+/// last is cut off; so the text has to end with a line, and to have all of them.
 QByteArray textOf(const QVariantMap &entries)
 {
     const QTemporaryDir folder;
@@ -58,7 +61,9 @@ QByteArray textOf(const QVariantMap &entries)
     QFile copy(settings.fileName());
     if (settings.status() != QSettings::NoError || !copy.open(QIODevice::ReadOnly))
         return {};
-    return copy.readAll();
+    const QByteArray text = copy.readAll();
+    const bool isWhole = text.endsWith('\n') && parsed(text).entries.keys() == entries.keys();
+    return isWhole ? text : QByteArray();
 }
 
 } // namespace
@@ -82,9 +87,8 @@ QString RyIniFile::write(const QString &fileName, const QVariantMap &entries)
 {
     const QByteArray text = textOf(entries);
     if (text.isEmpty())
-        return u"there is no room for a temporary file"_s;
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit())
-        return file.errorString();
-    return {};
+        return u"there is no room for a temporary file in %1"_s.arg(QDir::tempPath());
+    RySafeFile file(fileName);
+    const bool isWritten = file.open() && file.write(text) == text.size() && file.commit();
+    return isWritten ? QString() : file.errorString();
 }

@@ -2,11 +2,14 @@
 
 #include "RyLogger.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
 #include <QLockFile>
 #include <QMutexLocker>
+#include <QRandomGenerator>
 #include <QStandardPaths>
+#include <QThread>
 
 #include <algorithm>
 
@@ -15,6 +18,29 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int longestWaitMs = 10'000; // for other processes, which hold the file for milliseconds
+
+/// Tries again after a millisecond or two. QLockFile waits twice as long each time, up to seconds:
+/// against a program that saves in a loop it would hardly ever come at the right moment.
+bool lockInTime(QLockFile &file)
+{
+    const QDeadlineTimer end(longestWaitMs);
+    while (!file.tryLock(0)) {
+        if (file.error() != QLockFile::LockFailedError || end.hasExpired())
+            return false;
+        QThread::usleep(QRandomGenerator::global()->bounded(500U, 2500U));
+    }
+    return true;
+}
+
+QString reasonWhyNotLocked(const QLockFile &file)
+{
+    const QFileInfo folder(QFileInfo(file.fileName()).absolutePath());
+    if (file.error() == QLockFile::LockFailedError)
+        return u"another program keeps it locked"_s;
+    if (file.error() == QLockFile::PermissionError || !folder.isDir())
+        return u"nothing can be written in its folder"_s;
+    return u"the disk with %1 is full"_s.arg(folder.filePath());
+}
 
 } // namespace
 
@@ -114,10 +140,8 @@ QString RySettingsStore::mergeIntoFile()
     QDir().mkpath(QFileInfo(fileName()).absolutePath());
     // Whoever opens the file with QSettings takes the same lock to write it.
     QLockFile fileLock(fileName() + u".lock"_s);
-    if (!fileLock.tryLock(longestWaitMs))
-        return fileLock.error() == QLockFile::LockFailedError
-                       ? u"another program keeps it locked"_s
-                       : u"nothing can be written in its folder"_s;
+    if (!lockInTime(fileLock))
+        return reasonWhyNotLocked(fileLock);
     RyIniFile::Content merged = RyIniFile::read(fileName());
     if (!isAnythingDueFor(merged))
         return {}; // another process has been here in the meantime

@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QMutexLocker>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QThread>
 #include <QTimer>
@@ -18,14 +19,18 @@ constexpr int retryMs = 10;
 
 /// A command's place on the stack. QUndoStack cannot give up its oldest commands, but a stack of
 /// places can be laid anew with the same commands.
+///
+/// While a command runs, in whose event loop a host may undo and do again what it likes, through any
+/// of the stack's own slots and actions, other places do nothing: the stack would delete a command
+/// that is obsolete while it still runs.
 class Place : public QUndoCommand
 {
 public:
-    /// While the command runs, the depth is raised: the stack must not be changed then.
-    Place(std::shared_ptr<RyUndoCommand> command, int &depth)
+    Place(std::shared_ptr<RyUndoCommand> command, QUndoStack &stack, bool &isRunning)
         : QUndoCommand(command->text() + QLatin1Char('\n') + command->actionText())
         , m_command(std::move(command))
-        , m_depth(depth)
+        , m_stack(stack)
+        , m_isRunning(isRunning)
     {}
 
     static const Place *at(const QUndoStack &stack, int index)
@@ -40,14 +45,18 @@ public:
 private:
     void run(void (RyUndoCommand::*hook)())
     {
-        ++m_depth;
+        if (m_isRunning)
+            return;
+        const QScopedValueRollback running(m_isRunning, true);
+        const int index = m_stack.index();
         (m_command.get()->*hook)();
+        m_stack.setIndex(index); // as if nobody had moved it meanwhile
         setObsolete(m_command->isObsolete());
-        --m_depth;
     }
 
     const std::shared_ptr<RyUndoCommand> m_command;
-    int &m_depth;
+    QUndoStack &m_stack;
+    bool &m_isRunning; // some place of this stack
 };
 
 } // namespace
@@ -75,7 +84,7 @@ void RyUndoController::accept(std::shared_ptr<RyUndoCommand> command)
         const QMutexLocker lock(&m_mutex);
         m_handedOver.append(std::move(command));
     }
-    if (thread() == QThread::currentThread() && m_runningCommands == 0)
+    if (thread() == QThread::currentThread() && !m_isCommandRunning)
         takeIn();
     else
         QMetaObject::invokeMethod(this, &RyUndoController::takeIn, Qt::QueuedConnection);
@@ -83,7 +92,7 @@ void RyUndoController::accept(std::shared_ptr<RyUndoCommand> command)
 
 void RyUndoController::takeIn()
 {
-    if (m_runningCommands > 0) { // in an event loop that a command has opened
+    if (m_isCommandRunning) { // in an event loop that a command has opened
         QTimer::singleShot(retryMs, this, &RyUndoController::takeIn);
         return;
     }
@@ -98,7 +107,7 @@ void RyUndoController::takeIn()
 
 void RyUndoController::undo()
 {
-    if (m_runningCommands > 0)
+    if (m_isCommandRunning)
         return;
     takeIn();
     m_stack.undo();
@@ -106,7 +115,7 @@ void RyUndoController::undo()
 
 void RyUndoController::redo()
 {
-    if (m_runningCommands > 0)
+    if (m_isCommandRunning)
         return;
     takeIn();
     m_stack.redo();
@@ -116,7 +125,7 @@ void RyUndoController::push(const std::shared_ptr<RyUndoCommand> &command)
 {
     if (const int steps = stepsToForget())
         forgetOldest(steps);
-    m_stack.push(new Place(command, m_runningCommands));
+    m_stack.push(new Place(command, m_stack, m_isCommandRunning));
 }
 
 void RyUndoController::setLimits(int steps, qint64 bytes)
@@ -162,7 +171,8 @@ void RyUndoController::forgetOldest(int steps)
     if (cleanIndex != 0)
         m_stack.resetClean();
     for (const auto &command : kept) {
-        m_stack.push(new Place(command, m_runningCommands)); // it is done: nothing happens to it
+        m_stack.push(new Place(command, m_stack,
+                               m_isCommandRunning)); // it is done: nothing happens to it
         if (m_stack.index() == cleanIndex)
             m_stack.setClean();
     }

@@ -50,7 +50,7 @@ public:
 
 public Q_SLOTS:
     /// Both first take in what other threads have handed over; nothing happens when there is
-    /// nothing to undo or to do again.
+    /// nothing to undo or to do again, nor while a command is being undone or done again.
     void undo();
     void redo();
 
@@ -61,7 +61,7 @@ private:
     void forgetOldest(int steps);
 
     QUndoStack m_stack;
-    int m_runningCommands = 0; // within each other
+    bool m_isCommandRunning = false;
     int m_stepLimit = defaultStepLimit;
     qint64 m_byteLimit = defaultByteLimit;
 

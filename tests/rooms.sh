@@ -11,7 +11,7 @@ superpixels: colour image
 regiongrowing: colour image superpixels
 graphcut: colour image
 segmentation: colour image superpixels regiongrowing graphcut
-scissors: colour image regiongrowing
+scissors: colour image
 settings:
 "
 studio="

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr uchar object = 255;
+constexpr uchar objectPixel = 255;
 constexpr uchar besideInRow = 2;    // near an object pixel of the same row
 constexpr uchar besideInColumn = 1; // near an object pixel, or one marked as above, of its column
 
@@ -37,16 +37,17 @@ QImage ObjectOutline::draw(const QImage &mask, int widthPixels)
     uchar *const bits = outline.bits();
     const qsizetype stride = outline.bytesPerLine();
     for (uchar *row = bits; row < bits + stride * rows; row += stride) {
-        std::transform(row, row + columns, row,
-                       [](uchar value) { return value >= MaskImage::half ? object : uchar(0); });
-        spread(row, columns, 1, widthPixels, object, besideInRow);
-        spread(row + columns - 1, columns, -1, widthPixels, object, besideInRow);
+        std::transform(row, row + columns, row, [](uchar value) {
+            return value >= MaskImage::half ? objectPixel : uchar(0);
+        });
+        spread(row, columns, 1, widthPixels, objectPixel, besideInRow);
+        spread(row + columns - 1, columns, -1, widthPixels, objectPixel, besideInRow);
     }
     for (uchar *column = bits; column < bits + columns; ++column) {
         uchar *const bottom = column + stride * (rows - 1);
         spread(column, rows, stride, widthPixels, besideInRow, besideInColumn);
         spread(bottom, rows, -stride, widthPixels, besideInRow, besideInColumn);
     }
-    std::replace(bits, bits + stride * rows, object, uchar(0));
+    std::replace(bits, bits + stride * rows, objectPixel, uchar(0));
     return outline;
 }

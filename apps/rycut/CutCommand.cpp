@@ -6,10 +6,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class Parser : public CutOptionsParser
+class CutParser : public CutOptionsParser
 {
 public:
-    Parser()
+    CutParser()
         : CutOptionsParser(
                   u"cut"_s, u"Cuts the object inside a lasso out of a picture."_s,
                   {{u"PICTURE"_s, u"The picture to cut from."_s}},
@@ -61,5 +61,5 @@ QString CutCommand::summary() const
 
 std::unique_ptr<CutOptionsParser> CutCommand::createParser() const
 {
-    return std::make_unique<Parser>();
+    return std::make_unique<CutParser>();
 }

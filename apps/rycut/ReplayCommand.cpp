@@ -6,10 +6,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class Parser : public CutOptionsParser
+class ReplayParser : public CutOptionsParser
 {
 public:
-    Parser()
+    ReplayParser()
         : CutOptionsParser(u"replay"_s, u"Does to a picture what a session file tells."_s,
                            {{u"SESSION"_s, u"Session file with lasso, gestures and edge."_s},
                             {u"PICTURE"_s, u"The picture to cut from."_s}})
@@ -37,5 +37,5 @@ QString ReplayCommand::summary() const
 
 std::unique_ptr<CutOptionsParser> ReplayCommand::createParser() const
 {
-    return std::make_unique<Parser>();
+    return std::make_unique<ReplayParser>();
 }

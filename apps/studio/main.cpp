@@ -1,4 +1,4 @@
-#include "HeapPolicy.h"
+#include "RyHeapPolicy.h"
 #include "background/PaintThreads.h"
 #include "window/MainWindow.h"
 
@@ -21,7 +21,7 @@ int main(int argc, char *argv[])
                                  QStringLiteral("[picture]"));
     parser.process(application);
 
-    HeapPolicy::returnLargeBlocks();
+    RyHeapPolicy::returnLargeBlocks();
     PaintThreads::reserve();
     MainWindow window;
     window.show();

@@ -15,7 +15,7 @@ namespace {
 
 using Weights = RyIntelligentScissorsWeightCalculator;
 
-constexpr int rowsPerBand = 64;
+constexpr int rowsPerConversion = 64;
 
 /// Towards zero; what is not a number counts as 0.
 int truncated(double value)
@@ -98,12 +98,13 @@ QImage RyIntelligentScissors::greyOf(const QImage &picture)
     const auto kernel = RyScissorsWeightKernels::available().last().greyRow;
     uchar *const bits = grey.bits(); // detaches here, once
     const auto convertBand = [&](qsizetype band) {
-        const int first = int(band) * rowsPerBand;
-        for (int y = first; y < std::min(first + rowsPerBand, rgb.height()); ++y)
+        const int first = int(band) * rowsPerConversion;
+        for (int y = first; y < std::min(first + rowsPerConversion, rgb.height()); ++y)
             kernel(reinterpret_cast<const QRgb *>(rgb.constScanLine(y)),
                    bits + y * grey.bytesPerLine(), rgb.width());
     };
-    RyConcurrent::forEachIndex((rgb.height() + rowsPerBand - 1) / rowsPerBand, convertBand);
+    RyConcurrent::forEachIndex((rgb.height() + rowsPerConversion - 1) / rowsPerConversion,
+                               convertBand);
     return grey;
 }
 

@@ -1,4 +1,5 @@
 #include "support/Patience.h"
+#include "support/TestClasses.h"
 
 #include <QDir>
 #include <QFile>
@@ -180,5 +181,5 @@ void tst_quality::refusesWhatItCannotMeasure()
     QVERIFY2(run.errors.contains(complaint), qPrintable(run.errors));
 }
 
-QTEST_GUILESS_MAIN(tst_quality)
+RY_TEST_CLASS(tst_quality, QCoreApplication)
 #include "tst_quality.moc"

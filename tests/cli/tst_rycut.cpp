@@ -1,5 +1,6 @@
 #include "cli/RycutRun.h"
 #include "support/Samples.h"
+#include "support/TestClasses.h"
 
 #include <QColorSpace>
 #include <QCryptographicHash>
@@ -414,5 +415,5 @@ void tst_rycut::resultsDependOnTheKernelOnly()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_rycut)
+RY_TEST_CLASS(tst_rycut, QCoreApplication)
 #include "tst_rycut.moc"

@@ -3,6 +3,7 @@
 #include "cutout/EdgeOperations.h"
 #include "cutout/MaskImage.h"
 #include "support/SvgPath.h"
+#include "support/TestClasses.h"
 
 #include <QDir>
 #include <QImage>
@@ -242,5 +243,5 @@ void tst_rycutEdges::reportsThatNothingIsLeft()
     QCOMPARE(report[u"object_box"][u"width"].toInt(-1), 0);
 }
 
-QTEST_GUILESS_MAIN(tst_rycutEdges)
+RY_TEST_CLASS(tst_rycutEdges, QCoreApplication)
 #include "tst_rycutEdges.moc"

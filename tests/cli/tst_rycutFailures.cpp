@@ -2,6 +2,7 @@
 #include "cli/Terminal.h"
 #include "support/Patience.h"
 #include "support/Samples.h"
+#include "support/TestClasses.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -197,5 +198,5 @@ void tst_rycutFailures::stopsWaitingForInputOnInterrupt()
     QCOMPARE(files(), QStringList());
 }
 
-QTEST_GUILESS_MAIN(tst_rycutFailures)
+RY_TEST_CLASS(tst_rycutFailures, QCoreApplication)
 #include "tst_rycutFailures.moc"

@@ -1,6 +1,7 @@
 #include "cli/RycutRun.h"
 #include "cli/Terminal.h"
 #include "support/Patience.h"
+#include "support/TestClasses.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -252,5 +253,5 @@ void tst_rycutReplay::stopsOnInterrupt()
     QVERIFY(!QFile::exists(path(u"m.png"_s)));
 }
 
-QTEST_GUILESS_MAIN(tst_rycutReplay)
+RY_TEST_CLASS(tst_rycutReplay, QCoreApplication)
 #include "tst_rycutReplay.moc"

@@ -1,5 +1,6 @@
 #include "cli/RycutRun.h"
 #include "support/Samples.h"
+#include "support/TestClasses.h"
 
 #include <QDir>
 #include <QTest>
@@ -110,5 +111,5 @@ void tst_rycutSettings::processesKeepEachOthersChanges()
     QCOMPARE(QDir(m_folder.path()).entryList(QDir::Files).size(), 1); // no lock is left
 }
 
-QTEST_GUILESS_MAIN(tst_rycutSettings)
+RY_TEST_CLASS(tst_rycutSettings, QCoreApplication)
 #include "tst_rycutSettings.moc"

@@ -1,6 +1,7 @@
 #include "cli/RycutRun.h"
 #include "cli/Terminal.h"
 #include "support/Patience.h"
+#include "support/TestClasses.h"
 
 #include <QDir>
 #include <QImage>
@@ -312,5 +313,5 @@ void tst_rycutWire::sessionsCutInsideWires()
     QCOMPARE(run.report()[u"lasso"], drawn.report()[u"lasso"]);
 }
 
-QTEST_GUILESS_MAIN(tst_rycutWire)
+RY_TEST_CLASS(tst_rycutWire, QCoreApplication)
 #include "tst_rycutWire.moc"

@@ -5,6 +5,7 @@
 #include <RyIntRange.h>
 #include <RyLogger.h>
 #include <RyPlatformIndependent.h>
+#include <RySafeFile.h>
 #include <RySettings.h>
 #include <RySettingsLock.h>
 #include <RyUndoCommand.h>

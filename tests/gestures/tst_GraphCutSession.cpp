@@ -4,6 +4,7 @@
 #include "support/ReferenceRefinement.h"
 #include "support/Samples.h"
 #include "support/SessionDriver.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QRandomGenerator>
@@ -626,5 +627,5 @@ void tst_GraphCutSession::takesANewColour()
     }
 }
 
-QTEST_MAIN(tst_GraphCutSession)
+RY_TEST_CLASS(tst_GraphCutSession, QApplication)
 #include "tst_GraphCutSession.moc"

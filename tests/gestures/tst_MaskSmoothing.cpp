@@ -2,6 +2,7 @@
 #include "cutout/MaskImage.h"
 #include "support/Samples.h"
 #include "support/SessionDriver.h"
+#include "support/TestClasses.h"
 
 #include <QTest>
 
@@ -50,5 +51,5 @@ void tst_MaskSmoothing::agreesWithTheLibrary()
     QVERIFY2(differing < object / 100, qPrintable(QString::number(differing)));
 }
 
-QTEST_MAIN(tst_MaskSmoothing)
+RY_TEST_CLASS(tst_MaskSmoothing, QApplication)
 #include "tst_MaskSmoothing.moc"

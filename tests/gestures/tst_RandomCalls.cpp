@@ -2,6 +2,7 @@
 #include "segmentation/RyImageSegmentation.h"
 #include "support/Samples.h"
 #include "support/SessionDriver.h"
+#include "support/TestClasses.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -241,5 +242,5 @@ void tst_RandomCalls::cutsOnceForALasso()
     QCOMPARE(driver.progress.last(), std::pair(14, 14));
 }
 
-QTEST_MAIN(tst_RandomCalls)
+RY_TEST_CLASS(tst_RandomCalls, QApplication)
 #include "tst_RandomCalls.moc"

@@ -3,6 +3,7 @@
 #include "support/Pixels.h"
 #include "support/Samples.h"
 #include "support/SessionDriver.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QHashSeed>
@@ -519,5 +520,5 @@ void tst_RyImageSegmentation::keepsItsSize()
              qPrintable(QStringLiteral("%1 pages, then %2").arg(early).arg(late)));
 }
 
-QTEST_MAIN(tst_RyImageSegmentation)
+RY_TEST_CLASS(tst_RyImageSegmentation, QApplication)
 #include "tst_RyImageSegmentation.moc"

@@ -3,6 +3,7 @@
 #include "scissors/RyScissorsEdgePicture.h"
 #include "support/Patience.h"
 #include "support/ReferenceScissors.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QCryptographicHash>
@@ -454,5 +455,5 @@ void tst_RyIntelligentScissors::edgePictures()
     QVERIFY2(share > 0.045 && share < 0.06, qPrintable(QString::number(share)));
 }
 
-QTEST_MAIN(tst_RyIntelligentScissors)
+RY_TEST_CLASS(tst_RyIntelligentScissors, QApplication)
 #include "tst_RyIntelligentScissors.moc"

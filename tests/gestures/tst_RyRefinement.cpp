@@ -2,6 +2,7 @@
 #include "support/ReferenceRefinement.h"
 #include "support/Samples.h"
 #include "support/SessionDriver.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QMetaMethod>
@@ -511,5 +512,5 @@ void tst_RyRefinement::sharesTheNewestSide()
     QVERIFY(unused.differenceTo(driver.session) != QString());
 }
 
-QTEST_MAIN(tst_RyRefinement)
+RY_TEST_CLASS(tst_RyRefinement, QApplication)
 #include "tst_RyRefinement.moc"

@@ -4,6 +4,7 @@
 #include "support/ReferenceRefinement.h"
 #include "support/Samples.h"
 #include "support/SessionDriver.h"
+#include "support/TestClasses.h"
 
 #include <QAction>
 #include <QRandomGenerator>
@@ -36,6 +37,8 @@ private Q_SLOTS:
     void forgetsTheOldest_data();
     void forgetsTheOldest();
     void takesCommandsFromThreads();
+    void runsOneCommandAtATime_data();
+    void runsOneCommandAtATime();
     void restoresWhatHostsMake();
     void restoresRegions();
 };
@@ -88,6 +91,28 @@ protected:
 
 private:
     const qint64 m_bytes;
+};
+
+/// A command that is of no use once it is undone, and lets its host do something meanwhile, as those do
+/// that open an event loop.
+class Interrupted : public RyUndoCommand
+{
+public:
+    explicit Interrupted(std::function<void()> meanwhile)
+        : RyUndoCommand(QStringLiteral("interrupted"), nullptr, false)
+        , m_meanwhile(std::move(meanwhile))
+    {}
+
+protected:
+    void undoCore() override
+    {
+        m_meanwhile();
+        setObsolete(true);
+    }
+    void doCoreAction() override {}
+
+private:
+    const std::function<void()> m_meanwhile;
 };
 
 QStringList textsOn(const QUndoStack &stack)
@@ -438,6 +463,38 @@ void tst_RyUndo::takesCommandsFromThreads()
     QCOMPARE(texts, expected);
 }
 
+void tst_RyUndo::runsOneCommandAtATime_data()
+{
+    using Meanwhile = std::function<void(QUndoStack &)>;
+    QTest::addColumn<Meanwhile>("meanwhile");
+    const auto row = [](const char *name, const Meanwhile &meanwhile) {
+        QTest::newRow(name) << meanwhile;
+    };
+    row("action",
+        [](auto &stack) { std::unique_ptr<QAction>(stack.createUndoAction(nullptr))->trigger(); });
+    row("undo twice", [](auto &stack) { stack.undo(), stack.undo(); });
+    row("redo", [](auto &stack) { stack.redo(); });
+    row("to the beginning", [](auto &stack) { stack.setIndex(0); });
+    row("to the end", [](auto &stack) { stack.setIndex(stack.count()); });
+    row("there and back", [](auto &stack) { stack.setIndex(0), stack.setIndex(stack.count()); });
+}
+
+void tst_RyUndo::runsOneCommandAtATime()
+{
+    QFETCH(std::function<void(QUndoStack &)>, meanwhile);
+    RyUndoController one;
+    QUndoStack &stack = *one.stack();
+    for (const char *const name : {"a", "b"})
+        one.accept(std::make_shared<Nothing>(QString::fromLatin1(name), 1));
+    one.accept(std::make_shared<Interrupted>([&] { meanwhile(stack); }));
+    one.accept(std::make_shared<Nothing>(QStringLiteral("d"), 1));
+    stack.undo();
+    stack.undo();
+    QCOMPARE(textsOn(stack),
+             QStringList({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("d")}));
+    QCOMPARE(stack.index(), 2);
+}
+
 void tst_RyUndo::restoresWhatHostsMake()
 {
     SessionDriver driver(smallPhotograph());
@@ -532,5 +589,5 @@ void tst_RyUndo::restoresRegions()
         QCOMPARE(each->cut(smallLasso), cut); // with regions of its own
 }
 
-QTEST_MAIN(tst_RyUndo)
+RY_TEST_CLASS(tst_RyUndo, QApplication)
 #include "tst_RyUndo.moc"

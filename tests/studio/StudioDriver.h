@@ -1,6 +1,6 @@
 #pragma once
 
-#include "HeapPolicy.h"
+#include "RyHeapPolicy.h"
 #include "background/PaintThreads.h"
 #include "canvas/Canvas.h"
 #include "support/Patience.h"
@@ -27,7 +27,7 @@ class StudioDriver
 public:
     StudioDriver()
     {
-        HeapPolicy::returnLargeBlocks(); // as main() does
+        RyHeapPolicy::returnLargeBlocks(); // as main() does
         PaintThreads::reserve();
         window.show();
         const bool isExposed = QTest::qWaitForWindowExposed(&window);
@@ -103,7 +103,10 @@ public:
         waitFor([] { return false; }, ms);
     }
 
-    QPoint onCanvas(const QPointF &point) { return canvas().view().toWidget(point).toPoint(); }
+    QPoint onCanvas(const QPointF &point)
+    {
+        return canvas().view().toWidget(PicturePoint(point)).toPoint();
+    }
     void press(const QPointF &point, Qt::MouseButton button = Qt::LeftButton,
                Qt::KeyboardModifiers modifiers = {})
     {
@@ -138,7 +141,7 @@ public:
     }
     void wheel(const QPointF &point, int steps, Qt::KeyboardModifiers modifiers = {})
     {
-        const QPointF local = canvas().view().toWidget(point);
+        const QPointF local = canvas().view().toWidget(PicturePoint(point));
         QWheelEvent event(local, canvas().mapToGlobal(local), {}, {0, 120 * steps}, {}, modifiers,
                           Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(&canvas(), &event);

@@ -1,4 +1,5 @@
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
 #include "RySettings.h"
 #include "support/TestPictures.h"
@@ -157,5 +158,5 @@ void tst_Studio::everythingHasAName()
     QCOMPARE(shortcuts.removeDuplicates(), 0);
 }
 
-QTEST_MAIN(tst_Studio)
+RY_TEST_CLASS(tst_Studio, QApplication)
 #include "tst_Studio.moc"

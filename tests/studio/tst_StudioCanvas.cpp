@@ -1,4 +1,5 @@
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
 #include "RySettings.h"
 
@@ -46,7 +47,7 @@ void tst_StudioCanvas::zoomKeepsThePointUnderThePointer()
 {
     QVERIFY(m_studio->openCoffee());
     m_studio->canvas().zoomTo(3.0, {400, 300});
-    const QPointF point(250, 180);
+    const PicturePoint point(250, 180);
     const QPointF place = m_studio->canvas().view().toWidget(point);
     for (const int steps : {1, 3, -2}) {
         const double before = m_studio->canvas().view().scale;
@@ -67,8 +68,8 @@ void tst_StudioCanvas::touchpadsZoomAtThePointer()
     QVERIFY(m_studio->openCoffee());
     Canvas &canvas = m_studio->canvas();
     canvas.zoomTo(12.0, {400, 300}); // it need not be kept in the middle
-    const QPointF centre(310, 220);
-    const QPointF point = canvas.view().toPicture(centre);
+    const WidgetPoint centre(310, 220);
+    const PicturePoint point = canvas.view().toPicture(centre);
     for (const double value : {0.25, 0.5, -0.4}) {
         const double before = canvas.view().scale;
         QNativeGestureEvent event(Qt::ZoomNativeGesture, QPointingDevice::primaryPointingDevice(),
@@ -106,7 +107,7 @@ void tst_StudioCanvas::fingersZoomAndMove()
     m_studio->action(tool.constData()).trigger();
 
     const QPoint centre(180, 140), reach(50, 0);
-    const QPointF point = canvas.view().toPicture(centre);
+    const PicturePoint point = canvas.view().toPicture(WidgetPoint(centre));
     QTest::touchEvent(&canvas, screen).press(0, centre - reach, &canvas);
     QTest::touchEvent(&canvas, screen).stationary(0).press(1, centre + reach, &canvas);
     constexpr int steps = 10;
@@ -186,5 +187,5 @@ void tst_StudioCanvas::zoomsThereAndBack()
     }
 }
 
-QTEST_MAIN(tst_StudioCanvas)
+RY_TEST_CLASS(tst_StudioCanvas, QApplication)
 #include "tst_StudioCanvas.moc"

@@ -1,4 +1,5 @@
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
 #include "RySettings.h"
 #include "canvas/EdgePreview.h"
@@ -480,5 +481,5 @@ void tst_StudioExport::everyControlHasAName()
     }
 }
 
-QTEST_MAIN(tst_StudioExport)
+RY_TEST_CLASS(tst_StudioExport, QApplication)
 #include "tst_StudioExport.moc"

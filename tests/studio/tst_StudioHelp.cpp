@@ -1,4 +1,5 @@
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
 #include "RySettings.h"
 #include "settings/RyImageCutterSettings.h"
@@ -247,5 +248,5 @@ void tst_StudioHelp::lostScreensDoNoHarm()
     QVERIFY(m_studio->window.findChild<QDockWidget *>(QStringLiteral("edgesDock"))->isVisible());
 }
 
-QTEST_MAIN(tst_StudioHelp)
+RY_TEST_CLASS(tst_StudioHelp, QApplication)
 #include "tst_StudioHelp.moc"

@@ -1,5 +1,6 @@
 #include "Answerer.h"
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
 #include "RySettings.h"
 #include "files/PicturesFolder.h"
@@ -155,5 +156,5 @@ void tst_StudioOpening::dialogsBeginWherePeopleAre()
     QCOMPARE(folder, isBesideIt ? m_folder->path() : PicturesFolder::path());
 }
 
-QTEST_MAIN(tst_StudioOpening)
+RY_TEST_CLASS(tst_StudioOpening, QApplication)
 #include "tst_StudioOpening.moc"

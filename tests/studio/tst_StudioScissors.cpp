@@ -1,4 +1,5 @@
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
 #include "RySettings.h"
 #include "tools/ScissorsTool.h"
@@ -313,11 +314,11 @@ void tst_StudioScissors::closesNearTheFirstNode()
     QFETCH(double, zoom);
     QFETCH(bool, closes);
     Canvas &canvas = m_studio->canvas();
-    canvas.zoomTo(canvas.view().scale * zoom, canvas.view().toWidget(inside));
+    canvas.zoomTo(canvas.view().scale * zoom, canvas.view().toWidget(PicturePoint(inside)));
     for (const QPointF &point : {inside, inside + QPointF(40, 0), inside + QPointF(0, 40)})
         m_studio->click(point);
-    const QPointF onCanvas = canvas.view().toWidget(node(0)) - QPointF(pixels, 0);
-    m_studio->click(canvas.view().toPicture(onCanvas));
+    const QPointF onCanvas = canvas.view().toWidget(PicturePoint(node(0))) - QPointF(pixels, 0);
+    m_studio->click(canvas.view().toPicture(WidgetPoint(onCanvas)));
     QCOMPARE(scissors().editor().path().isClosed(), closes);
 }
 
@@ -485,5 +486,5 @@ void tst_StudioScissors::keysWhileANodeIsHeld()
     }
 }
 
-QTEST_MAIN(tst_StudioScissors)
+RY_TEST_CLASS(tst_StudioScissors, QApplication)
 #include "tst_StudioScissors.moc"

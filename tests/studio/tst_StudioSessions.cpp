@@ -1,5 +1,6 @@
 #include "Answerer.h"
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
 #include "RySettings.h"
 #include "document/EditedMask.h"
@@ -482,7 +483,7 @@ void tst_StudioSessions::restoresAfterACrash()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"RY_VICTIM_PICTURE"_s, coffee);
     victim.setProcessEnvironment(environment);
-    victim.start(QCoreApplication::applicationFilePath());
+    victim.start(QCoreApplication::applicationFilePath(), {u"tst_StudioSessions"_s});
     QTRY_COMPARE_WITH_TIMEOUT(keptSessions().size(), 1, patienceMs);
     m_studio->window.begin({}); // nothing is offered that somebody works on
     QVERIFY(!m_studio->document().hasPicture());
@@ -519,12 +520,12 @@ void tst_StudioSessions::restoresAfterACrash()
     QCOMPARE(contentsOf(session), isLeft ? kept : QByteArray());
 }
 
-int main(int argc, char *argv[])
+static int runOrBeKilled(int argc, char **argv)
 {
-    QApplication application(argc, argv);
-    if (qEnvironmentVariableIsSet("RY_VICTIM_PICTURE"))
-        return tst_StudioSessions::beKilled();
-    tst_StudioSessions test;
-    return QTest::qExec(&test, argc, argv);
+    if (!qEnvironmentVariableIsSet("RY_VICTIM_PICTURE"))
+        return TestClasses::run<tst_StudioSessions, QApplication>(argc, argv);
+    const QApplication application(argc, argv);
+    return tst_StudioSessions::beKilled();
 }
+static const bool isAdded = TestClasses::add("tst_StudioSessions", runOrBeKilled);
 #include "tst_StudioSessions.moc"

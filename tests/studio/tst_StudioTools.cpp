@@ -1,4 +1,5 @@
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
 #include "RySettings.h"
 #include "gestures/GesturePlayer.h"
@@ -194,7 +195,7 @@ void tst_StudioTools::scribblePaintsOnePixel()
     const QImage before = m_studio->document().mask();
     m_studio->action("scribble").trigger();
     m_studio->toolOption<QSpinBox>()->setValue(1);
-    m_studio->canvas().zoomTo(16.0, m_studio->canvas().view().toWidget(wood));
+    m_studio->canvas().zoomTo(16.0, m_studio->canvas().view().toWidget(PicturePoint(wood)));
     m_studio->click(wood + QPointF(0.5, 0.5));
     QVERIFY(m_studio->settle());
     const QImage after = m_studio->document().mask();
@@ -402,7 +403,7 @@ void tst_StudioTools::penDraws()
     const auto send = [&](QEvent::Type type, QPointingDevice::PointerType end, const QPointF &at) {
         const QPointingDevice pen(QStringLiteral("pen"), 1, QInputDevice::DeviceType::Stylus, end,
                                   QInputDevice::Capability::Position, 1, 2);
-        const QPointF local = m_studio->canvas().view().toWidget(at);
+        const QPointF local = m_studio->canvas().view().toWidget(PicturePoint(at));
         const bool isDown = type != QEvent::TabletRelease;
         QTabletEvent event(type, &pen, local, m_studio->canvas().mapToGlobal(local), 0.5, 0, 0, 0,
                            0, 0, {}, Qt::LeftButton, isDown ? Qt::LeftButton : Qt::NoButton);
@@ -542,5 +543,5 @@ void tst_StudioTools::historyListAtAnyTime()
     QVERIFY(!m_studio->document().hasCut());
 }
 
-QTEST_MAIN(tst_StudioTools)
+RY_TEST_CLASS(tst_StudioTools, QApplication)
 #include "tst_StudioTools.moc"

@@ -1,4 +1,5 @@
 #include "StudioDriver.h"
+#include "support/TestClasses.h"
 
 #include "RySettings.h"
 
@@ -95,5 +96,5 @@ void tst_StudioViews::views()
     grab(QStringLiteral("brush"));
 }
 
-QTEST_MAIN(tst_StudioViews)
+RY_TEST_CLASS(tst_StudioViews, QApplication)
 #include "tst_StudioViews.moc"

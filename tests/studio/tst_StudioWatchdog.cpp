@@ -1,4 +1,5 @@
 #include "StudioScript.h"
+#include "support/TestClasses.h"
 
 #include "EventLoopWatch.h"
 #include "RySettings.h"
@@ -165,5 +166,5 @@ void tst_StudioWatchdog::saveAndOpen(StudioDriver &studio, const StudioScript::R
     report("open the session");
 }
 
-QTEST_MAIN(tst_StudioWatchdog)
+RY_TEST_CLASS(tst_StudioWatchdog, QApplication)
 #include "tst_StudioWatchdog.moc"

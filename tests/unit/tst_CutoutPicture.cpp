@@ -1,6 +1,7 @@
 #include "cutout/CutoutPicture.h"
 #include "cutout/EdgeOperations.h"
 #include "support/Masks.h"
+#include "support/TestClasses.h"
 
 #include <QColorSpace>
 #include <QPainter>
@@ -153,5 +154,5 @@ void tst_CutoutPicture::composes()
     QCOMPARE(CutoutPicture::cropped(mask.alpha, mask, options).size(), size);
 }
 
-QTEST_GUILESS_MAIN(tst_CutoutPicture)
+RY_TEST_CLASS(tst_CutoutPicture, QCoreApplication)
 #include "tst_CutoutPicture.moc"

@@ -1,5 +1,6 @@
 #include "DistanceMap.h"
 #include "Masks.h"
+#include "support/TestClasses.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -46,5 +47,5 @@ void tst_DistanceMap::findsTheNearestMark()
         }
 }
 
-QTEST_GUILESS_MAIN(tst_DistanceMap)
+RY_TEST_CLASS(tst_DistanceMap, QCoreApplication)
 #include "tst_DistanceMap.moc"

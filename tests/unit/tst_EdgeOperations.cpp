@@ -1,6 +1,7 @@
 #include "cutout/EdgeOperations.h"
 #include "support/Masks.h"
 #include "support/ReferenceEdges.h"
+#include "support/TestClasses.h"
 
 #include <QTest>
 
@@ -164,5 +165,5 @@ void tst_EdgeOperations::stops()
     QVERIFY(EdgeOperations::apply(mask, options, source.get_token()).alpha.isNull());
 }
 
-QTEST_GUILESS_MAIN(tst_EdgeOperations)
+RY_TEST_CLASS(tst_EdgeOperations, QCoreApplication)
 #include "tst_EdgeOperations.moc"

@@ -1,5 +1,6 @@
 #include "cutout/AppError.h"
 #include "gestures/GestureFile.h"
+#include "support/TestClasses.h"
 
 #include <QTest>
 
@@ -177,5 +178,5 @@ void tst_GestureFile::namesTheMalformedLine()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_GestureFile)
+RY_TEST_CLASS(tst_GestureFile, QCoreApplication)
 #include "tst_GestureFile.moc"

@@ -1,5 +1,6 @@
 #include "gestures/GestureFile.h"
 #include "gestures/GestureHistory.h"
+#include "support/TestClasses.h"
 
 #include <QTest>
 
@@ -83,5 +84,5 @@ void tst_GestureHistory::keepsStrokesTogether()
     QCOMPARE(found, sizes);
 }
 
-QTEST_GUILESS_MAIN(tst_GestureHistory)
+RY_TEST_CLASS(tst_GestureHistory, QCoreApplication)
 #include "tst_GestureHistory.moc"

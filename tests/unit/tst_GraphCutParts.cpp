@@ -4,6 +4,7 @@
 #include "graphcut/RyLabColor.h"
 #include "graphcut/RyLassoMargin.h"
 #include "graphcut/RyMaskParts.h"
+#include "support/TestClasses.h"
 
 #include <QPainter>
 #include <QRandomGenerator>
@@ -401,5 +402,5 @@ void tst_GraphCutParts::estimatesMargins()
              qPrintable(QStringLiteral("%1 instead of %2").arg(units).arg(margin)));
 }
 
-QTEST_GUILESS_MAIN(tst_GraphCutParts)
+RY_TEST_CLASS(tst_GraphCutParts, QCoreApplication)
 #include "tst_GraphCutParts.moc"

@@ -2,6 +2,7 @@
 #include "cutout/SvgOutline.h"
 #include "support/Masks.h"
 #include "support/SvgPath.h"
+#include "support/TestClasses.h"
 
 #include <QTest>
 #include <QXmlStreamReader>
@@ -110,5 +111,5 @@ void tst_MaskOutline::writesTheView()
     QVERIFY2(!reader.hasError(), qPrintable(reader.errorString()));
 }
 
-QTEST_GUILESS_MAIN(tst_MaskOutline)
+RY_TEST_CLASS(tst_MaskOutline, QCoreApplication)
 #include "tst_MaskOutline.moc"

@@ -1,5 +1,6 @@
 #include "MaskScore.h"
 #include "Masks.h"
+#include "support/TestClasses.h"
 
 #include <QTest>
 
@@ -74,5 +75,5 @@ void tst_MaskScore::judgesHandMadeMasks()
     QTEST(score.boundaryF(), "f");
 }
 
-QTEST_GUILESS_MAIN(tst_MaskScore)
+RY_TEST_CLASS(tst_MaskScore, QCoreApplication)
 #include "tst_MaskScore.moc"

@@ -1,6 +1,7 @@
 #include "regiongrowing/RyBackgroundExtractor.h"
 #include "regiongrowing/RyHistogram3D.h"
 #include "regiongrowing/RyHistogram3DIndex.h"
+#include "support/TestClasses.h"
 
 #include <QTest>
 
@@ -98,5 +99,5 @@ void tst_RyBackgroundExtractor::comparesCounts()
     QCOMPARE(extractor.extractBackground({-1, 2}, strip.mask), QSet<int>{}); // without a record
 }
 
-QTEST_GUILESS_MAIN(tst_RyBackgroundExtractor)
+RY_TEST_CLASS(tst_RyBackgroundExtractor, QCoreApplication)
 #include "tst_RyBackgroundExtractor.moc"

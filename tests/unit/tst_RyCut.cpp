@@ -5,6 +5,7 @@
 #include "segmentation/RyRegions.h"
 #include "support/Pixels.h"
 #include "support/Samples.h"
+#include "support/TestClasses.h"
 
 #include <QPainter>
 #include <QRandomGenerator>
@@ -200,5 +201,5 @@ void tst_RyCut::contoursNeedTwoOtherNeighbours()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_RyCut)
+RY_TEST_CLASS(tst_RyCut, QCoreApplication)
 #include "tst_RyCut.moc"

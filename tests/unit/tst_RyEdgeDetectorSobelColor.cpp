@@ -1,6 +1,7 @@
 #include "image/RyColorEdges_p.h"
 #include "image/RyImage.h"
 #include "regiongrowing/RyEdgeDetectorSobelColor.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QTest>
@@ -179,5 +180,5 @@ void tst_RyEdgeDetectorSobelColor::startsAnew()
     QCOMPARE(detector.mean() + detector.average(), 0.0);
 }
 
-QTEST_GUILESS_MAIN(tst_RyEdgeDetectorSobelColor)
+RY_TEST_CLASS(tst_RyEdgeDetectorSobelColor, QCoreApplication)
 #include "tst_RyEdgeDetectorSobelColor.moc"

@@ -3,6 +3,7 @@
 #include "segmentation/RyLasso.h"
 #include "support/Pixels.h"
 #include "support/Samples.h"
+#include "support/TestClasses.h"
 
 #include <QPainter>
 #include <QPainterPathStroker>
@@ -171,5 +172,5 @@ void tst_RyExpandedLasso::roundsPoints()
     QCOMPARE(RyGeometry::roundedPoint({1e300, -1e300}), QPoint(1000000000, -1000000000));
 }
 
-QTEST_GUILESS_MAIN(tst_RyExpandedLasso)
+RY_TEST_CLASS(tst_RyExpandedLasso, QCoreApplication)
 #include "tst_RyExpandedLasso.moc"

@@ -4,6 +4,7 @@
 #include "segmentation/RyGraphFirstCut.h"
 #include "support/CutScenes.h"
 #include "support/Samples.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QTest>
@@ -358,5 +359,5 @@ void tst_RyGraphCut::leavesAloneWhatIsFarFromCorrections()
     QCOMPARE(second.copy(far), first.copy(far));
 }
 
-QTEST_GUILESS_MAIN(tst_RyGraphCut)
+RY_TEST_CLASS(tst_RyGraphCut, QCoreApplication)
 #include "tst_RyGraphCut.moc"

@@ -1,4 +1,5 @@
 #include "settings/RyImageCutterSettings.h"
+#include "support/TestClasses.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -194,5 +195,5 @@ void tst_RyImageCutterSettings::triesAgainWhatCouldNotBeSaved()
     QCOMPARE(settings().backgroundColors().first(), QColor(Qt::blue));
 }
 
-QTEST_GUILESS_MAIN(tst_RyImageCutterSettings)
+RY_TEST_CLASS(tst_RyImageCutterSettings, QCoreApplication)
 #include "tst_RyImageCutterSettings.moc"

@@ -1,5 +1,6 @@
 #include "RyIntRange.h"
 #include "RyPlatformIndependent.h"
+#include "support/TestClasses.h"
 
 #include <QTest>
 
@@ -68,5 +69,5 @@ void tst_RyIntRange::splitsCoverTheRangeOnce()
     RyPlatformIndependent::instance().setCoreCountOverride(0);
 }
 
-QTEST_GUILESS_MAIN(tst_RyIntRange)
+RY_TEST_CLASS(tst_RyIntRange, QCoreApplication)
 #include "tst_RyIntRange.moc"

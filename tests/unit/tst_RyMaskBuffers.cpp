@@ -1,5 +1,6 @@
 #include "segmentation/RyMaskBuffers.h"
 #include "segmentation/RyPackedMask.h"
+#include "support/TestClasses.h"
 
 #include <QRandomGenerator>
 #include <QTest>
@@ -124,5 +125,5 @@ void tst_RyMaskBuffers::packsMasks()
         QCOMPARE(packed->unpacked(), mask);
 }
 
-QTEST_APPLESS_MAIN(tst_RyMaskBuffers)
+RY_TEST_CLASS(tst_RyMaskBuffers, QCoreApplication)
 #include "tst_RyMaskBuffers.moc"

@@ -1,4 +1,5 @@
 #include "graphcut/RyPixelFlow.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QRandomGenerator>
@@ -337,5 +338,5 @@ void tst_RyPixelFlow::runsAgain()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_RyPixelFlow)
+RY_TEST_CLASS(tst_RyPixelFlow, QCoreApplication)
 #include "tst_RyPixelFlow.moc"

@@ -2,6 +2,7 @@
 #include "scissors/RyPointPriorityQueue.h"
 #include "scissors/RyScissorsHeap.h"
 #include "support/ReferenceScissors.h"
+#include "support/TestClasses.h"
 
 #include <QRandomGenerator>
 #include <QSize>
@@ -221,5 +222,5 @@ void tst_RyPointPriorityQueue::blocksOfManyThreads()
     BlockPool::clear();
 }
 
-QTEST_GUILESS_MAIN(tst_RyPointPriorityQueue)
+RY_TEST_CLASS(tst_RyPointPriorityQueue, QCoreApplication)
 #include "tst_RyPointPriorityQueue.moc"

@@ -3,6 +3,7 @@
 #include "regiongrowing/RyRegionGrowingEdgeCandidate.h"
 #include "superpixels/RySlic.h"
 #include "support/ReferenceRegionGrowing.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QSignalSpy>
@@ -325,5 +326,5 @@ void tst_RyRegionGrowing::endsOnNoise()
     QVERIFY(growing.clusterCount() > 1);
 }
 
-QTEST_GUILESS_MAIN(tst_RyRegionGrowing)
+RY_TEST_CLASS(tst_RyRegionGrowing, QCoreApplication)
 #include "tst_RyRegionGrowing.moc"

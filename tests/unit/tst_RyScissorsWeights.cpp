@@ -1,6 +1,7 @@
 #include "scissors/RyIntelligentScissorsWeightCalculator.h"
 #include "scissors/RyScissorsWeightBlocks.h"
 #include "scissors/RyScissorsWeightKernels_p.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QTest>
@@ -362,5 +363,5 @@ void tst_RyScissorsWeights::goesWhileReadersWait()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_RyScissorsWeights)
+RY_TEST_CLASS(tst_RyScissorsWeights, QCoreApplication)
 #include "tst_RyScissorsWeights.moc"

@@ -1,4 +1,5 @@
 #include "segmentation/RySessionQueue.h"
+#include "support/TestClasses.h"
 
 #include <QTest>
 
@@ -126,5 +127,5 @@ void tst_RySessionQueue::fallsIdleOnceForEachBurst()
     QCOMPARE(m_queue->burst(), bursts.size());
 }
 
-QTEST_GUILESS_MAIN(tst_RySessionQueue)
+RY_TEST_CLASS(tst_RySessionQueue, QCoreApplication)
 #include "tst_RySessionQueue.moc"

@@ -2,6 +2,7 @@
 #include "superpixels/RySlic.h"
 #include "superpixels/RySlic_p.h"
 #include "support/ReferenceSlic.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QSignalSpy>
@@ -350,5 +351,5 @@ void tst_RySlic::refusesToMakeNoSuperPixels()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_RySlic)
+RY_TEST_CLASS(tst_RySlic, QCoreApplication)
 #include "tst_RySlic.moc"

@@ -2,6 +2,7 @@
 #include "colour/RyYCbCr.h"
 #include "image/RyImage.h"
 #include "image/RyImage_p.h"
+#include "support/TestClasses.h"
 #include "support/TestPictures.h"
 
 #include <QTest>
@@ -187,5 +188,5 @@ void tst_RyYCbCr::sharesGivenPlanes()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_RyYCbCr)
+RY_TEST_CLASS(tst_RyYCbCr, QCoreApplication)
 #include "tst_RyYCbCr.moc"

@@ -1,4 +1,5 @@
 #include "gestures/StrokePath.h"
+#include "support/TestClasses.h"
 
 #include <QTest>
 #include <QTransform>
@@ -47,5 +48,5 @@ void tst_StrokePath::covers()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_StrokePath)
+RY_TEST_CLASS(tst_StrokePath, QCoreApplication)
 #include "tst_StrokePath.moc"

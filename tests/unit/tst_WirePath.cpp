@@ -1,4 +1,5 @@
 #include "document/WirePath.h"
+#include "support/TestClasses.h"
 
 #include <QTest>
 
@@ -7,7 +8,7 @@ namespace {
 /// A closed wire of five nodes whose stretches have a point in the middle; the last one is straight.
 WirePath pentagon()
 {
-    const QPolygonF nodes{{1, 1}, {21, 1}, {31, 11}, {11, 31}, {1, 21}};
+    const QList<CutPoint> nodes{{1, 1}, {21, 1}, {31, 11}, {11, 31}, {1, 21}};
     WirePath path;
     path.begin(nodes.first());
     for (qsizetype i = 1; i < nodes.size(); ++i) {
@@ -110,7 +111,7 @@ void tst_WirePath::insertedNodesSplitAStretch()
     QFETCH(QPointF, node);
     WirePath path = pentagon();
     const QPolygonF outline = path.outline();
-    const auto place = path.placeNear(point, 2.0);
+    const auto place = path.placeNear(CutPoint(point), 2.0);
     QVERIFY(place);
     path.insertNode(*place);
     QCOMPARE(path.nodes().at(place->stretch + 1), node);
@@ -138,7 +139,7 @@ void tst_WirePath::lastNodesGo()
     pair.append(WirePath::straight({1, 1}, {9, 9}));
     pair.close(WirePath::known({{9, 9}, {1, 9}, {1, 1}}));
     pair.removeNode(0);
-    QCOMPARE(pair.nodes(), QList<QPointF>({{9, 9}}));
+    QCOMPARE(pair.nodes(), QList<CutPoint>({{9, 9}}));
     QVERIFY(!pair.isClosed());
 }
 
@@ -150,5 +151,5 @@ void tst_WirePath::outlineNamesEachPointOnce()
     QCOMPARE(outline.last(), QPointF(1, 21));
 }
 
-QTEST_GUILESS_MAIN(tst_WirePath)
+RY_TEST_CLASS(tst_WirePath, QCoreApplication)
 #include "tst_WirePath.moc"

@@ -32,7 +32,7 @@ void BackgroundLane::enqueue(const Task &task)
     Q_EMIT isBusyChanged(true);
 }
 
-/// What was cancelled may still run: the pool's only thread ends it first.
+/// Work that was cancelled may still run; the pool's only thread ends it first.
 void BackgroundLane::beginFirst()
 {
     ++m_begun;
@@ -68,7 +68,7 @@ void BackgroundLane::deliver(const Answer &answer, const std::stop_token &stop)
         beginFirst();
     if (!isBusy())
         Q_EMIT isBusyChanged(false);
-    if (!stop.stop_requested()) // whoever heard that may have cancelled
+    if (!stop.stop_requested()) // a slot may have cancelled
         answer();
 }
 

@@ -12,13 +12,14 @@
 /**
  * Work beside the event loop, one piece after the other.
  *
- * Work     gets a stop token and may end early once a stop is requested: nobody asks for its result
- *          then. What it returns has to be copyable.
- * Answers  come from the event loop, in the order of the calls: what work has returned, or why there
- *          is nothing. None comes after cancel(), or once the lane is gone.
+ * Work     gets a stop token and may end early once a stop is requested: nobody asks for its
+ *          result then. What it returns has to be copyable.
+ * Answers  come from the event loop, in the order of the calls: what work has returned, or why
+ *          there is nothing. None comes after cancel(), or once the lane is gone.
  * Errors   AppError and want of memory reach onError as a clause for people.
- * Threads  the lane belongs to its owner's thread, work is done in another one. The destructor waits
- *          for what runs, so a lane that comes last among the members of its owner may use the others.
+ * Threads  the lane belongs to its owner's thread, work is done in another one. The destructor
+ *          waits for what runs, so a lane that comes last among the members of its owner may use
+ *          the others.
  */
 class BackgroundLane : public QObject
 {

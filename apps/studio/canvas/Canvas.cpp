@@ -71,7 +71,7 @@ void Canvas::setTool(Tool *tool)
 
 void Canvas::setViewMode(ViewMode mode)
 {
-    m_edgePreview.setShowsColours(showsBackground(mode));
+    m_edgePreview.setShowsColors(showsBackground(mode));
     changeScene([this, mode](ViewScene &scene) {
         scene.mode = mode;
         scene.picture = pictureFor(scene);
@@ -114,15 +114,15 @@ void Canvas::changeScene(const std::function<void(ViewScene &)> &change)
 /// With a clean edge where one is to be seen: on a new background.
 ImagePyramid Canvas::pictureFor(const ViewScene &scene) const
 {
-    const ImagePyramid cleaned = m_edgePreview.colours();
+    const ImagePyramid cleaned = m_edgePreview.colors();
     const bool isCleaned = !cleaned.isNull() && showsBackground(scene.mode) && !scene.hidesMask;
     return isCleaned ? cleaned : m_document.opened().levels;
 }
 
 void Canvas::takeEdge()
 {
-    const bool wasCleaned = std::exchange(m_isCleaned, !m_edgePreview.colours().isNull());
-    if (wasCleaned || m_isCleaned) // else what the mask changes is enough
+    const bool wasCleaned = std::exchange(m_isCleaned, !m_edgePreview.colors().isNull());
+    if (wasCleaned || m_isCleaned) // else only what the mask changes is drawn anew
         changeScene([this](ViewScene &scene) { scene.picture = pictureFor(scene); });
     m_mask.setMask(m_edgePreview.mask());
 }
@@ -143,11 +143,11 @@ void Canvas::takeMask(const QRect &maskArea)
                                     .mapRect(QRectF(maskArea)));
 }
 
-void Canvas::updateTiles(const QRect &area)
+void Canvas::updateTiles(const QRect &scaledArea)
 {
     const double ratio = m_view.devicePixelRatio;
-    const QRectF onWidget(QPointF(area.topLeft() + m_view.origin) / ratio,
-                          QSizeF(area.size()) / ratio);
+    const QRectF onWidget(QPointF(scaledArea.topLeft() + m_view.origin) / ratio,
+                          QSizeF(scaledArea.size()) / ratio);
     update(onWidget.toAlignedRect());
 }
 
@@ -181,8 +181,8 @@ void Canvas::paintEvent(QPaintEvent *event)
         m_tool->paint(painter, m_view);
 }
 
-/// In pixels of the screen, counted from the picture's corner.
-QRect Canvas::onTiles(const QRect &widgetArea) const
+/// In pixels of the picture as it is scaled.
+QRect Canvas::toScaled(const QRect &widgetArea) const
 {
     const double ratio = m_view.devicePixelRatio;
     const QRectF onScreen(QPointF(widgetArea.topLeft()) * ratio, QSizeF(widgetArea.size()) * ratio);
@@ -194,7 +194,7 @@ void Canvas::prepareTiles(const QRegion &widgetRegion)
 {
     QList<QRect> areas;
     for (const QRect &area : widgetRegion)
-        areas.append(onTiles(area));
+        areas.append(toScaled(area));
     m_tiles.prepare(areas);
 }
 
@@ -204,7 +204,7 @@ void Canvas::paintTiles(QPainter &painter, const QRect &widgetArea)
     painter.save();
     painter.scale(1.0 / ratio, 1.0 / ratio);
     painter.translate(m_view.origin);
-    m_tiles.paint(painter, onTiles(widgetArea));
+    m_tiles.paint(painter, toScaled(widgetArea));
     painter.restore();
 }
 
@@ -231,27 +231,32 @@ void Canvas::zoomToFit()
         setView(fittingScale(), {});
 }
 
+WidgetPoint Canvas::middle() const
+{
+    return WidgetPoint(QRectF(rect()).center());
+}
+
 void Canvas::zoomToOriginal()
 {
-    zoomTo(1.0, QRectF(rect()).center());
+    zoomTo(1.0, middle());
 }
 
 void Canvas::zoomIn()
 {
-    zoomTo(m_view.scale * zoomStep, QRectF(rect()).center());
+    zoomTo(m_view.scale * zoomStep, middle());
 }
 
 void Canvas::zoomOut()
 {
-    zoomTo(m_view.scale / zoomStep, QRectF(rect()).center());
+    zoomTo(m_view.scale / zoomStep, middle());
 }
 
-void Canvas::zoomTo(double scale, const QPointF &fixedPoint)
+void Canvas::zoomTo(double scale, const WidgetPoint &fixedPoint)
 {
     moveView(scale, m_view.toPicture(fixedPoint), fixedPoint);
 }
 
-void Canvas::moveView(double scale, const QPointF &picturePoint, const QPointF &to)
+void Canvas::moveView(double scale, const PicturePoint &point, const WidgetPoint &to)
 {
     if (!m_document.hasPicture())
         return;
@@ -260,17 +265,17 @@ void Canvas::moveView(double scale, const QPointF &picturePoint, const QPointF &
     const double least =
             std::min(1.0, smallestPictureSide / std::max(picture.width(), picture.height()));
     const double clamped = std::clamp(scale, least, largestScale);
-    setView(clamped, to * m_view.devicePixelRatio - picturePoint * clamped);
+    setView(clamped, to * m_view.devicePixelRatio - point * clamped);
 }
 
-void Canvas::setView(double scale, const QPointF &origin)
+void Canvas::setView(double scale, const QPointF &screenOrigin)
 {
     if (m_tiles.scene().devicePixelRatio != devicePixelRatioF()) // also of another screen
         changeScene([this](ViewScene &scene) { scene.devicePixelRatio = devicePixelRatioF(); });
     const bool hasZoomed = scale != m_view.scale;
     m_view.scale = scale;
     m_view.devicePixelRatio = devicePixelRatioF();
-    m_view.origin = insideBounds(origin);
+    m_view.origin = insideBounds(screenOrigin);
     m_tiles.setScale(scale);
     m_tiles.setViewport(QRect(-m_view.origin, screenSize()));
     update();
@@ -279,7 +284,7 @@ void Canvas::setView(double scale, const QPointF &origin)
 }
 
 /// A picture that fits is centred; another one may be moved until its border is in the middle.
-QPoint Canvas::insideBounds(const QPointF &origin) const
+QPoint Canvas::insideBounds(const QPointF &screenOrigin) const
 {
     const QSizeF picture = QSizeF(m_document.picture().size()) * m_view.scale;
     const QSize room = screenSize();
@@ -288,8 +293,8 @@ QPoint Canvas::insideBounds(const QPointF &origin) const
             return int(std::lround((space - length) / 2.0));
         return int(std::lround(std::clamp(wanted, space / 2.0 - length, space / 2.0)));
     };
-    return {bounded(origin.x(), picture.width(), room.width()),
-            bounded(origin.y(), picture.height(), room.height())};
+    return {bounded(screenOrigin.x(), picture.width(), room.width()),
+            bounded(screenOrigin.y(), picture.height(), room.height())};
 }
 
 void Canvas::resizeEvent(QResizeEvent *)

@@ -46,9 +46,8 @@ public:
     bool hidesMask() const { return m_tiles.scene().hidesMask; }
 
     const ViewTransform &view() const { return m_view; }
-    /// Pixels of the screen for each pixel of the picture; the point, in pixels of the canvas, stays
-    /// where it is.
-    void zoomTo(double scale, const QPointF &fixedPoint);
+    /// Pixels of the screen for each pixel of the picture; the point stays where it is.
+    void zoomTo(double scale, const WidgetPoint &fixedPoint);
 
     /// True when all that is visible has been drawn as it is now.
     bool isUpToDate() const
@@ -89,15 +88,16 @@ private:
     ImagePyramid pictureFor(const ViewScene &scene) const;
     void takeEdge();
     void takeMask(const QRect &maskArea);
-    void updateTiles(const QRect &area);
+    void updateTiles(const QRect &scaledArea);
     void updateOverlay(const QRectF &pictureArea);
 
     double fittingScale() const;
     QSize screenSize() const; // of the canvas
-    void setView(double scale, const QPointF &origin);
+    WidgetPoint middle() const;
+    void setView(double scale, const QPointF &screenOrigin);
     /// Brings a point of the picture to one of the canvas.
-    void moveView(double scale, const QPointF &picturePoint, const QPointF &to);
-    QPoint insideBounds(const QPointF &origin) const;
+    void moveView(double scale, const PicturePoint &point, const WidgetPoint &to);
+    QPoint insideBounds(const QPointF &screenOrigin) const;
 
     PointerEvent pointerEvent(const QSinglePointEvent &event) const;
     void press(const QSinglePointEvent &event);
@@ -109,7 +109,7 @@ private:
     void keepView();
     void updateCursor();
     void holdHidingKey(bool isHeld);
-    QRect onTiles(const QRect &widgetArea) const;
+    QRect toScaled(const QRect &widgetArea) const;
     void prepareTiles(const QRegion &widgetRegion);
     void paintTiles(QPainter &painter, const QRect &widgetArea);
 
@@ -125,8 +125,8 @@ private:
     bool m_isHidingKeyHeld = false;
     bool m_isSpaceHeld = false;
     bool m_isPanning = false;
-    bool m_isPressed = false; // the tool has heard a press, and will hear its release
-    QPointF m_pinchedPoint;   // of the picture, between two fingers
-    QPointF m_panFrom;
-    QPointF m_panOrigin;
+    bool m_isPressed = false;    // the tool has heard a press, and will hear its release
+    PicturePoint m_pinchedPoint; // between two fingers
+    WidgetPoint m_panFrom;
+    QPoint m_panOrigin; // the view's, then
 };

@@ -40,8 +40,9 @@ bool Canvas::event(QEvent *event)
 
 PointerEvent Canvas::pointerEvent(const QSinglePointEvent &event) const
 {
-    return {.position = m_view.toPicture(event.position()),
-            .widgetPosition = event.position(),
+    const WidgetPoint point(event.position());
+    return {.position = m_view.toPicture(point),
+            .widgetPosition = point,
             .button = event.button(),
             .modifiers = event.modifiers(),
             .widgetScale = m_view.widgetScale(),
@@ -58,7 +59,7 @@ void Canvas::press(const QSinglePointEvent &event)
 {
     if (!m_isPressed && pansWith(event)) {
         m_isPanning = true;
-        m_panFrom = event.position();
+        m_panFrom = WidgetPoint(event.position());
         m_panOrigin = m_view.origin;
         updateCursor();
     } else if (m_tool && !m_isPanning) {
@@ -133,7 +134,7 @@ void Canvas::wheelEvent(QWheelEvent *event)
     const QPoint angle = event->angleDelta(); // with Alt, some systems turn it
     const double steps = (angle.y() != 0 ? angle.y() : angle.x()) / wheelStepAngle;
     if (steps != 0.0 && !(m_tool && m_tool->wheel(steps, event->modifiers())))
-        zoomTo(m_view.scale * std::pow(zoomPerStep, steps), event->position());
+        zoomTo(m_view.scale * std::pow(zoomPerStep, steps), WidgetPoint(event->position()));
     event->accept();
 }
 
@@ -145,7 +146,7 @@ void Canvas::pinch(QGestureEvent &event)
     event.accept();
     if (std::exchange(m_isPressed, false) && m_tool)
         m_tool->abandonPress(); // the first finger was there before the second one
-    const QPointF centre = mapFromGlobal(gesture->centerPoint());
+    const WidgetPoint centre(mapFromGlobal(gesture->centerPoint()));
     if (gesture->state() == Qt::GestureStarted)
         m_pinchedPoint = m_view.toPicture(centre);
     const bool hasZoomed = gesture->changeFlags().testFlag(QPinchGesture::ScaleFactorChanged);
@@ -156,7 +157,7 @@ bool Canvas::nativeGesture(const QNativeGestureEvent &event)
 {
     if (event.gestureType() != Qt::ZoomNativeGesture)
         return false;
-    zoomTo(m_view.scale * (1.0 + event.value()), event.position());
+    zoomTo(m_view.scale * (1.0 + event.value()), WidgetPoint(event.position()));
     return true;
 }
 
@@ -186,14 +187,14 @@ void Canvas::keyReleaseEvent(QKeyEvent *event)
     if (event->key() == Qt::Key_Space) {
         m_isSpaceHeld = false;
         updateCursor();
-    } else if (event->key() == m_hidingKey.key()) { // whatever else is still held
+    } else if (event->key() == m_hidingKey.key()) { // with or without its modifiers
         holdHidingKey(false);
     } else if (!m_tool || !m_tool->keyRelease(*event)) {
         QWidget::keyReleaseEvent(event);
     }
 }
 
-/// Keys that are held are released elsewhere.
+/// Their release would go to another widget.
 void Canvas::focusOutEvent(QFocusEvent *event)
 {
     m_isSpaceHeld = false;

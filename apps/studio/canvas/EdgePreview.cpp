@@ -38,10 +38,10 @@ EdgePreview::EdgePreview(const Document &document, QObject *parent)
     connect(&document, &Document::edgeSettingsChanged, this, &EdgePreview::takeSettings);
 }
 
-/// Whose colours are to be seen.
+/// Of the rim that is shown with clean colours; 0 for none.
 int EdgePreview::rimPixels() const
 {
-    return m_showsColours ? m_document.edgeSettings().cleanPixels() : 0;
+    return m_showsColors ? m_document.edgeSettings().cleanPixels() : 0;
 }
 
 bool EdgePreview::isNeeded() const
@@ -49,9 +49,9 @@ bool EdgePreview::isNeeded() const
     return m_document.hasCut() && (m_edges != EdgeOptions() || m_rim > 0);
 }
 
-void EdgePreview::setShowsColours(bool shows)
+void EdgePreview::setShowsColors(bool shows)
 {
-    m_showsColours = shows;
+    m_showsColors = shows;
     if (shows || m_rim == 0) {
         takeSettings();
         return;
@@ -95,7 +95,7 @@ void EdgePreview::start()
     const auto work = [source = m_document.cutoutSource(), rim = m_rim](
                               const std::stop_token &stop) { return edited(source, rim, stop); };
     const auto showEdited = [this](const Edge &edge) {
-        show({edge.mask, m_rim > 0 ? edge.colours : ImagePyramid()});
+        show({edge.mask, m_rim > 0 ? edge.colors : ImagePyramid()});
     };
     const auto showUnedited = [this](const QString &) { show({m_document.mask(), {}}); };
     m_lane.run(work, showEdited, showUnedited); // better a mask as it was than none
@@ -112,7 +112,7 @@ EdgePreview::Edge EdgePreview::edited(const CutoutSource &source, int rimPixels,
     if (edge.mask.isNull())
         throw std::bad_alloc();
     if (rimPixels > 0)
-        edge.colours = ImagePyramid::ofPhotograph(
+        edge.colors = ImagePyramid::ofPhotograph(
                 EdgeColors::cleaned(source.opened.picture, cutout, rimPixels));
     return edge;
 }

@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto frameBudget = 8ms;    // half a frame: the other half is for putting it on the screen
+constexpr auto frameBudget = 8ms;    // half a frame: the other half puts it on the screen
 constexpr qsizetype mostTiles = 400; // 100 MB
 
 } // namespace
@@ -37,24 +37,24 @@ void TileCache::setScene(const ViewScene &scene)
     for (Tile &tile : m_tiles)
         tile.wanted = m_version;
     m_formerTiles.clear();
-    Q_EMIT changed(sceneRect());
+    Q_EMIT changed(scaledRect());
 }
 
-void TileCache::setScene(const ViewScene &scene, const QRectF &changedArea)
+void TileCache::setScene(const ViewScene &scene, const QRectF &pictureArea)
 {
     m_scene = std::make_shared<ViewScene>(scene);
-    if (changedArea.isEmpty())
+    if (pictureArea.isEmpty())
         return;
     constexpr int margin = 3; // smooth drawing and outlines look at neighbours
-    const QRect area = QRectF(changedArea.topLeft() * m_scale, changedArea.size() * m_scale)
-                               .toAlignedRect()
-                               .adjusted(-margin, -margin, margin, margin);
+    const QRect scaledArea = QRectF(pictureArea.topLeft() * m_scale, pictureArea.size() * m_scale)
+                                     .toAlignedRect()
+                                     .adjusted(-margin, -margin, margin, margin);
     ++m_version;
     for (auto tile = m_tiles.begin(); tile != m_tiles.end(); ++tile)
-        if (rectOf(tile.key()).intersects(area))
+        if (rectOf(tile.key()).intersects(scaledArea))
             tile->wanted = m_version;
     m_formerTiles.clear();
-    Q_EMIT changed(area);
+    Q_EMIT changed(scaledArea);
 }
 
 void TileCache::setScale(double scale)
@@ -72,7 +72,7 @@ void TileCache::setScale(double scale)
 }
 
 /// Of a pixel of the screen that is covered in part, its middle decides, as it does in painting.
-QRect TileCache::sceneRect() const
+QRect TileCache::scaledRect() const
 {
     const QSizeF size = QSizeF(m_scene->picture.size()) * m_scale;
     return {QPoint(), size.toSize().expandedTo({1, 1})};
@@ -80,21 +80,21 @@ QRect TileCache::sceneRect() const
 
 QRect TileCache::rectOf(const QPoint &place) const
 {
-    return QRect(place * side, QSize(side, side)) & sceneRect();
+    return QRect(place * side, QSize(side, side)) & scaledRect();
 }
 
-QList<QPoint> TileCache::placesIn(const QRect &area)
+QList<QPoint> TileCache::placesIn(const QRect &scaledArea)
 {
     QList<QPoint> places;
-    for (int row = area.top() / side; row * side <= area.bottom(); ++row)
-        for (int column = area.left() / side; column * side <= area.right(); ++column)
+    for (int row = scaledArea.top() / side; row * side <= scaledArea.bottom(); ++row)
+        for (int column = scaledArea.left() / side; column * side <= scaledArea.right(); ++column)
             places.append({column, row});
     return places;
 }
 
 bool TileCache::isUpToDate() const
 {
-    return isUpToDate(placesIn(m_viewport & sceneRect()));
+    return isUpToDate(placesIn(m_viewport & scaledRect()));
 }
 
 bool TileCache::isUpToDate(const QList<QPoint> &places) const
@@ -105,24 +105,24 @@ bool TileCache::isUpToDate(const QList<QPoint> &places) const
     });
 }
 
-void TileCache::prepare(const QList<QRect> &areas)
+void TileCache::prepare(const QList<QRect> &scaledAreas)
 {
     QList<QPoint> places;
-    for (const QRect &area : areas)
-        places += placesIn(area & sceneRect());
+    for (const QRect &area : scaledAreas)
+        places += placesIn(area & scaledRect());
     waitFor(places);
 }
 
-void TileCache::paint(QPainter &painter, const QRect &area)
+void TileCache::paint(QPainter &painter, const QRect &scaledArea)
 {
-    for (const QPoint &place : placesIn(area & sceneRect()))
+    for (const QPoint &place : placesIn(scaledArea & scaledRect()))
         paintTile(painter, place);
     if (!m_formerTiles.isEmpty() && isUpToDate())
         m_formerTiles.clear();
     forgetOldTiles();
 }
 
-/// A new one wants what the scene is now: drawings of it that are still on their way are older.
+/// A new tile wants the present scene, not drawings of earlier ones that are still on their way.
 TileCache::Tile &TileCache::tileAt(const QPoint &place)
 {
     const auto tile = m_tiles.find(place);
@@ -194,7 +194,7 @@ void TileCache::paintTile(QPainter &painter, const QPoint &place)
         painter.drawImage(rect.topLeft(), tile.image);
 }
 
-/// What was there at the scale before, or at least the picture.
+/// The tiles of the last scale, over a coarse picture where there are none.
 void TileCache::paintPlaceholder(QPainter &painter, const QRect &rect) const
 {
     painter.save();

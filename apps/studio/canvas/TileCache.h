@@ -33,26 +33,27 @@ public:
     ~TileCache() override;
 
     const ViewScene &scene() const { return *m_scene; }
-    /// Only what lies within the area looks different from before; in pixels of the picture.
-    void setScene(const ViewScene &scene, const QRectF &changedArea);
+    /// Only what lies within this area of the picture looks different from before.
+    void setScene(const ViewScene &scene, const QRectF &pictureArea);
     /// Everything looks different.
     void setScene(const ViewScene &scene);
     /// Pixels of the screen that a pixel of the picture has, per side.
     void setScale(double scale);
 
-    /// What is looked at, in pixels of the screen counted from the picture's corner.
-    void setViewport(const QRect &viewport) { m_viewport = viewport; }
+    /// What is looked at, in pixels of the picture as it is scaled: the screen's, counted from the
+    /// picture's corner.
+    void setViewport(const QRect &scaledArea) { m_viewport = scaledArea; }
 
     /// Asks for what is not ready of these parts of the viewport, and waits for it as long as a
     /// frame may take. What comes later is announced by changed().
-    void prepare(const QList<QRect> &areas);
+    void prepare(const QList<QRect> &scaledAreas);
     /// One of the parts; the painter's pixels are the screen's.
-    void paint(QPainter &painter, const QRect &area);
+    void paint(QPainter &painter, const QRect &scaledArea);
     /// True when all of the viewport has been drawn as it is now.
     bool isUpToDate() const;
 
 Q_SIGNALS:
-    void changed(const QRect &area); ///< in the viewport's pixels
+    void changed(const QRect &scaledArea);
 
 private:
     static constexpr int side = 256;
@@ -75,8 +76,8 @@ private:
     using Tiles = QHash<QPoint, Tile>; // by column and row
 
     QRect rectOf(const QPoint &place) const;
-    QRect sceneRect() const;
-    static QList<QPoint> placesIn(const QRect &area);
+    QRect scaledRect() const; // of the whole picture
+    static QList<QPoint> placesIn(const QRect &scaledArea);
     bool isUpToDate(const QList<QPoint> &places) const;
     void paintTile(QPainter &painter, const QPoint &place);
     void paintPlaceholder(QPainter &painter, const QRect &rect) const;

@@ -20,9 +20,9 @@ constexpr QRgb contourColor = qRgba(255, 255, 255, 110);
 class Tile
 {
 public:
-    Tile(const ViewScene &scene, const QRect &area, double scale)
+    Tile(const ViewScene &scene, const QRect &scaledArea, double scale)
         : m_scene(scene)
-        , m_area(area)
+        , m_area(scaledArea)
         , m_scale(scale)
     {}
 
@@ -63,7 +63,7 @@ private:
             painter.drawImage(0, 0, tintedMask(Qt::black));
             break;
         case ViewMode::Background:
-            drawWholePicture(painter); // seen through a translucent colour
+            drawWholePicture(painter); // a translucent background lets it show
             painter.drawImage(0, 0, tintedMask(m_scene.backgroundColor));
             break;
         }
@@ -137,7 +137,7 @@ private:
     /// of them is seen on any picture.
     QImage outline() const
     {
-        const int reach = lineWidth(); // as far as neighbours decide
+        const int reach = lineWidth(); // neighbours this far away decide
         const Tile wider(m_scene, m_area.adjusted(-reach, -reach, reach, reach), m_scale);
         const QImage mask = wider.tintedMask(Qt::black);
         const QRect inside =
@@ -193,13 +193,13 @@ private:
     }
 
     const ViewScene &m_scene;
-    const QRect m_area;
+    const QRect m_area; // of the scaled picture
     const double m_scale;
 };
 
 } // namespace
 
-QImage TileRenderer::render(const ViewScene &scene, const QRect &area, double scale)
+QImage TileRenderer::render(const ViewScene &scene, const QRect &scaledArea, double scale)
 {
-    return Tile(scene, area, scale).render();
+    return Tile(scene, scaledArea, scale).render();
 }

@@ -8,8 +8,8 @@
 /// Draws parts of a scene.
 namespace TileRenderer {
 
-/// The area is in pixels of the screen, counted from the picture's corner; the scale says how many
-/// of them a pixel of the picture has. Format_RGB32. Any thread.
-QImage render(const ViewScene &scene, const QRect &area, double scale);
+/// The area is in pixels of the picture as it is scaled; the scale says how many of them each of
+/// the picture's own has. Format_RGB32. Any thread.
+QImage render(const ViewScene &scene, const QRect &scaledArea, double scale);
 
 } // namespace TileRenderer

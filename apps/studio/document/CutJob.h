@@ -31,7 +31,7 @@ struct GesturesJob : StepJob
 /// As a session file tells it, on top of all that its earlier steps did.
 struct ReplayJob : StepJob
 {
-    QPolygonF wire; ///< what a closed wire among its gestures encloses, in pixels of the session
+    QPolygonF wire; ///< what a closed wire among its gestures encloses, in pixels that are cut
 };
 
 /// Cut while it is drawn.

@@ -42,7 +42,7 @@ QString sentence(RyImageSegmentation::Failure failure)
                    : CutRunner::tr("The system has no thread left to cut this picture.");
 }
 
-/// More of it is to come.
+/// Temporary, as all parts of a stroke but the last one.
 bool isPartOfStroke(const Gesture &gesture)
 {
     const auto *const paint = std::get_if<Gesture::Paint>(&gesture.step);
@@ -67,7 +67,7 @@ CutRunner::CutRunner(QObject *parent)
                 if (isCutting())
                     Q_EMIT progress(currentStep, totalSteps);
             });
-    m_session.setRecordsSteps(false);  // steps for strokes have no names, and lack their last parts
+    m_session.setRecordsSteps(false);  // each CutStep tells what was before and after it
     m_session.setMaskColor(Qt::white); // only its transparency is looked at
 }
 
@@ -77,13 +77,13 @@ CutRunner::~CutRunner()
     m_session.cancel();
 }
 
-void CutRunner::setPicture(const QImage &picture, const QTransform &toSession)
+void CutRunner::setPicture(const QImage &picture, const QTransform &pictureToCut)
 {
     m_jobs.clear();
     m_running.reset();
     m_restoring.cancel();
     m_picture = picture;
-    m_toSession = toSession;
+    m_pictureToCut = pictureToCut;
     m_gestures.clear();
     m_hasCut = false;
     m_session.setup(picture, QFileInfo());
@@ -168,7 +168,7 @@ void CutRunner::cancel()
     advance();
 }
 
-/// It goes once the session has answered what has begun of it.
+/// The job itself goes once the session has answered what has begun of it.
 void CutRunner::giveUpFirst()
 {
     m_running->isGivenUp = true;
@@ -192,7 +192,7 @@ void CutRunner::restore(const CutState &state)
     if (m_running) {
         cancel();
         if (m_running)
-            m_running->before = state; // it goes there once the session has answered
+            m_running->before = state; // which comes once the session has answered
     }
     m_gestures = state.gestures;
     m_hasCut = state.memento != nullptr;
@@ -229,12 +229,13 @@ CutState CutRunner::state() const
             m_gestures};
 }
 
-QSet<int> CutRunner::regionsUnder(const QPointF &point, double diameter) const
+QSet<int> CutRunner::regionsUnder(const PicturePoint &point, double diameter) const
 {
     if (!m_hasCut)
         return {};
-    const double scale = std::sqrt(m_toSession.determinant()); // rounding may make its sides differ
-    return m_session.superpixels(m_toSession.map(point).toPoint(),
+    const double scale =
+            std::sqrt(m_pictureToCut.determinant()); // rounding may make the two directions differ
+    return m_session.superpixels(m_pictureToCut.map(point).toPoint(),
                                  std::max(1, int(std::lround(diameter * scale))));
 }
 
@@ -246,7 +247,7 @@ QList<Gesture> CutRunner::gestures() const
     return m_hasCut ? all : QList<Gesture>();
 }
 
-/// Whatever comes ends the stroke that is being added to: nothing could overtake it.
+/// A stroke that could still grow is ended, since nothing overtakes it.
 void CutRunner::enqueue(CutJob job)
 {
     if (StrokeJob *const stroke = openStroke())
@@ -258,7 +259,7 @@ void CutRunner::enqueue(CutJob job)
 void CutRunner::advance()
 {
     if (m_isAdvancing)
-        return; // who hears of a step may ask for another one
+        return; // whoever hears of a step may ask for another one
     {
         const QScopedValueRollback advancing(m_isAdvancing, true);
         while (!m_restoring.isBusy() && !m_jobs.empty() && performFirst()) {
@@ -298,7 +299,7 @@ bool CutRunner::goOnWithStep()
 void CutRunner::beginStep()
 {
     const CutJob &job = m_jobs.front();
-    m_running = Running{.before = state()};
+    m_running.emplace().before = state();
     if (const auto *const gestures = std::get_if<GesturesJob>(&job))
         m_running->before.wire = gestures->wire;
     // A lasso inside the last one would use its regions again, and its cut would depend on lassos
@@ -326,7 +327,7 @@ void CutRunner::start(const Gesture &gesture)
         GestureStarter(m_session, {}).start(Gesture::Lasso{replay->wire}); // as it is, unrounded
         return;
     }
-    const GestureStarter starter(m_session, m_toSession);
+    const GestureStarter starter(m_session, m_pictureToCut);
     const auto startStep = [&starter](const auto &step) {
         if constexpr (requires { starter.start(step); })
             starter.start(step);
@@ -338,7 +339,7 @@ void CutRunner::finishStep(const CutJob &job, const Running &running)
 {
     const StepJob &step = *stepOf(job);
     if (running.failure)
-        m_session.reset(); // what could not be done may wait
+        m_session.reset(); // or it would be done with the next request
     if (running.isGivenUp || running.failure) {
         restore(running.before);
         if (running.failure)
@@ -358,8 +359,8 @@ void CutRunner::finishStep(const CutJob &job, const Running &running)
     Q_EMIT stepDone({step.name, running.before, after});
 }
 
-/// Masks tell that there is something new; what is true now is what the session holds. So none that
-/// was on its way when something was cancelled can come back.
+/// Masks tell that there is something new; what is true now is what the session holds. So none
+/// that was on its way when something was cancelled can come back.
 void CutRunner::hearMask(const QImage &mask)
 {
     if (m_jobs.empty() || m_restoring.isBusy() || (m_running && m_running->isGivenUp))

@@ -3,6 +3,7 @@
 #include "background/BackgroundLane.h"
 #include "document/CutJob.h"
 #include "document/CutState.h"
+#include "document/Points.h"
 #include "document/ReplayStep.h"
 #include "gestures/Gesture.h"
 #include "segmentation/RyImageSegmentation.h"
@@ -19,8 +20,8 @@
 #include <optional>
 
 /**
- * Leads a segmentation session through steps, one after the other, without waiting: a step is one or
- * more gestures, and done when the session has answered them all.
+ * Leads a segmentation session through steps, one after the other, without waiting: a step is one
+ * or more gestures, and done when the session has answered them all.
  *
  * The session records nothing by itself: each step here tells what was there before and after it.
  *
@@ -41,18 +42,18 @@ public:
     explicit CutRunner(QObject *parent = nullptr);
     ~CutRunner() override;
 
-    /// Begins anew. The picture has the size it is cut at, gestures are in pixels that the transform
-    /// takes there.
-    void setPicture(const QImage &picture, const QTransform &toSession);
+    /// Begins anew, with the picture in the size that it is cut at. Gestures are in pixels of the
+    /// whole picture, which the transform takes there.
+    void setPicture(const QImage &picture, const QTransform &pictureToCut);
 
-    /// A step of gestures that are known already, each made when the one before it is answered; the
-    /// wire that they use, if any, is part of the state before them.
+    /// A step of gestures that are known already, each made when the one before it is answered;
+    /// the wire that they use, if any, is part of the state before them.
     void apply(const QString &name, const QList<Gesture> &gestures,
                const std::shared_ptr<const UsedWire> &wire = {});
     /// A step of a session file, on top of all that its earlier ones did.
     void replay(const QString &name, const ReplayStep &step);
-    /// A step of several ones, shown as they come: begin(), add() any number of times, then end(), or
-    /// abandon() as if it had not begun.
+    /// A step of several ones, shown as they come: begin(), add() any number of times, then
+    /// end(), or abandon() as if it had not begun.
     void begin(const QString &name);
     void add(const Gesture &gesture);
     void end();
@@ -70,11 +71,12 @@ public:
     CutState state() const;
     QList<Gesture> gestures() const;
 
-    QImage mask() const { return m_mask; } ///< in the session's size and format; null without a cut
+    /// In the session's size and format; null without a cut.
+    QImage mask() const { return m_mask; }
     QImage labels() const { return m_labels; }
-    /// The regions under a round brush; in pixels of the picture.
-    QSet<int> regionsUnder(const QPointF &point, double diameter) const;
-    /// In pixels of the session's picture.
+    /// The regions under a round brush; its diameter is in pixels of the picture.
+    QSet<int> regionsUnder(const PicturePoint &point, double diameter) const;
+    /// In pixels of the size that the picture is cut at.
     QList<QPoint> pointsOfRegion(int region) const { return m_regions.value(region); }
 
 Q_SIGNALS:
@@ -114,7 +116,7 @@ private:
     void setRegions(const RyMementoSegmentation *memento);
     void announceCutting();
 
-    QTransform m_toSession;
+    QTransform m_pictureToCut;
     QImage m_picture;
     QList<QList<Gesture>> m_gestures; // of the state, step by step, without what is under way
     bool m_hasCut = false;

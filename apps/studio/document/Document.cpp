@@ -47,7 +47,7 @@ void Document::setPicture(const OpenedPicture &picture)
     Q_EMIT pictureChanged();
 }
 
-QSet<int> Document::regionsUnder(const QPointF &point, double diameter) const
+QSet<int> Document::regionsUnder(const PicturePoint &point, double diameter) const
 {
     return m_runner.regionsUnder(point, diameter);
 }
@@ -83,7 +83,7 @@ void Document::cutLasso(const QPolygonF &lasso)
     if (!hasPicture())
         return;
     if (isCutting())
-        m_runner.cancel(); // nobody waits for it any more
+        m_runner.cancel(); // the new lasso takes its place
     apply({methodGesture(), Gesture(Gesture::Lasso{lasso})});
 }
 
@@ -138,7 +138,7 @@ void Document::takeForMask(const QPolygonF &outline, const std::shared_ptr<const
                    wire);
 }
 
-void Document::toggleRegion(const QPointF &point)
+void Document::toggleRegion(const PicturePoint &point)
 {
     if (hasCut() && !isCutting())
         apply({Gesture(Gesture::Click{point})});
@@ -150,7 +150,7 @@ void Document::invert()
         apply({Gesture(Gesture::Invert{})});
 }
 
-void Document::beginStroke(const Brush &brush, const QPointF &point)
+void Document::beginStroke(const Brush &brush, const PicturePoint &point)
 {
     if (!hasCut() || isCutting())
         return;
@@ -168,7 +168,7 @@ void Document::continueStroke(const QPolygonF &points)
 
 void Document::addToStroke(const QPolygonF &points)
 {
-    m_lastStrokePoint = points.last();
+    m_lastStrokePoint = PicturePoint(points.last());
     m_runner.add(strokeGesture(points));
 }
 
@@ -267,7 +267,7 @@ void Document::redo()
         m_runner.whenIdle([this] { m_undoController->redo(); });
 }
 
-/// Once, however many steps were gone through.
+/// Once for a click in the history, even if it goes through many steps.
 void Document::returnWire()
 {
     if (const auto wire = std::exchange(m_wireBeforeNext, std::nullopt))

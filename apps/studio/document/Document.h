@@ -4,6 +4,7 @@
 #include "document/CutRunner.h"
 #include "document/CutoutSource.h"
 #include "document/OpenedPicture.h"
+#include "document/Points.h"
 #include "document/ReplayStep.h"
 #include "document/WireUse.h"
 
@@ -55,11 +56,12 @@ public:
     QImage picture() const { return m_opened.picture; }
 
     bool hasCut() const { return !m_runner.mask().isNull(); }
-    /// In the size and format of the session's: transparent where the object is. Null without a cut.
+    /// In the size and format of the session's: transparent where the object is. Null without a
+    /// cut.
     QImage mask() const { return m_runner.mask(); }
     /// The regions in the mask's size, a number a pixel, 0 for none. Null without a cut.
     QImage labels() const { return m_runner.labels(); }
-    QSet<int> regionsUnder(const QPointF &point, double diameter) const;
+    QSet<int> regionsUnder(const PicturePoint &point, double diameter) const;
     /// In pixels of the labels.
     QList<QPoint> pointsOfRegion(int region) const { return m_runner.pointsOfRegion(region); }
 
@@ -76,11 +78,11 @@ public:
     bool isReplaying() const { return m_replaySteps > 0; }
 
     void cutLasso(const QPolygonF &lasso);
-    /// The outline closes itself. Without a cut, nothing can be taken away. The wire comes back when
-    /// this is undone.
+    /// The outline closes itself. Without a cut, nothing can be taken away. The wire comes back
+    /// when this is undone.
     void useWire(const QPolygonF &outline, WireUse use,
                  const std::shared_ptr<const UsedWire> &wire = {});
-    void toggleRegion(const QPointF &point);
+    void toggleRegion(const PicturePoint &point);
     void invert();
     /// How lassos are cut from now on; what is cut already stays until it is cut anew.
     void setCutMethod(RyImageSegmentation::CutMethod method) { m_cutMethod = method; }
@@ -88,7 +90,7 @@ public:
     /// Cuts the last lasso anew. By graph cuts, everything that corrections have touched stays.
     void recut();
     /// A stroke is shown while it is drawn: begin, add points any number of times, end or abandon.
-    void beginStroke(const Brush &brush, const QPointF &point);
+    void beginStroke(const Brush &brush, const PicturePoint &point);
     void continueStroke(const QPolygonF &points);
     void endStroke();
     void abandonStroke();
@@ -142,7 +144,7 @@ private:
     OpenedPicture m_opened;
     RyImageSegmentation::CutMethod m_cutMethod = RyImageSegmentation::CutMethod::GraphCut;
     Brush m_brush;
-    QPointF m_lastStrokePoint;
+    PicturePoint m_lastStrokePoint;
     EdgeSettings m_edges;
     std::weak_ptr<EdgeStep> m_edgeStep; // the undo stack's; null when nothing can go on with it
     int m_edgeStepIndex = 0;            // of the stack, right after that step

@@ -21,8 +21,8 @@ public:
     };
 
     ImagePyramid() = default;
-    /// Format_RGB32, Format_ARGB32_Premultiplied or Format_Alpha8; without memory, a pyramid of fewer
-    /// levels.
+    /// Format_RGB32, Format_ARGB32_Premultiplied or Format_Alpha8; without memory, a pyramid of
+    /// fewer levels.
     explicit ImagePyramid(const QImage &picture);
     /// Of any picture; one without transparency lends its own pixels.
     static ImagePyramid ofPhotograph(const QImage &picture);

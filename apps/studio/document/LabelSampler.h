@@ -4,12 +4,11 @@
 #include <QList>
 #include <QSize>
 
-/// The regions as the screen sees them: which one lies under which of its pixels, counted from the
-/// picture's corner.
+/// Which region lies under which pixel of the picture as it is scaled for the screen.
 class LabelSampler
 {
 public:
-    /// The scale says how many pixels of the screen a pixel of the picture has.
+    /// The scale says how many of these each pixel of the picture has, per side.
     LabelSampler(const QImage &labels, const QSize &pictureSize, double scale);
 
     /// Where in a row of labels each of the columns from left on finds its own.

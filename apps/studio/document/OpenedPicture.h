@@ -2,6 +2,7 @@
 
 #include "cutout/CuttingScale.h"
 #include "document/ImagePyramid.h"
+#include "document/Points.h"
 #include "gestures/GestureFile.h"
 
 #include <QImage>
@@ -17,4 +18,9 @@ struct OpenedPicture
     CuttingScale scale{QSize(), 0};
     QImage cuttingPicture; ///< in the size that it is cut at
     ImagePyramid levels;
+
+    CutPoint toCut(const PicturePoint &point) const
+    {
+        return CutPoint(scale.reducing().map(point));
+    }
 };

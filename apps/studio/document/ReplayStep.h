@@ -9,5 +9,5 @@
 struct ReplayStep
 {
     QList<Gesture> gestures; ///< one thing that its user did
-    QPolygonF wire;          ///< what a closed wire among them encloses, in pixels of the session
+    QPolygonF wire;          ///< what a closed wire among them encloses, in pixels that are cut
 };

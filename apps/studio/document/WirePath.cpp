@@ -24,12 +24,12 @@ QPointF nearestOnSegment(const QPointF &point, const QPointF &from, const QPoint
 
 } // namespace
 
-WirePath::Stretch WirePath::straight(const QPointF &from, const QPointF &to)
+WirePath::Stretch WirePath::straight(const CutPoint &from, const CutPoint &to)
 {
     return {true, true, {from, to}};
 }
 
-WirePath::Stretch WirePath::unknown(const QPointF &from, const QPointF &to)
+WirePath::Stretch WirePath::unknown(const CutPoint &from, const CutPoint &to)
 {
     return {false, false, {from, to}};
 }
@@ -62,7 +62,7 @@ QPolygonF WirePath::outline() const
     return line;
 }
 
-void WirePath::begin(const QPointF &node)
+void WirePath::begin(const CutPoint &node)
 {
     m_nodes = {node};
     m_stretches.clear();
@@ -70,7 +70,7 @@ void WirePath::begin(const QPointF &node)
 
 void WirePath::append(const Stretch &stretch)
 {
-    m_nodes.append(stretch.line.last());
+    m_nodes.append(CutPoint(stretch.line.last()));
     m_stretches.append(stretch);
 }
 
@@ -97,17 +97,17 @@ qsizetype WirePath::next(qsizetype node) const
     return node + 1 < m_nodes.size() ? node + 1 : (isClosed() ? 0 : -1);
 }
 
-/// The stretch's nodes are others now.
+/// After a node of the stretch has moved or gone.
 void WirePath::connectAnew(qsizetype stretch)
 {
     if (stretch < 0)
         return;
-    const QPointF from = m_nodes.at(stretch), to = m_nodes.at((stretch + 1) % m_nodes.size());
+    const CutPoint from = m_nodes.at(stretch), to = m_nodes.at((stretch + 1) % m_nodes.size());
     const bool isStraight = m_stretches.at(stretch).isStraight;
     m_stretches[stretch] = isStraight ? straight(from, to) : unknown(from, to);
 }
 
-void WirePath::moveNode(qsizetype node, const QPointF &position)
+void WirePath::moveNode(qsizetype node, const CutPoint &position)
 {
     m_nodes[node] = position;
     connectAnew(stretchBefore(node));
@@ -121,8 +121,8 @@ void WirePath::insertNode(const Place &place)
     before.line = before.line.first(place.index + 1);
     after.line = after.line.sliced(place.index);
     if (before.isStraight) { // in the middle of a line with two points
-        before = straight(before.line.first(), place.point);
-        after = straight(place.point, after.line.last());
+        before = straight(CutPoint(before.line.first()), place.point);
+        after = straight(place.point, CutPoint(after.line.last()));
     }
     m_nodes.insert(place.stretch + 1, place.point);
     m_stretches[place.stretch] = before;
@@ -142,7 +142,7 @@ void WirePath::removeNode(qsizetype node)
         connectAnew(before - (after < before ? 1 : 0));
 }
 
-qsizetype WirePath::nodeNear(const QPointF &point, double radius) const
+qsizetype WirePath::nodeNear(const CutPoint &point, double radius) const
 {
     qsizetype found = -1;
     for (qsizetype i = 0; i < m_nodes.size(); ++i) {
@@ -155,7 +155,7 @@ qsizetype WirePath::nodeNear(const QPointF &point, double radius) const
     return found;
 }
 
-std::optional<WirePath::Place> WirePath::placeNear(const QPointF &point, double radius) const
+std::optional<WirePath::Place> WirePath::placeNear(const CutPoint &point, double radius) const
 {
     std::optional<Place> found;
     for (qsizetype s = 0; s < m_stretches.size(); ++s) {
@@ -167,7 +167,7 @@ std::optional<WirePath::Place> WirePath::placeNear(const QPointF &point, double 
             if (length > radius)
                 continue;
             radius = length;
-            found = {s, i, stretch.isStraight ? nearest : from};
+            found = {s, i, CutPoint(stretch.isStraight ? nearest : from)};
         }
     }
     return found;

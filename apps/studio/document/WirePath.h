@@ -1,16 +1,17 @@
 #pragma once
 
+#include "document/Points.h"
+
 #include <QList>
-#include <QPointF>
 #include <QPolygonF>
 
 #include <optional>
 
 /**
- * A wire as a person lays it: nodes, and a stretch from each to the next, which follows edges or is
- * straight. In pixels of the picture that it is laid on.
+ * A wire as a person lays it: nodes, and a stretch from each to the next, which follows edges or
+ * is straight. In pixels of the size that the picture is cut at.
  *
- * A plain value: copies are what undoing goes back to. How stretches run is for others to find out.
+ * A plain value: copies are what undoing goes back to. WireEditor finds out how stretches run.
  */
 class WirePath
 {
@@ -26,32 +27,32 @@ public:
     {
         qsizetype stretch = 0;
         qsizetype index = 0; ///< of the line's point, or of the one before it
-        QPointF point;
+        CutPoint point;
     };
 
-    static Stretch straight(const QPointF &from, const QPointF &to);
-    static Stretch unknown(const QPointF &from, const QPointF &to);
+    static Stretch straight(const CutPoint &from, const CutPoint &to);
+    static Stretch unknown(const CutPoint &from, const CutPoint &to);
     /// The line leads there.
     static Stretch known(const QPolygonF &line);
 
     bool isEmpty() const { return m_nodes.isEmpty(); }
     bool isClosed() const { return !isEmpty() && m_stretches.size() == m_nodes.size(); }
-    const QList<QPointF> &nodes() const { return m_nodes; }
+    const QList<CutPoint> &nodes() const { return m_nodes; }
     /// One less than nodes; as many when the last one leads back to the first node.
     const QList<Stretch> &stretches() const { return m_stretches; }
     std::optional<qsizetype> firstUnknown() const;
     /// All stretches as one line. Closes itself when the wire is closed.
     QPolygonF outline() const;
 
-    void begin(const QPointF &node);
+    void begin(const CutPoint &node);
     void append(const Stretch &stretch); ///< to a new node
     bool canClose() const { return !isClosed() && m_nodes.size() >= fewestNodes; }
     void close(const Stretch &stretch); ///< to the first node
-    void removeLast();                  ///< node with its stretch; the closing one of a closed wire
+    void removeLast(); ///< node with its stretch; of a closed wire, the closing stretch
 
     void setStretch(qsizetype index, const Stretch &stretch) { m_stretches[index] = stretch; }
     /// These three change the stretches beside the node, and no others.
-    void moveNode(qsizetype node, const QPointF &position);
+    void moveNode(qsizetype node, const CutPoint &position);
     void insertNode(const Place &place);
     void removeNode(qsizetype node);
 
@@ -61,14 +62,14 @@ public:
     qsizetype stretchAfter(qsizetype node) const { return next(node) < 0 ? -1 : node; }
 
     /// The nearest one within the radius, or -1.
-    qsizetype nodeNear(const QPointF &point, double radius) const;
-    std::optional<Place> placeNear(const QPointF &point, double radius) const;
+    qsizetype nodeNear(const CutPoint &point, double radius) const;
+    std::optional<Place> placeNear(const CutPoint &point, double radius) const;
 
 private:
     static constexpr qsizetype fewestNodes = 2; // two wires between them may enclose something
 
     void connectAnew(qsizetype stretch);
 
-    QList<QPointF> m_nodes;
+    QList<CutPoint> m_nodes;
     QList<Stretch> m_stretches;
 };

@@ -36,7 +36,7 @@ QString nameOf(const QString &session)
 std::unique_ptr<QLockFile> lockFor(const QString &name)
 {
     auto lock = std::make_unique<QLockFile>(pathOf(name, QLatin1StringView(".lock")));
-    lock->setStaleLockTime(0); // only a program that is no more gives its lock up, however old
+    lock->setStaleLockTime(0); // a lock is never too old while its program runs
     return lock;
 }
 
@@ -72,7 +72,7 @@ Autosave::~Autosave()
         removeFiles(m_name);
 }
 
-/// What is played is in its file.
+/// A session that is played is in its file.
 bool Autosave::hasWork() const
 {
     return m_document.isModified() && m_document.hasCut() && !m_document.isReplaying();
@@ -81,7 +81,7 @@ bool Autosave::hasWork() const
 void Autosave::update()
 {
     if (hasWork()) {
-        if (!m_timer.isActive()) // not later because more comes
+        if (!m_timer.isActive()) // further changes do not put it off
             m_timer.start();
         return;
     }
@@ -94,7 +94,7 @@ void Autosave::write()
     if (!hasWork())
         return;
     if (m_saver.isSaving()) {
-        m_timer.start(); // one at a time: it may be given up, and a picture takes seconds
+        m_timer.start(); // one at a time: a pasted picture takes seconds
         return;
     }
     if (!m_lock) {
@@ -106,7 +106,7 @@ void Autosave::write()
                  m_document.opened());
 }
 
-/// Beside the event loop, for a lock is written through to the disk. What is to be kept follows.
+/// Beside the event loop, since a lock is written through to the disk. Writing follows.
 void Autosave::lock()
 {
     if (m_locking.isBusy())
@@ -140,7 +140,7 @@ void Autosave::removeOwn()
         removeFiles(m_name);
 }
 
-/// Under their lock, which goes last.
+/// The lock goes last, so that no other program takes them meanwhile.
 void Autosave::removeFiles(const QString &name)
 {
     QFile::remove(sessionOf(name));

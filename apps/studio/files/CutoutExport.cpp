@@ -15,7 +15,7 @@
 
 namespace {
 
-QString tr(const char *text)
+QString reason(const char *text)
 {
     return QCoreApplication::translate("CutoutExport", text);
 }
@@ -23,7 +23,7 @@ QString tr(const char *text)
 void throwIfStopped(const std::stop_token &stop)
 {
     if (stop.stop_requested())
-        throw AppError(tr("it was cancelled"));
+        throw AppError(reason("it was cancelled"));
 }
 
 CutoutMask objectMask(const CutoutSource &source, const std::stop_token &stop)
@@ -33,7 +33,7 @@ CutoutMask objectMask(const CutoutSource &source, const std::stop_token &stop)
     if (mask.alpha.isNull())
         throw std::bad_alloc();
     if (MaskImage::objectBox(mask.alpha).isEmpty())
-        throw AppError(tr("nothing is left of the object"));
+        throw AppError(reason("nothing is left of the object"));
     return mask;
 }
 
@@ -73,7 +73,7 @@ void CutoutExport::write(const QString &fileName, ExportKind kind, const CutoutS
     // A device or a pipe would be replaced by a file of the same name.
     const QFileInfo present(fileName);
     if (present.exists() && !present.isFile())
-        throw AppError(tr("there is something of this name that is not a file"));
+        throw AppError(reason("there is something of this name that is not a file"));
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly))
         throw AppError(file.errorString());

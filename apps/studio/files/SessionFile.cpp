@@ -20,12 +20,7 @@
 
 namespace {
 
-QString tr(const char *text)
-{
-    return QCoreApplication::translate("SessionFile", text);
-}
-
-/// For sessions that do not tell: the picture that is called like them.
+/// For sessions that tell no picture: one of the same name.
 QString namesake(const QFileInfo &session)
 {
     const QList<QByteArray> formats = QImageReader::supportedImageFormats();
@@ -47,7 +42,7 @@ QString findPicture(const QFileInfo &session, const QString &told)
     return file.isFile() ? QDir::cleanPath(file.absoluteFilePath()) : QString();
 }
 
-/// From the session's folder on where the picture lies in it or below it, so that both can be moved
+/// Relative where the picture lies in the session's folder or below it, so that both can be moved
 /// together.
 QString nameFor(const QString &picture, const QFileInfo &session)
 {
@@ -76,7 +71,7 @@ QByteArray encoded(const QImage &picture)
     return bytes;
 }
 
-/// A picture that the studio keeps goes with the session of its name.
+/// A picture in the state folder is deleted with the session of its name.
 bool hasFileThatStays(const OpenedPicture &picture, const QFileInfo &session)
 {
     if (!StateFolder::holds(picture.fileName))
@@ -106,12 +101,11 @@ public:
     /// The closed wire's outline for a gesture that closes one.
     QPolygonF add(const Gesture &gesture)
     {
-        const QTransform toSession = m_picture.scale.reducing();
         if (const auto *const seed = std::get_if<Gesture::Seed>(&gesture.step)) {
-            begin(toSession.map(seed->point));
+            begin(m_picture.toCut(PicturePoint(seed->point)));
             m_gestures = {gesture};
         } else if (const auto *const wire = std::get_if<Gesture::Wire>(&gesture.step)) {
-            require(m_tracer.continueTo(toSession.map(wire->point)));
+            require(m_tracer.continueTo(m_picture.toCut(PicturePoint(wire->point))));
             m_gestures.append(gesture);
         } else if (std::holds_alternative<Gesture::Close>(gesture.step)) {
             require(m_tracer.close());
@@ -124,7 +118,7 @@ public:
     QList<Gesture> gestures() const { return m_gestures; } ///< of the wire, from its seed on
 
 private:
-    void begin(const QPointF &point)
+    void begin(const CutPoint &point)
     {
         if (!m_hasPicture)
             m_tracer.setPicture(RyScissorsEdgePicture::edgePicture(m_picture.cuttingPicture));
@@ -135,7 +129,8 @@ private:
     static void require(bool isFound)
     {
         if (!isFound)
-            throw AppError(tr("one of its wires does not find its way on this picture"));
+            throw AppError(QCoreApplication::translate(
+                    "SessionFile", "one of its wires does not find its way on this picture"));
     }
 
     const OpenedPicture &m_picture;
@@ -178,7 +173,7 @@ SessionFile::Contents SessionFile::read(const QString &fileName)
 
 QString SessionFile::pictureFile(const QString &fileName)
 {
-    constexpr qint64 headBytes = 16384; // the picture is told above all gestures
+    constexpr qint64 headBytes = 16384; // the picture stands above all gestures
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         return {};

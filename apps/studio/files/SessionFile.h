@@ -36,8 +36,8 @@ Contents read(const QString &fileName);
 /// none. Reads no more than that takes.
 QString pictureFile(const QString &fileName);
 
-/// What leads to the file's cut, ready to be played on the picture. Once a stop is requested, whatever
-/// there is by then.
+/// What leads to the file's cut, ready to be played on the picture. Once a stop is requested,
+/// whatever there is by then.
 QList<ReplayStep> steps(const GestureFile &file, const OpenedPicture &picture,
                         const std::stop_token &stop);
 

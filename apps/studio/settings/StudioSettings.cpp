@@ -6,7 +6,7 @@
 namespace {
 
 constexpr QLatin1Char lineEnd('\n');
-constexpr QLatin1StringView group("Studio");
+constexpr QLatin1StringView studioGroup("Studio");
 constexpr QLatin1Char tab('\t');
 constexpr QColor defaultMaskColor{24, 100, 220, 150};
 
@@ -26,7 +26,7 @@ QStringList StudioSettings::recentFiles() const
 void StudioSettings::addRecentFile(const QString &fileName)
 {
     if (fileName.contains(lineEnd))
-        return; // no line could hold it
+        return; // the file has one name a line
     QStringList files = recentFiles();
     files.removeAll(fileName);
     files.prepend(fileName);
@@ -108,7 +108,7 @@ void StudioSettings::loadSettings()
 {
     m_lane.waitForDone();
     const RySettingsLock lock;
-    beginGroup(group);
+    beginGroup(studioGroup);
     load(&m_items.regionBrushWidth);
     load(&m_items.pixelBrushWidth);
     load(&m_items.maskColor);
@@ -127,11 +127,11 @@ void StudioSettings::saveSettings()
     m_lane.run(work, [this](const QString &error) { Q_EMIT saved(error); });
 }
 
-/// The lane's thread. Items that were changed here count as changed until they are written.
+/// The lane's thread. What is unchanged since the last time is left as other programs have set it.
 void StudioSettings::write(const Items &items)
 {
     const RySettingsLock lock;
-    beginGroup(group);
+    beginGroup(studioGroup);
     const auto saveChanged = [this](auto &written, const auto &item) {
         if (written.value() != item.value())
             written.setValue(item.value());

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr QLatin1StringView group("Window");
+constexpr QLatin1StringView windowGroup("Window");
 
 QByteArray decoded(const RyConfigItem<QString> &item)
 {
@@ -40,7 +40,7 @@ void WindowSettings::setWindow(const QByteArray &newGeometry, const QByteArray &
 void WindowSettings::loadSettings()
 {
     const RySettingsLock lock;
-    beginGroup(group);
+    beginGroup(windowGroup);
     load(&m_geometry);
     load(&m_layout);
     endGroup();
@@ -49,7 +49,7 @@ void WindowSettings::loadSettings()
 void WindowSettings::saveSettings()
 {
     const RySettingsLock lock;
-    beginGroup(group);
+    beginGroup(windowGroup);
     save(&m_geometry);
     save(&m_layout);
     endGroup();

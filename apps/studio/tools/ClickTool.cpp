@@ -30,7 +30,7 @@ void ClickTool::press(const PointerEvent &event)
         m_pressed = event.position;
 }
 
-/// Where it was pressed: hands are not quiet.
+/// Where it was pressed, since hands move a little before they release.
 void ClickTool::release(const PointerEvent &)
 {
     const auto point = std::exchange(m_pressed, std::nullopt);

@@ -27,5 +27,5 @@ private:
     void highlight(const QSet<int> &regions);
 
     RegionHighlight m_highlight;
-    std::optional<QPointF> m_pressed; // until the button is released
+    std::optional<PicturePoint> m_pressed; // until the button is released
 };

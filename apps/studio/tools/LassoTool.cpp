@@ -15,7 +15,7 @@ constexpr double closingRadius = 10.0; // pixels of the canvas
 constexpr double dragDistance = 4.0;   // below that a press is a click
 constexpr qsizetype fewestPoints = 3;
 
-double distance(const QPointF &a, const QPointF &b)
+double lengthBetween(const QPointF &a, const QPointF &b)
 {
     return QLineF(a, b).length();
 }
@@ -69,7 +69,7 @@ void LassoTool::move(const PointerEvent &event)
     if (!m_isPressed)
         return;
     m_pointer = event.position;
-    if (!m_isDragging && distance(event.widgetPosition, m_pressedOnWidget) < dragDistance)
+    if (!m_isDragging && lengthBetween(event.widgetPosition, m_pressedOnWidget) < dragDistance)
         return;
     m_isDragging = true;
     const QPointF last = m_points.last();
@@ -97,10 +97,10 @@ void LassoTool::doubleClick(const PointerEvent &event)
 
 void LassoTool::hover(const PointerEvent &event)
 {
-    const QPointF before = std::exchange(m_pointer, event.position);
+    const PicturePoint before = std::exchange(m_pointer, event.position);
     if (m_points.isEmpty())
         return;
-    for (const QPointF &end : {before, event.position, m_points.first()})
+    for (const QPointF &end : QPolygonF{before, event.position, m_points.first()})
         Q_EMIT overlayChanged(between(m_points.last(), end));
 }
 
@@ -117,7 +117,7 @@ bool LassoTool::keyPress(const QKeyEvent &event)
 bool LassoTool::wouldClose(const PointerEvent &event) const
 {
     return m_points.size() >= fewestPoints &&
-           distance(event.position, m_points.first()) * event.widgetScale < closingRadius;
+           lengthBetween(event.position, m_points.first()) * event.widgetScale < closingRadius;
 }
 
 void LassoTool::close()
@@ -204,7 +204,7 @@ void LassoTool::paint(QPainter &painter, const ViewTransform &view) const
 void LassoTool::paintOpen(QPainter &painter, const ViewTransform &view) const
 {
     const QPolygonF line = view.pictureToWidget().map(m_points);
-    const QPointF pointer = view.toWidget(m_pointer);
+    const WidgetPoint pointer = view.toWidget(m_pointer);
     OverlayLine::draw(painter, line, Qt::SolidLine);
     if (m_isDragging && m_parts.size() == 1)
         return;
@@ -212,7 +212,7 @@ void LassoTool::paintOpen(QPainter &painter, const ViewTransform &view) const
     painter.setPen(QPen(OverlayLine::rimColor, 1.0));
     for (const qsizetype part : m_parts) {
         const bool closes = part == 0 && m_points.size() >= fewestPoints &&
-                            distance(line.first(), pointer) < closingRadius;
+                            lengthBetween(line.first(), pointer) < closingRadius;
         painter.setBrush(closes ? QColor(81, 207, 102) : QColor(Qt::white));
         const double radius = closes ? 5.5 : 3.5;
         painter.drawEllipse(line.at(part), radius, radius);

@@ -44,8 +44,8 @@ private:
     QList<qsizetype> m_parts;  // where each click or drag begins
     QList<QPolygonF> m_undone; // parts that were taken back, the first of them last
     QPolygonF m_beingCut;      // shown until the cut is there
-    QPointF m_pointer;
-    QPointF m_pressedOnWidget;
+    PicturePoint m_pointer;
+    WidgetPoint m_pressedOnWidget;
     bool m_isDragging = false;
     bool m_isPressed = false;
 };

@@ -64,7 +64,7 @@ void RegionHighlight::paint(QPainter &painter, const ViewTransform &view) const
     painter.restore();
 }
 
-QImage RegionHighlight::drawn(const QRect &screenArea, double scale) const
+QImage RegionHighlight::drawn(const QRect &scaledArea, double scale) const
 {
     QList<QRgb> colors(*std::max_element(m_regions.begin(), m_regions.end()) + 1, 0);
     for (const int region : m_regions)
@@ -73,10 +73,10 @@ QImage RegionHighlight::drawn(const QRect &screenArea, double scale) const
         return size_t(region) < size_t(colors.size()) ? colors.at(region) : 0;
     };
     const LabelSampler labels(m_document.labels(), m_document.picture().size(), scale);
-    const QList<int> columns = labels.columns(screenArea.left(), screenArea.width());
-    QImage image(screenArea.size(), QImage::Format_ARGB32_Premultiplied);
+    const QList<int> columns = labels.columns(scaledArea.left(), scaledArea.width());
+    QImage image(scaledArea.size(), QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < image.height(); ++y) {
-        const int *const row = labels.row(screenArea.top() + y);
+        const int *const row = labels.row(scaledArea.top() + y);
         auto *const out = reinterpret_cast<QRgb *>(image.scanLine(y));
         for (int x = 0; x < image.width(); ++x)
             out[x] = colorOf(row[columns[x]]);

@@ -28,12 +28,12 @@ public:
 
 private:
     QRect boxOf(int region);
-    QImage drawn(const QRect &screenArea, double scale) const;
+    QImage drawn(const QRect &scaledArea, double scale) const;
 
     const Document &m_document;
     QSet<int> m_regions;
     QColor m_color;
-    QRect m_box;               // of all regions, in pixels of the labels
+    QRect m_box;               // of all regions, in pixels that are cut
     qint64 m_labelsKey = 0;    // of the labels that the regions belong to
     QHash<int, QRect> m_boxes; // of regions that were shown before
 };

@@ -63,8 +63,8 @@ void RoundBrush::setWidth(int wanted)
 void RoundBrush::grow(double steps)
 {
     const int grown = int(std::lround(width() * std::pow(growthPerStep, steps)));
-    const int least =
-            steps > 0 ? width() + 1 : width() - 1; // narrow brushes would stay as they are
+    const int least = steps > 0 ? width() + 1
+                                : width() - 1; // rounding would leave narrow brushes as they are
     setWidth(steps > 0 ? std::max(grown, least) : std::min(grown, least));
 }
 
@@ -101,7 +101,8 @@ QWidget *RoundBrush::createControls(QWidget *parent)
     return controls;
 }
 
-void RoundBrush::paint(QPainter &painter, const ViewTransform &view, const QPointF &centre) const
+void RoundBrush::paint(QPainter &painter, const ViewTransform &view,
+                       const PicturePoint &centre) const
 {
     constexpr double smallestShown = 1.5;
     const double radius = std::max(smallestShown, width() * view.widgetScale() / 2.0);

@@ -4,7 +4,6 @@
 #include "tools/ViewTransform.h"
 
 #include <QObject>
-#include <QPointF>
 
 class QPainter;
 class QWidget;
@@ -29,7 +28,7 @@ public:
 
     /// A slider and a number.
     QWidget *createControls(QWidget *parent);
-    void paint(QPainter &painter, const ViewTransform &view, const QPointF &centre) const;
+    void paint(QPainter &painter, const ViewTransform &view, const PicturePoint &centre) const;
 
 Q_SIGNALS:
     void widthChanged(int width);

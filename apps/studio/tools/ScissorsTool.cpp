@@ -15,9 +15,9 @@
 
 namespace {
 
-constexpr double nodeRadius = 9.0;    // pixels of the canvas, within which a node is meant
-constexpr double stretchRadius = 7.0; // and within which a stretch is
-constexpr double dragDistance = 4.0;  // below that a press is a click
+constexpr double nodeRadius = 9.0;       // pixels of the canvas, within which a node is meant
+constexpr double stretchRadius = 7.0;    // and within which a stretch is
+constexpr double nodeDragDistance = 4.0; // below that a press is a click
 
 /// Short numbers for session files; far less than a pixel is lost.
 QPolygonF rounded(QPolygonF points)
@@ -34,7 +34,7 @@ ScissorsTool::ScissorsTool(Document &document, QObject *parent)
     : Tool(document, parent)
 {
     connect(&document, &Document::pictureChanged, this, [this] {
-        m_toCut = this->document().opened().scale.reducing();
+        m_pictureToCut = this->document().opened().scale.reducing();
         m_editor.setPicture(this->document().opened().cuttingPicture);
     });
     connect(&document, &Document::isCuttingChanged, this, [this](bool isCutting) {
@@ -47,7 +47,7 @@ ScissorsTool::ScissorsTool(Document &document, QObject *parent)
     connect(document.undoStack(), &QUndoStack::indexChanged, this, [this] {
         m_inUse.reset();
         if (!this->document().undoStack()->canRedo())
-            m_returned.reset(); // nothing is left that would use it again
+            m_returned.reset(); // no redo would use it again
     });
     connect(&m_editor, &WireEditor::edited, this, [this] { m_returned.reset(); });
     connect(&m_editor, &WireEditor::changed, this, [this] {
@@ -125,12 +125,13 @@ void ScissorsTool::setUse(WireUse use)
 
 double ScissorsTool::radius(double widgetPixels, const PointerEvent &event) const
 {
-    return widgetPixels / event.widgetScale * m_toCut.m11();
+    return widgetPixels / event.widgetScale * m_pictureToCut.m11();
 }
 
-QRectF ScissorsTool::toPicture(const QRectF &area) const
+QRectF ScissorsTool::toPicture(const QRectF &cutArea) const
 {
-    return m_toCut.inverted().mapRect(area.adjusted(-0.5, -0.5, 0.5, 0.5)); // null means all
+    return m_pictureToCut.inverted().mapRect(
+            cutArea.adjusted(-0.5, -0.5, 0.5, 0.5)); // null means all
 }
 
 void ScissorsTool::press(const PointerEvent &event)
@@ -154,7 +155,7 @@ void ScissorsTool::press(const PointerEvent &event)
 /// A node that is there can be dragged from here on, and so can one that comes by the press.
 void ScissorsTool::pressLeft(const PointerEvent &event)
 {
-    const QPointF point = toCut(event.position);
+    const CutPoint point = toCut(event.position);
     const WirePath &path = m_editor.path();
     m_pressedNode = path.nodeNear(point, radius(nodeRadius, event));
     if (m_pressedNode >= 0)
@@ -170,7 +171,7 @@ void ScissorsTool::pressLeft(const PointerEvent &event)
 }
 
 /// Where a click adds a node to the wire that is there. Ctrl leads an open one across itself.
-std::optional<WirePath::Place> ScissorsTool::placeToInsert(const QPointF &point, double radius,
+std::optional<WirePath::Place> ScissorsTool::placeToInsert(const CutPoint &point, double radius,
                                                            bool leadsOn) const
 {
     const WirePath &path = m_editor.path();
@@ -183,7 +184,7 @@ void ScissorsTool::move(const PointerEvent &event)
 {
     if (!m_isPressed || m_pressedNode < 0)
         return;
-    const bool isFar = QLineF(event.widgetPosition, m_pressedOnWidget).length() >= dragDistance;
+    const bool isFar = QLineF(event.widgetPosition, m_pressedOnWidget).length() >= nodeDragDistance;
     if (!m_editor.isMoving() && isFar)
         m_editor.beginMove(m_pressedNode);
     if (m_editor.isMoving())
@@ -203,7 +204,7 @@ void ScissorsTool::release(const PointerEvent &event)
     m_pressedNode = -1;
 }
 
-/// The wire becomes another one: what is held stays where it is, and may be gone soon.
+/// Before the wire changes otherwise: a node that is held stays where it is, and may go.
 void ScissorsTool::endPress()
 {
     m_isPressed = false;
@@ -222,7 +223,7 @@ void ScissorsTool::abandonPress()
 void ScissorsTool::doubleClick(const PointerEvent &event)
 {
     const WirePath &path = m_editor.path();
-    const QPointF point = toCut(event.position);
+    const CutPoint point = toCut(event.position);
     const qsizetype node = path.nodeNear(point, radius(nodeRadius, event));
     const bool isOnWire = node >= 0 || path.placeNear(point, radius(stretchRadius, event));
     if (path.isClosed() && !isOnWire && path.outline().containsPoint(point, Qt::WindingFill))
@@ -243,7 +244,7 @@ void ScissorsTool::hover(const PointerEvent &event)
     follow(toCut(event.position), event.modifiers.testFlag(Qt::ControlModifier));
 }
 
-void ScissorsTool::follow(const QPointF &point, bool isStraight)
+void ScissorsTool::follow(const CutPoint &point, bool isStraight)
 {
     m_pointer = point;
     const qsizetype node = nodeUnderPointer();
@@ -260,13 +261,13 @@ qsizetype ScissorsTool::nodeUnderPointer() const
     return m_pointer ? m_editor.path().nodeNear(*m_pointer, m_nodeRadius) : -1;
 }
 
-/// What was marked is no longer, unless it is the same.
-void ScissorsTool::mark(qsizetype node, const std::optional<QPointF> &insertion)
+/// Instead of what was marked before.
+void ScissorsTool::mark(qsizetype node, const std::optional<CutPoint> &insertion)
 {
-    const auto renew = [this](const QPointF &point) {
+    const auto renew = [this](const CutPoint &point) {
         Q_EMIT overlayChanged(toPicture(QRectF(point, QSizeF())));
     };
-    const QList<QPointF> &nodes = m_editor.path().nodes();
+    const QList<CutPoint> &nodes = m_editor.path().nodes();
     const qsizetype nodeBefore = std::exchange(m_markedNode, node);
     const auto insertionBefore = std::exchange(m_insertion, insertion);
     for (const qsizetype index : {nodeBefore, node}) {
@@ -346,7 +347,7 @@ void ScissorsTool::apply()
 
 void ScissorsTool::applyNow()
 {
-    const QPolygonF outline = rounded(m_toCut.inverted().map(m_editor.path().outline()));
+    const QPolygonF outline = rounded(m_pictureToCut.inverted().map(m_editor.path().outline()));
     const QRectF box = outline.boundingRect();
     if (box.width() < 1.0 || box.height() < 1.0) {
         Q_EMIT message(tr("The wire encloses nothing."));
@@ -362,7 +363,7 @@ void ScissorsTool::applyNow()
     Q_EMIT overlayChanged({});
 }
 
-/// What was not cut in the end can be worked on, unless there is another wire by now.
+/// A wire whose cut was cancelled can be worked on, unless there is another one by now.
 void ScissorsTool::endUse()
 {
     m_beingUsed.clear();

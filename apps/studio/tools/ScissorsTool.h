@@ -56,33 +56,33 @@ private:
     void pressLeft(const PointerEvent &event);
     void endPress();
     void closeOrApply();
-    void follow(const QPointF &point, bool isStraight);
-    void mark(qsizetype node, const std::optional<QPointF> &insertion);
-    std::optional<WirePath::Place> placeToInsert(const QPointF &point, double radius,
+    void follow(const CutPoint &point, bool isStraight);
+    void mark(qsizetype node, const std::optional<CutPoint> &insertion);
+    std::optional<WirePath::Place> placeToInsert(const CutPoint &point, double radius,
                                                  bool leadsOn) const;
     qsizetype nodeUnderPointer() const;
     void applyNow();
     void endUse();
     void takeBack(const std::shared_ptr<const UsedWire> &wire);
-    QPointF toCut(const QPointF &picturePoint) const { return m_toCut.map(picturePoint); }
-    QRectF toPicture(const QRectF &area) const;
-    /// Of pixels of the widget, in those of the wire.
+    CutPoint toCut(const PicturePoint &point) const { return CutPoint(m_pictureToCut.map(point)); }
+    QRectF toPicture(const QRectF &cutArea) const;
+    /// Of pixels of the widget, in those that are cut.
     double radius(double widgetPixels, const PointerEvent &event) const;
-    void paintStretches(QPainter &painter, const QTransform &toWidget) const;
-    void paintNodes(QPainter &painter, const QTransform &toWidget) const;
+    void paintStretches(QPainter &painter, const QTransform &cutToWidget) const;
+    void paintNodes(QPainter &painter, const QTransform &cutToWidget) const;
 
     WireEditor m_editor;
     WireUse m_use = WireUse::Mask; // wires lie on edges, where lassos had better not
-    QTransform m_toCut;    // from the picture to the size it is cut at, where wires are laid
-    QPolygonF m_beingUsed; // shown until the cut is there; in pixels of the picture
+    QTransform m_pictureToCut;     // wires are laid in the size that is cut
+    QPolygonF m_beingUsed;         // shown until the cut is there; in pixels of the picture
     std::shared_ptr<const UsedWire> m_inUse;    // meanwhile, until that is a step
     std::shared_ptr<const UsedWire> m_returned; // lies there unchanged, to be used again by redo
-    std::optional<QPointF> m_pointer;           // in pixels of the wire; null when it is elsewhere
+    std::optional<CutPoint> m_pointer;          // null when it is elsewhere
     double m_nodeRadius = 0.0;                  // about the pointer
     double m_stretchRadius = 0.0;
-    qsizetype m_markedNode = -1;        // under the pointer
-    std::optional<QPointF> m_insertion; // the node that a click would add to the wire that is there
-    QPointF m_pressedOnWidget;
+    qsizetype m_markedNode = -1;         // under the pointer
+    std::optional<CutPoint> m_insertion; // where a click would add a node to the wire
+    WidgetPoint m_pressedOnWidget;
     qsizetype m_pressedNode = -1;
     qsizetype m_changesAtPress = 0;
     bool m_isPressed = false;

@@ -36,7 +36,7 @@ protected:
                QObject *parent);
 
     const RoundBrush &brush() const { return m_brush; }
-    std::optional<QPointF> pointer() const { return m_pointer; }
+    std::optional<PicturePoint> pointer() const { return m_pointer; }
     bool isDrawing() const { return m_isDrawing; }
     bool takesAway() const { return m_takesAway; }
 
@@ -51,7 +51,7 @@ private:
 
     const Document::StrokeKind m_kind;
     RoundBrush m_brush;
-    std::optional<QPointF> m_pointer; // while it is over the canvas
+    std::optional<PicturePoint> m_pointer; // while it is over the canvas
     bool m_isDrawing = false;
     bool m_takesAway = false;
 };

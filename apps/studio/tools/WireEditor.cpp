@@ -80,7 +80,7 @@ void WireEditor::takeEdges(const QImage &edges)
     goOn();
 }
 
-void WireEditor::leadTo(const QPointF &point, bool isStraight)
+void WireEditor::leadTo(const CutPoint &point, bool isStraight)
 {
     m_pointer = WireSearch::snapped(point, m_size);
     m_isStraight = isStraight;
@@ -101,23 +101,23 @@ void WireEditor::updateLead()
     if (!leads) {
         m_lead = {};
     } else {
-        const QPointF last = m_path.nodes().last();
+        const CutPoint last = m_path.nodes().last();
         m_ahead.setSeed(last);
         const QPolygonF wire = m_isStraight ? QPolygonF() : m_ahead.wireTo(*m_pointer);
         if (!wire.isEmpty())
             m_lead.wire = wire;
         else if (m_isStraight || m_lead.wire.isEmpty() || m_lead.wire.first() != last)
             m_lead.wire.clear();
-        const QPointF known = m_lead.wire.isEmpty() ? last : m_lead.wire.last();
+        const QPointF known = m_lead.wire.isEmpty() ? QPointF(last) : m_lead.wire.last();
         m_lead.guess = known == *m_pointer ? QPolygonF() : QPolygonF({known, *m_pointer});
     }
     if (m_lead.wire != before.wire || m_lead.guess != before.guess)
         Q_EMIT areaChanged(areaOf(before).united(areaOf(m_lead)));
 }
 
-WirePath::Stretch WireEditor::stretchTo(const QPointF &node, bool isStraight)
+WirePath::Stretch WireEditor::stretchTo(const CutPoint &node, bool isStraight)
 {
-    const QPointF last = m_path.nodes().last();
+    const CutPoint last = m_path.nodes().last();
     if (isStraight)
         return WirePath::straight(last, node);
     m_ahead.setSeed(last);
@@ -125,9 +125,9 @@ WirePath::Stretch WireEditor::stretchTo(const QPointF &node, bool isStraight)
     return wire.isEmpty() ? WirePath::unknown(last, node) : WirePath::known(wire);
 }
 
-void WireEditor::addNode(const QPointF &point, bool isStraight)
+void WireEditor::addNode(const CutPoint &point, bool isStraight)
 {
-    const QPointF node = WireSearch::snapped(point, m_size);
+    const CutPoint node = WireSearch::snapped(point, m_size);
     if (m_path.isClosed() || (!m_path.isEmpty() && m_path.nodes().last() == node))
         return;
     m_pointer = node;
@@ -169,7 +169,7 @@ void WireEditor::note()
 
 void WireEditor::change(const std::function<void(WirePath &)> &edit)
 {
-    m_moved = -1; // its node may be another one by now, or gone
+    m_moved = -1; // the change may renumber its node, or remove it
     note();
     edit(m_path);
     announce(m_undo.last());
@@ -190,9 +190,9 @@ void WireEditor::beginMove(qsizetype node)
     updateLead();
 }
 
-void WireEditor::moveTo(const QPointF &point)
+void WireEditor::moveTo(const CutPoint &point)
 {
-    const QPointF node = WireSearch::snapped(point, m_size);
+    const CutPoint node = WireSearch::snapped(point, m_size);
     if (!isMoving() || node == m_path.nodes().at(m_moved))
         return;
     const WirePath before = m_path;
@@ -205,7 +205,7 @@ void WireEditor::moveTo(const QPointF &point)
 /// it at once.
 void WireEditor::updateMove()
 {
-    const QPointF node = m_path.nodes().at(m_moved);
+    const CutPoint node = m_path.nodes().at(m_moved);
     moveStretch(m_path.stretchBefore(m_moved), m_ahead.wireTo(node));
     moveStretch(m_path.stretchAfter(m_moved), reversed(m_behind.wireTo(node)));
 }
@@ -295,18 +295,19 @@ void WireEditor::findUnknown()
     while (const auto unknown = m_path.firstUnknown()) {
         if (!m_behind.isReady())
             return;
-        const QPolygonF ends = m_path.stretches().at(*unknown).line;
-        m_behind.setSeed(ends.first());
+        const QPolygonF line = m_path.stretches().at(*unknown).line;
+        const CutPoint from(line.first()), to(line.last());
+        m_behind.setSeed(from);
         const bool isSearching = m_behind.isSearching(); // asked first: it may end between the two
-        const QPolygonF wire = m_behind.wireTo(ends.last());
+        const QPolygonF wire = m_behind.wireTo(to);
         if (wire.isEmpty() && isSearching)
             return; // until it has advanced
-        m_path.setStretch(*unknown, wire.isEmpty() ? WirePath::straight(ends.first(), ends.last())
-                                                   : WirePath::known(wire));
+        m_path.setStretch(*unknown,
+                          wire.isEmpty() ? WirePath::straight(from, to) : WirePath::known(wire));
         Q_EMIT stretchChanged(*unknown);
         if (isComplete())
             Q_EMIT completed();
     }
     if (m_behind.isSearching())
-        m_behind.stop(); // its thread would only keep others waiting
+        m_behind.stop(); // it would only take time from the other one
 }

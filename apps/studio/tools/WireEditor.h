@@ -13,9 +13,9 @@
 #include <optional>
 
 /**
- * A wire that is laid along the edges of a picture, and changed afterwards. Nodes can be set, moved
- * and removed whatever a stretch takes to be found; stretches follow when they are known, and are
- * straight where no wire leads.
+ * A wire that is laid along the edges of a picture, and changed afterwards. Nodes can be set,
+ * moved and removed whatever a stretch takes to be found; stretches follow when they are known,
+ * and are straight where no wire leads.
  *
  * Input    points in pixels of the picture; nodes lie where wires can end.
  * Threads  the GUI thread. The picture of edges is made beside it.
@@ -42,17 +42,17 @@ public:
         QPolygonF guess;
     };
     const Lead &lead() const { return m_lead; }
-    void leadTo(const QPointF &point, bool isStraight);
+    void leadTo(const CutPoint &point, bool isStraight);
     void leadNowhere();
 
-    void addNode(const QPointF &point, bool isStraight);
+    void addNode(const CutPoint &point, bool isStraight);
     void close(bool isStraight);
     void removeLast();
     void insertNode(const WirePath::Place &place);
     void removeNode(qsizetype node);
     /// Any number of moves are one change.
     void beginMove(qsizetype node);
-    void moveTo(const QPointF &point);
+    void moveTo(const CutPoint &point);
     void endMove();
     bool isMoving() const { return m_moved >= 0; }
 
@@ -83,7 +83,7 @@ private:
     void updateLead();
     void updateMove();
     void moveStretch(qsizetype stretch, const QPolygonF &wire);
-    WirePath::Stretch stretchTo(const QPointF &node, bool isStraight);
+    WirePath::Stretch stretchTo(const CutPoint &node, bool isStraight);
     void takeEdges(const QImage &edges);
 
     QImage m_picture; // until its edges are made
@@ -92,7 +92,7 @@ private:
     QList<WirePath> m_undo;
     QList<WirePath> m_redo;
     Lead m_lead;
-    std::optional<QPointF> m_pointer;
+    std::optional<CutPoint> m_pointer;
     bool m_isStraight = false;
     qsizetype m_moved = -1; // node
     WireSearch m_ahead;     // from the last node, or from the one before a moved node

@@ -8,12 +8,12 @@ namespace {
 /// Wires consist of points that stand for so many pixels in both directions.
 constexpr int gridStep = 2;
 
-/// Of the grid's point at or below the coordinate, within so many pixels.
+/// In pixels, of the grid's point at or below the coordinate, within so many pixels.
 double snappedCoordinate(double coordinate, int pixels)
 {
-    const int last = (std::max(pixels, 1) - 1) / gridStep;
-    const int point = int(std::floor(std::clamp(coordinate, 0.0, double(pixels)) / gridStep));
-    return std::clamp(point, 0, last) * gridStep + gridStep / 2;
+    const int lastGridPoint = (std::max(pixels, 1) - 1) / gridStep;
+    const int gridPoint = int(std::floor(std::clamp(coordinate, 0.0, double(pixels)) / gridStep));
+    return std::clamp(gridPoint, 0, lastGridPoint) * gridStep + gridStep / 2;
 }
 
 } // namespace
@@ -30,7 +30,7 @@ WireSearch::WireSearch(QObject *parent)
 
 WireSearch::~WireSearch()
 {
-    ++m_seedNumber; // what is still to begin need not
+    ++m_seedNumber; // searches that wait to begin are left out
     m_thread.quit();
     m_thread.wait();
 }
@@ -55,7 +55,7 @@ void WireSearch::setEdges(const QImage &edges)
     m_seed.reset();
 }
 
-void WireSearch::setSeed(const QPointF &seed)
+void WireSearch::setSeed(const CutPoint &seed)
 {
     if (!isReady() || m_seed == seed)
         return;
@@ -82,7 +82,7 @@ bool WireSearch::isSearching() const
     return m_seed && (!hasBegun() || m_scissors.isSearching());
 }
 
-QPolygonF WireSearch::wireTo(const QPointF &target)
+QPolygonF WireSearch::wireTo(const CutPoint &target)
 {
     if (!m_seed || !hasBegun() || !m_scissors.containsWireToPoint(target))
         return {};
@@ -90,7 +90,7 @@ QPolygonF WireSearch::wireTo(const QPointF &target)
     return QPolygonF(QList<QPointF>(wire.begin(), wire.end()));
 }
 
-QPointF WireSearch::snapped(const QPointF &point, const QSize &size)
+CutPoint WireSearch::snapped(const CutPoint &point, const QSize &size)
 {
     return {snappedCoordinate(point.x(), size.width()),
             snappedCoordinate(point.y(), size.height())};

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "document/Points.h"
 #include "scissors/RyIntelligentScissors.h"
 
 #include <QImage>
 #include <QObject>
-#include <QPointF>
 #include <QPolygonF>
 #include <QThread>
 
@@ -29,16 +29,16 @@ public:
     void setEdges(const QImage &edges);
     bool isReady() const { return !m_size.isEmpty(); }
     /// Begins a search, unless the last one began there as well.
-    void setSeed(const QPointF &seed);
+    void setSeed(const CutPoint &seed);
     void stop(); ///< and forgets what it found
 
     /// From the seed to the point, both included; empty while it is not known.
-    QPolygonF wireTo(const QPointF &target);
+    QPolygonF wireTo(const CutPoint &target);
     /// What is not known then will not be found any more.
     bool isSearching() const;
 
     /// The end of every wire to this point, within a picture of this size.
-    static QPointF snapped(const QPointF &point, const QSize &size);
+    static CutPoint snapped(const CutPoint &point, const QSize &size);
 
 Q_SIGNALS:
     void advanced(); ///< now and then while it searches, and once it has ended
@@ -52,7 +52,7 @@ private:
     QThread m_thread;
     RyIntelligentScissors m_scissors; // lives in m_thread, and answers in ours as well
     QSize m_size;
-    std::optional<QPointF> m_seed;
+    std::optional<CutPoint> m_seed;
     std::atomic<quint64> m_seedNumber = 0; // written by the GUI thread
     std::atomic<quint64> m_begunSeed = 0;  // written by m_thread, once the scissors know of it
 };

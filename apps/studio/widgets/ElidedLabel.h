@@ -2,7 +2,8 @@
 
 #include <QLabel>
 
-/// A line of text that ends in dots where there is no room for all of it, which its tool tip tells.
+/// A line of text that ends in dots where there is no room for all of it, which its tool tip
+/// tells.
 class ElidedLabel : public QLabel
 {
     Q_OBJECT

@@ -110,7 +110,7 @@ void ExportDialog::addBackground(int index, const QColor &color)
 void ExportDialog::selectBackground(const QColor &color)
 {
     m_lastBackground = color;
-    const int last = m_background->count() - 1; // asks for another one
+    const int last = m_background->count() - 1; // the entry that asks for a colour
     if (m_background->findData(color) < 0)
         addBackground(last, color);
     m_background->setCurrentIndex(m_background->findData(color));

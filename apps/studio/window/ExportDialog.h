@@ -19,7 +19,6 @@ public:
     /// Starts with the options; a rim of 0 offers the usual one.
     ExportDialog(ExportKind kind, const CutoutPicture::Options &options, QWidget *parent = nullptr);
 
-    ExportKind kind() const { return m_kind; }
     CutoutPicture::Options options() const;
 
 private:

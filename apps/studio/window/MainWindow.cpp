@@ -98,7 +98,7 @@ MainWindow::MainWindow(QWidget *parent)
 MainWindow::~MainWindow()
 {
     m_document.disconnect();
-    delete takeCentralWidget(); // the canvas works on the document, which goes before other widgets
+    delete takeCentralWidget(); // before the document, on which the canvas works
 }
 
 void MainWindow::connectDocument()
@@ -188,7 +188,8 @@ void MainWindow::paste()
         m_statusBar->remark(tr("There is no picture to paste."));
 }
 
-/// In a later turn: there may be something to ask, and whoever dropped it waits for us.
+/// In a later turn, since a question may come up, and the program that something was dragged from
+/// waits until the drop is handled.
 bool MainWindow::openMimeData(const QMimeData *source)
 {
     if (!hasPicture(source))
@@ -215,7 +216,7 @@ void MainWindow::showPicture(const OpenedPicture &picture)
 {
     m_tools.current()->cancel();
     if (!m_document.hasPicture()) {
-        m_pages->removeWidget(m_startPage); // the window could not be any narrower than that
+        m_pages->removeWidget(m_startPage); // its width would be the least that the window can have
         showWorkWidgets();
     }
     m_document.setPicture(picture);
@@ -286,7 +287,7 @@ void MainWindow::updateActions()
     m_statusBar->showProgressOf(whatIsUnderWay());
 }
 
-/// Of several things, the one that changes the picture that is seen.
+/// Of several things, what changes the picture that is seen comes first.
 QString MainWindow::whatIsUnderWay() const
 {
     if (m_document.isReplaying())

@@ -37,8 +37,8 @@ public:
     Document &document() { return m_document; }
     ToolSet &tools() { return m_tools; }
     Canvas &canvas() { return *m_canvas; }
-    /// What a crash has left is offered first; then opens the file, unless there is none or it gave
-    /// way to that.
+    /// What a crash has left is offered first; then opens the file, unless there is none or it
+    /// gave way to that.
     void begin(const QString &fileName);
     /// Loading answers with a picture or a sentence, later.
     void openFile(const QString &fileName);

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int layoutVersion = 1; // of bars and docks; what another one remembers does not fit
+constexpr int layoutVersion = 1; // of bars and docks; layouts of other versions are ignored
 
 } // namespace
 
@@ -90,7 +90,7 @@ void MainWindow::showPreferences()
     dialog->open();
 }
 
-/// The library's are saved by now, ours are so later.
+/// The library has saved its settings by now; the studio's are written beside the event loop.
 void MainWindow::savePreferences()
 {
     const auto tell = [this](const QString &error) {

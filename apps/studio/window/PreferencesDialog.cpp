@@ -25,7 +25,7 @@
 namespace {
 
 constexpr int mostPixels = 100000; // of a picture's side
-/// The canvas and its tools would not hear of them any more.
+/// Actions with these keys would take them from the canvas and its tools.
 constexpr std::array keysOfTools{Qt::Key_Space,       Qt::Key_Return, Qt::Key_Enter,
                                  Qt::Key_Backspace,   Qt::Key_Delete, Qt::Key_BracketLeft,
                                  Qt::Key_BracketRight};

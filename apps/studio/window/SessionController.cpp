@@ -34,7 +34,7 @@ SessionController::SessionController(Document &document, QWidget *window)
     });
     const auto count = [this] { ++m_revision; };
     connect(document.undoStack(), &QUndoStack::indexChanged, this, count);
-    connect(&document, &Document::edgeSettingsChanged, this, count); // sliders go on in a step
+    connect(&document, &Document::edgeSettingsChanged, this, count); // a slider changes a step
     connect(&document, &Document::replayEnded, this, &SessionController::endReplay);
     connect(&m_saver, &SessionSaver::saved, this, &SessionController::finishSaving);
     connect(&m_saver, &SessionSaver::failed, this,
@@ -60,7 +60,7 @@ void SessionController::play(const OpenedPicture &picture, const QList<ReplaySte
         return;
     Q_EMIT pictureOpened(picture);
     m_playedFile = m_opener.fileName();
-    m_playedEdges = edges; // masks that nobody sees for long are not worked on
+    m_playedEdges = edges; // set at the end: no edge is edited for masks that soon change
     if (steps.isEmpty())
         endReplay(true);
     else
@@ -70,7 +70,7 @@ void SessionController::play(const OpenedPicture &picture, const QList<ReplaySte
 void SessionController::endReplay(bool isComplete)
 {
     if (!isComplete)
-        return; // what is there now is not what the file tells, and must not replace it
+        return; // saving this half of it would overwrite the file
     m_document.setEdgeSettings(m_playedEdges, tr("Edge as Saved"));
     if (StateFolder::holds(m_playedFile)) {
         m_document.setUnsaved();
@@ -127,7 +127,7 @@ bool SessionController::saveTo(const QString &fileName)
     return true;
 }
 
-/// Of another picture, or of a state that is being saved anew, nothing is noted.
+/// Only the newest save of the present picture counts.
 void SessionController::finishSaving(quint64 number, const SessionFile::Saved &result)
 {
     if (number == m_lastSave) {
@@ -141,7 +141,7 @@ void SessionController::finishSaving(quint64 number, const SessionFile::Saved &r
 
 bool SessionController::mayDiscardChanges()
 {
-    const bool isKept = !m_document.isModified() || m_document.isReplaying(); // which has a file
+    const bool isKept = !m_document.isModified() || m_document.isReplaying(); // from a file
     if (!isKept && !mayDiscardOnRequest())
         return false;
     m_discardableRevision = m_revision;
@@ -171,7 +171,7 @@ bool SessionController::mayDiscardOnRequest()
     return answer == QMessageBox::Discard || (answer == QMessageBox::Save && saveAndWait());
 }
 
-/// The window lives on meanwhile.
+/// Events are processed meanwhile.
 bool SessionController::saveAndWait()
 {
     if (!save())
@@ -240,7 +240,7 @@ bool SessionController::offerToRestore(const QString &otherFile)
     for (const QString &session : sessions) {
         const auto answer = askWhetherToRestore(session, otherFile);
         if (answer == QMessageBox::Cancel)
-            return false; // all that is left is offered next time
+            return false; // the next start offers what is left
         if (answer == QMessageBox::Yes) {
             m_opener.open(session, StudioSettings::longestSideForCutting());
             return true;

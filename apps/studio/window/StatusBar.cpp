@@ -74,7 +74,7 @@ void StatusBar::showProgressOf(const QString &what)
     m_progress->setVisible(!what.isEmpty());
     if (m_progress->format() == what)
         return;
-    m_progress->setRange(0, 1); // so that the text is there; bars without an end have none
+    m_progress->setRange(0, 1); // bars without an end show no text
     m_progress->showValue(0);
     m_progress->setFormat(what);
 }

@@ -39,7 +39,7 @@ void UndoActions::undo()
         tool->undo();
         return;
     }
-    tool->cancel(); // what was taken back of its gesture belongs to a later time
+    tool->cancel(); // it could not be redone after an earlier step is undone
     m_document.undo();
 }
 

@@ -1,4 +1,4 @@
-#include "HeapPolicy.h"
+#include "RyHeapPolicy.h"
 
 #include <cstdlib> // tells which C library this is
 
@@ -6,7 +6,7 @@
 #include <malloc.h>
 #endif
 
-void HeapPolicy::returnLargeBlocks()
+void RyHeapPolicy::returnLargeBlocks()
 {
 #ifdef __GLIBC__
     constexpr int largeBytes = 8 << 20; // more than masks at the usual size, which come and go
