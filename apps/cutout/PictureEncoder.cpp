@@ -16,5 +16,9 @@ QString PictureEncoder::encode(QIODevice &device, const QImage &picture, const Q
         writer.setCompression(fastCompression);
     else
         writer.setQuality(jpegQuality);
-    return writer.write(picture) ? QString() : writer.errorString();
+    if (writer.write(picture))
+        return {};
+    return writer.error() == QImageWriter::UnknownError
+                   ? u"it does not fit the format, or there is not enough memory"_s
+                   : writer.errorString();
 }
