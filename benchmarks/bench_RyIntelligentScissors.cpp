@@ -5,7 +5,6 @@
 #include "scissors/RyIntelligentScissorsWireCalculator.h"
 #include "scissors/RyScissorsEdgePicture.h"
 #include "scissors/RyScissorsWeightKernels_p.h"
-#include "support/ReferenceScissors.h"
 
 #include <QElapsedTimer>
 #include <QThread>
@@ -149,20 +148,7 @@ BENCHMARK(farthestCorner)
         ->Unit(benchmark::kMillisecond)
         ->UseRealTime();
 
-/// The same with a heap of pointers that are exchanged, asked at every step.
-static void wholeSearchWrittenOut(benchmark::State &state)
-{
-    const Grid grid(edges(state));
-    const auto weight = [&](int x, int y) { return 255 - grid.grey.constScanLine(y)[x]; };
-    for (auto _ : state)
-        benchmark::DoNotOptimize(
-                ReferenceScissors::Search(grid.grey.width(), grid.grey.height(), grid.seed, weight)
-                        .order.size());
-    ScissorsBenchmark::countPoints(state);
-}
-BENCHMARK(wholeSearchWrittenOut)->Apply(onGrids);
-
-/// The same without anything that makes it usable: see CompactSearch.
+/// A whole search without anything that makes it usable: see CompactSearch.
 static void wholeSearchCompact(benchmark::State &state)
 {
     const Grid grid(edges(state));

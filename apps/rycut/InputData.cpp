@@ -10,7 +10,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -32,7 +31,7 @@ constexpr qint64 mostTextMegabytes = 100; // a lasso of several million points
 
 [[noreturn]] void throwUnreadable(const QString &fileName, int error)
 {
-    throwUnreadable(fileName, QString::fromLocal8Bit(std::strerror(error)));
+    throwUnreadable(fileName, qt_error_string(error));
 }
 
 void requireSize(const QString &fileName, qint64 bytes, qint64 mostMegabytes)

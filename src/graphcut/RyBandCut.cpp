@@ -11,9 +11,9 @@
 
 namespace {
 
-constexpr double bandUnits = 4.0; // on both sides of the first outline: as far as cells may err
-constexpr int leastBandCells = 1; // of the level before
-constexpr double sharpness = 1.0; // GrabCut's
+constexpr double bandUnits = 4.0;     // on both sides of the first outline: as far as cells may err
+constexpr int leastBandCells = 1;     // of the level before
+constexpr double bandSharpness = 1.0; // GrabCut's
 
 int sizeOfNextLevel(int cellSize)
 {
@@ -197,7 +197,8 @@ std::vector<RyCutSide> RyBandCut::cutAgain(const RyCutFrame &level, Sides sides,
         const int y = std::min(level.middleOf(cell / columns), level.height() - 1);
         return ratios(colors[std::size_t(cell)]) + m_prior.logOdds(frame.cellAt(x, y));
     };
-    return RyContrastCut(std::move(sides), colors.get(), level.columns(), level.rows(), sharpness)
+    return RyContrastCut(std::move(sides), colors.get(), level.columns(), level.rows(),
+                         bandSharpness)
             .decided(evidence);
 }
 

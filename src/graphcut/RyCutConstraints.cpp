@@ -47,7 +47,7 @@ void RyCutConstraints::fix(int row, int left, int right, bool isForeground)
     forEachPiece(row, left, right, [&](int index, int place, int, int count) {
         QByteArray &tile = m_tiles[index];
         if (tile.isEmpty())
-            tile = QByteArray(tileSide * tileSide, char(RyCutSide::Undecided));
+            tile = QByteArray(qsizetype(tileSide) * tileSide, char(RyCutSide::Undecided));
         std::memset(tile.data() + place, value, std::size_t(count));
     });
 }

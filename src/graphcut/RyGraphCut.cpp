@@ -187,11 +187,11 @@ std::vector<quint8> RyGraphCut::cellsToOpen(const Sides &cells, const RyCutConst
 RyGraphCut::Sides RyGraphCut::cleaned(Sides cells, const Sides *fixed) const
 {
     RyMaskParts::clean(cells, frame().columns(), frame().rows(), fixed);
-    return orShrunkLasso(std::move(cells), fixed);
+    return orShrunkLasso(cells, fixed);
 }
 
 /// Where next to nothing would be left, the lasso shrunk by its margin.
-RyGraphCut::Sides RyGraphCut::orShrunkLasso(Sides cells, const Sides *fixed) const
+RyGraphCut::Sides RyGraphCut::orShrunkLasso(const Sides &cells, const Sides *fixed) const
 {
     Sides shrunk = cells;
     int deep = 0;

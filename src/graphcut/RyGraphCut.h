@@ -53,7 +53,7 @@ private:
     RyColorModels modelsOf(const Sides &cells) const;
     Sides undecided() const;
     Sides cleaned(Sides cells, const Sides *fixed) const;
-    Sides orShrunkLasso(Sides cells, const Sides *fixed) const;
+    Sides orShrunkLasso(const Sides &cells, const Sides *fixed) const;
     Sides cellsUnder(const Sides &fixed, RyColorModels &models) const;
     Sides refined(const Sides &cells, const RyColorModels &models) const;
     Sides refinedAgain(const Sides &cells, const RyColorModels &models,

@@ -331,7 +331,7 @@ void tst_StudioScissors::draggedNodeChangesTwoStretches()
     m_studio->drag({node(4), node(4) + QPointF(10, 14), target});
     QVERIFY(isComplete());
     const WirePath &after = scissors().editor().path();
-    QCOMPARE(node(4), WireSearch::snapped(target, {600, 400}));
+    QCOMPARE(node(4), WireSearch::snapped(CutPoint(target), {600, 400}));
     for (qsizetype i = 0; i < before.stretches().size(); ++i) {
         const bool isBeside = i == 3 || i == 4;
         QCOMPARE(after.stretches().at(i).line != before.stretches().at(i).line, isBeside);
@@ -474,7 +474,7 @@ void tst_StudioScissors::keysWhileANodeIsHeld()
             if (isDragged)
                 m_studio->move(last + QPointF(20, 10 + presses), Qt::LeftButton);
             action.isEmpty() ? m_studio->key(key) : m_studio->action(action.constData()).trigger();
-            const QList<QPointF> left = path.nodes();
+            const QList<CutPoint> left = path.nodes();
             m_studio->move(last + QPointF(40, 30), Qt::LeftButton);
             m_studio->move(last + QPointF(60, 10), Qt::LeftButton);
             QCOMPARE(path.nodes(), left);

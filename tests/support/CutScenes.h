@@ -12,7 +12,7 @@
 /// Objects on grounds whose true outlines are known, and lassos round them.
 namespace CutScenes {
 
-enum class Shape { Blob, Ring, Star };
+enum class Shape { Blob, Disc, Ring, Star };
 enum class Surface { Textured, Gradients, Noisy };
 
 inline QPointF onOutline(Shape shape, double angle, double radius)

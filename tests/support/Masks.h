@@ -13,6 +13,17 @@ inline QImage filled(const QSize &size, uchar value)
     return mask;
 }
 
+/// Of rows, with a / between them, in which # is object.
+inline QImage drawn(const QByteArray &text)
+{
+    const QByteArrayList rows = text.split('/');
+    QImage mask = filled({int(rows.first().size()), int(rows.size())}, 0);
+    for (int y = 0; y < mask.height(); ++y)
+        for (int x = 0; x < mask.width(); ++x)
+            mask.scanLine(y)[x] = rows.at(y).at(x) == '#' ? 255 : 0;
+    return mask;
+}
+
 /// Blobs and crumbs; with soft rims or without.
 inline QImage random(const QSize &size, bool isSoft, quint32 seed)
 {

@@ -57,4 +57,16 @@ inline QPainterPath ellipse(qreal x, qreal y, qreal width, qreal height)
     return path;
 }
 
+/// For sessions that are to be quick.
+inline QImage smallCoffee()
+{
+    static const QImage picture = photograph(QStringLiteral("coffee.png"), 150);
+    return picture;
+}
+
+inline QPainterPath smallLasso()
+{
+    return ellipse(15, 3, 110, 90);
+}
+
 } // namespace Samples

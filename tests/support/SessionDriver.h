@@ -1,6 +1,7 @@
 #pragma once
 
 #include "segmentation/RyImageSegmentation.h"
+#include "support/CutSnapshot.h"
 #include "support/Patience.h"
 
 #include <QCoreApplication>
@@ -10,12 +11,6 @@
 #include <QThreadPool>
 
 #include <memory>
-
-inline std::unique_ptr<RyMementoSegmentation> mementoOf(const RyImageSegmentation &session,
-                                                        bool withRegions)
-{
-    return std::unique_ptr<RyMementoSegmentation>(session.createMemento(withRegions));
-}
 
 /// A session and everything it has said, in the order in which a host hears it.
 class SessionDriver
@@ -95,6 +90,8 @@ public:
         session.startThreadWithInitialPath(lasso);
         return settle() && !masks.isEmpty() ? masks.last() : QImage();
     }
+
+    CutSnapshot now() const { return CutSnapshot(*mementoOf(session, false)); }
 
     QList<QImage> masks;
     QList<std::pair<int, int>> progress;

@@ -49,63 +49,47 @@ class tst_CutoutPicture : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void removesTheRim_data();
     void removesTheRim();
-    void keepsColours_data();
     void keepsColours();
     void ignoresWhatCannotBeSeen();
-    void composes_data();
     void composes();
 };
 
-void tst_CutoutPicture::removesTheRim_data()
-{
-    QTest::addColumn<int>("feather");
-    QTest::newRow("hard") << 0;
-    QTest::newRow("soft") << 2;
-    QTest::newRow("softer than the line is wide") << 12;
-}
-
 void tst_CutoutPicture::removesTheRim()
 {
-    QFETCH(int, feather);
     const Scene scene;
-    const CutoutMask mask = EdgeOperations::apply(scene.mask, {.feather = feather});
-    const auto shown = [&](int cleanPixels, auto isCounted) {
-        const QImage cutout =
-                CutoutPicture::compose(scene.picture, mask, {.cleanPixels = cleanPixels});
-        int found = 0;
-        for (int y = 0; y < cutout.height(); ++y)
-            for (int x = 0; x < cutout.width(); ++x)
-                found += qAlpha(cutout.pixel(x, y)) > 0 &&
-                         isCounted(x, cutout.pixel(x, y) | 0xFF000000U);
-        return found;
-    };
-    const auto isForeign = [](int x, QRgb colour) { return x < 50 && colour != objectColour; };
-    const auto isLine = [](int, QRgb colour) { return colour == lineColour; };
-    QVERIFY(shown(0, isForeign) > 50);
-    QCOMPARE(shown(3, isForeign), 0);
-    QVERIFY(shown(3, isLine) >= 120);
-}
-
-void tst_CutoutPicture::keepsColours_data()
-{
-    QTest::addColumn<QImage>("mask");
-    QTest::addColumn<int>("cleanPixels");
-    QTest::newRow("not asked for") << Scene().mask << 0;
-    QTest::newRow("no object") << Masks::filled({120, 100}, 0) << 3;
-    QTest::newRow("no edge") << Masks::filled({120, 100}, 255) << 3;
+    for (const int feather : {0, 2, 12}) { // the last is softer than the line is wide
+        const CutoutMask mask = EdgeOperations::apply(scene.mask, {.feather = feather});
+        const auto shown = [&](int cleanPixels, auto isCounted) {
+            const QImage cutout =
+                    CutoutPicture::compose(scene.picture, mask, {.cleanPixels = cleanPixels});
+            int found = 0;
+            for (int y = 0; y < cutout.height(); ++y)
+                for (int x = 0; x < cutout.width(); ++x)
+                    found += qAlpha(cutout.pixel(x, y)) > 0 &&
+                             isCounted(x, cutout.pixel(x, y) | 0xFF000000U);
+            return found;
+        };
+        const auto isForeign = [](int x, QRgb colour) { return x < 50 && colour != objectColour; };
+        const auto isLine = [](int, QRgb colour) { return colour == lineColour; };
+        QVERIFY(shown(0, isForeign) > 50);
+        QCOMPARE(shown(3, isForeign), 0);
+        QVERIFY(shown(3, isLine) >= 120);
+    }
 }
 
 void tst_CutoutPicture::keepsColours()
 {
-    QFETCH(QImage, mask);
-    QFETCH(int, cleanPixels);
     const Scene scene;
-    const CutoutMask cut = EdgeOperations::apply(mask, {});
-    const QImage result = CutoutPicture::compose(scene.picture, cut, {.cleanPixels = cleanPixels});
-    QCOMPARE(result.convertToFormat(QImage::Format_RGB32),
-             scene.picture.convertToFormat(QImage::Format_RGB32));
+    const std::pair<QImage, int> cases[] = {{scene.mask, 0}, // not asked for
+                                            {Masks::filled({120, 100}, 0), 3},
+                                            {Masks::filled({120, 100}, 255), 3}};
+    for (const auto &[mask, cleanPixels] : cases) {
+        const QImage result = CutoutPicture::compose(scene.picture, EdgeOperations::apply(mask, {}),
+                                                     {.cleanPixels = cleanPixels});
+        QCOMPARE(result.convertToFormat(QImage::Format_RGB32),
+                 scene.picture.convertToFormat(QImage::Format_RGB32));
+    }
 }
 
 /// Transparent pixels of a picture have colours too.
@@ -124,34 +108,25 @@ void tst_CutoutPicture::ignoresWhatCannotBeSeen()
     QCOMPARE(qAlpha(result.pixel(18, 20)), 0);
 }
 
-void tst_CutoutPicture::composes_data()
-{
-    QTest::addColumn<CutoutPicture::Options>("options");
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<QRgb>("inTheCorner");
-    QTest::newRow("transparent") << CutoutPicture::Options{} << QSize(120, 100)
-                                 << (backgroundColour & 0xFFFFFFU);
-    QTest::newRow("cropped") << CutoutPicture::Options{.crop = true} << QSize(82, 60)
-                             << (backgroundColour & 0xFFFFFFU);
-    QTest::newRow("on a colour") << CutoutPicture::Options{.background = Qt::white}
-                                 << QSize(120, 100) << 0xFFFFFFFFU;
-}
-
 void tst_CutoutPicture::composes()
 {
-    QFETCH(CutoutPicture::Options, options);
-    QFETCH(QSize, size);
-    QFETCH(QRgb, inTheCorner);
     Scene scene;
     scene.picture.setColorSpace(QColorSpace(QColorSpace::DisplayP3));
     scene.picture.setDotsPerMeterX(5000);
     const CutoutMask mask = EdgeOperations::apply(scene.mask, {});
-    const QImage result = CutoutPicture::compose(scene.picture, mask, options);
-    QCOMPARE(result.size(), size);
-    QCOMPARE(result.pixel(0, 0), inTheCorner);
-    QCOMPARE(result.colorSpace(), scene.picture.colorSpace());
-    QCOMPARE(result.dotsPerMeterX(), 5000);
-    QCOMPARE(CutoutPicture::cropped(mask.alpha, mask, options).size(), size);
+    constexpr QRgb unseen = backgroundColour & 0xFFFFFFU;
+    const std::tuple<CutoutPicture::Options, QSize, QRgb> cases[] = {
+            {{}, {120, 100}, unseen},
+            {{.crop = true}, {82, 60}, unseen},
+            {{.background = Qt::white}, {120, 100}, 0xFFFFFFFFU}};
+    for (const auto &[options, size, inTheCorner] : cases) {
+        const QImage result = CutoutPicture::compose(scene.picture, mask, options);
+        QCOMPARE(result.size(), size);
+        QCOMPARE(result.pixel(0, 0), inTheCorner);
+        QCOMPARE(result.colorSpace(), scene.picture.colorSpace());
+        QCOMPARE(result.dotsPerMeterX(), 5000);
+        QCOMPARE(CutoutPicture::cropped(mask.alpha, mask, options).size(), size);
+    }
 }
 
 RY_TEST_CLASS(tst_CutoutPicture, QCoreApplication)

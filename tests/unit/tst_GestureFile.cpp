@@ -6,7 +6,6 @@
 
 #include <bit>
 #include <cmath>
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -89,13 +88,7 @@ void tst_GestureFile::understandsFields()
 
 void tst_GestureFile::keepsEveryBitOfANumber()
 {
-    const QList<double> numbers{0.1,
-                                1.0 / 3.0,
-                                -0.0,
-                                1e6,
-                                std::nextafter(1e6, 0.0),
-                                -123456.78901234567,
-                                std::numeric_limits<double>::denorm_min()};
+    const QList<double> numbers{1.0 / 3.0, -0.0, std::nextafter(1e6, 0.0), 4.9e-324};
     GestureFile file;
     for (const double number : numbers)
         file.gestures.append(Gesture(Gesture::Click{{number, -number}}));

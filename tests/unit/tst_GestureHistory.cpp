@@ -26,7 +26,6 @@ class tst_GestureHistory : public QObject
 private Q_SLOTS:
     void forgetsWhatWasUndone_data();
     void forgetsWhatWasUndone();
-    void keepsStrokesTogether_data();
     void keepsStrokesTogether();
 };
 
@@ -60,28 +59,22 @@ void tst_GestureHistory::forgetsWhatWasUndone()
     QCOMPARE(text(GestureHistory::withoutUndo(file.gestures)), begin + left);
 }
 
-void tst_GestureHistory::keepsStrokesTogether_data()
-{
-    QTest::addColumn<QByteArray>("gestures");
-    QTest::addColumn<QList<int>>("sizes");
-    QTest::newRow("clicks") << QByteArray("click 1 1\nclick 2 2\n") << QList<int>{1, 1};
-    QTest::newRow("strokes") << QByteArray("paint fg temporary 1 1\npaint bg temporary 2 2\n"
-                                           "paint fg final 3 3\npaint fg final 4 4\n")
-                             << QList<int>{3, 1};
-    QTest::newRow("unfinished") << QByteArray("paint fg temporary 1 1\ninvert\n"
-                                              "scribble fg temporary 1 1\npaint fg final 2 2\n")
-                                << QList<int>{1, 1, 1, 1};
-}
-
 void tst_GestureHistory::keepsStrokesTogether()
 {
-    QFETCH(QByteArray, gestures);
-    QFETCH(QList<int>, sizes);
-    const GestureFile file = GestureFile::parse(begin + gestures, u"s"_s);
-    QList<int> found;
-    for (const QList<Gesture> &step : GestureHistory::inSteps(file.gestures))
-        found.append(int(step.size()));
-    QCOMPARE(found, sizes);
+    const std::pair<QByteArray, QList<int>> steps[] = {
+            {"click 1 1\nclick 2 2\n", {1, 1}},
+            {"paint fg temporary 1 1\npaint bg temporary 2 2\npaint fg final 3 3\n"
+             "paint fg final 4 4\n",
+             {3, 1}},
+            {"paint fg temporary 1 1\ninvert\nscribble fg temporary 1 1\npaint fg final 2 2\n",
+             {1, 1, 1, 1}}}; // unfinished
+    for (const auto &[gestures, sizes] : steps) {
+        QList<int> found;
+        for (const QList<Gesture> &step :
+             GestureHistory::inSteps(GestureFile::parse(begin + gestures, u"s"_s).gestures))
+            found.append(int(step.size()));
+        QCOMPARE(found, sizes);
+    }
 }
 
 RY_TEST_CLASS(tst_GestureHistory, QCoreApplication)

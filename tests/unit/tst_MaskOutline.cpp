@@ -20,15 +20,6 @@ QImage hard(QImage mask)
     return mask;
 }
 
-QImage drawn(const QStringList &rows)
-{
-    QImage mask = Masks::filled({int(rows.first().size()), int(rows.size())}, 0);
-    for (int y = 0; y < mask.height(); ++y)
-        for (int x = 0; x < mask.width(); ++x)
-            mask.scanLine(y)[x] = rows.at(y).at(x) == u'#' ? 255 : 0;
-    return mask;
-}
-
 } // namespace
 
 class tst_MaskOutline : public QObject
@@ -36,63 +27,47 @@ class tst_MaskOutline : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void coversTheObject_data();
     void coversTheObject();
-    void hasPiecesAndHoles_data();
     void hasPiecesAndHoles();
     void writesTheView();
 };
 
-void tst_MaskOutline::coversTheObject_data()
-{
-    QTest::addColumn<QImage>("mask");
-    for (const QSize &size : {QSize(1, 1), QSize(1, 30), QSize(30, 1), QSize(40, 30)}) {
-        for (quint32 seed = 0; seed < 6; ++seed)
-            QTest::addRow("%d x %d, %u", size.width(), size.height(), seed)
-                    << Masks::random(size, seed % 2 == 0, seed);
-    }
-    QTest::newRow("empty") << Masks::filled({9, 7}, 0);
-    QTest::newRow("full") << Masks::filled({9, 7}, 255);
-    QTest::newRow("less than half") << Masks::filled({9, 7}, 127);
-    QTest::newRow("wide") << Masks::random({9000, 40}, false, 1);
-}
-
 void tst_MaskOutline::coversTheObject()
 {
-    QFETCH(QImage, mask);
-    const QPainterPath path = MaskOutline::path(mask);
-    QCOMPARE(SvgPath::filled(path, mask.size()), hard(mask));
-    const QByteArray svg = SvgOutline::filled(path, mask.rect());
-    QCOMPARE(SvgPath::filled(SvgPath::parse(svg), mask.size()), hard(mask));
-}
-
-void tst_MaskOutline::hasPiecesAndHoles_data()
-{
-    QTest::addColumn<QStringList>("rows");
-    QTest::addColumn<int>("subpaths");
-    QTest::addColumn<int>("corners");
-    QTest::newRow("nothing") << QStringList{u"..."_s} << 0 << 0;
-    QTest::newRow("square") << QStringList{u"##"_s, u"##"_s} << 1 << 4;
-    QTest::newRow("ring") << QStringList{u"###"_s, u"#.#"_s, u"###"_s} << 2 << 8;
-    QTest::newRow("pieces") << QStringList{u"#.#"_s, u"..."_s} << 2 << 8;
-    QTest::newRow("corners hold falling") << QStringList{u"#."_s, u".#"_s} << 1 << 8;
-    QTest::newRow("corners hold rising") << QStringList{u".#"_s, u"#."_s} << 1 << 8;
-    QTest::newRow("hole at a corner") << QStringList{u"###"_s, u"#.#"_s, u"##."_s} << 2 << 10;
+    QList<QImage> masks{Masks::filled({9, 7}, 0), Masks::filled({9, 7}, 255),
+                        Masks::filled({9, 7}, 127), Masks::random({9000, 40}, false, 1)};
+    for (const QSize &size : {QSize(1, 1), QSize(1, 30), QSize(30, 1), QSize(40, 30)})
+        for (quint32 seed = 0; seed < 6; ++seed)
+            masks << Masks::random(size, seed % 2 == 0, seed);
+    for (const QImage &mask : std::as_const(masks)) {
+        const QPainterPath path = MaskOutline::path(mask);
+        QCOMPARE(SvgPath::filled(path, mask.size()), hard(mask));
+        const QByteArray svg = SvgOutline::filled(path, mask.rect());
+        QCOMPARE(SvgPath::filled(SvgPath::parse(svg), mask.size()), hard(mask));
+    }
 }
 
 void tst_MaskOutline::hasPiecesAndHoles()
 {
-    QFETCH(QStringList, rows);
-    QFETCH(int, subpaths);
-    QFETCH(int, corners);
-    const QList<QPolygonF> found = MaskOutline::path(drawn(rows)).toSubpathPolygons();
-    QCOMPARE(found.size(), subpaths);
-    qsizetype vertices = 0;
-    for (const QPolygonF &polygon : found) {
-        QVERIFY(polygon.isClosed());
-        vertices += polygon.size() - 1;
+    struct Shape
+    {
+        QByteArray rows;
+        int subpaths;
+        int corners;
+    };
+    for (const auto &[rows, subpaths, corners] :
+         {Shape{"...", 0, 0}, Shape{"##/##", 1, 4}, Shape{"###/#.#/###", 2, 8}, Shape{"#.#", 2, 8},
+          Shape{"#./.#", 1, 8}, // corners hold pieces together
+          Shape{".#/#.", 1, 8}, Shape{"###/#.#/##.", 2, 10}}) {
+        const QList<QPolygonF> found = MaskOutline::path(Masks::drawn(rows)).toSubpathPolygons();
+        QCOMPARE(found.size(), subpaths);
+        qsizetype vertices = 0;
+        for (const QPolygonF &polygon : found) {
+            QVERIFY(polygon.isClosed());
+            vertices += polygon.size() - 1;
+        }
+        QCOMPARE(vertices, corners);
     }
-    QCOMPARE(vertices, corners);
 }
 
 void tst_MaskOutline::writesTheView()

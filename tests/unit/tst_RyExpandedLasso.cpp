@@ -30,19 +30,6 @@ private Q_SLOTS:
 
 static const QRect picture(0, 0, 600, 400);
 
-static QPainterPath freehand(int points, double trembling)
-{
-    QRandomGenerator random(7);
-    QPolygonF polygon;
-    for (int i = 0; i < points; ++i) {
-        const double angle = 2.0 * M_PI * i / points;
-        const auto tremble = [&] { return trembling * (random.bounded(2.0) - 1.0); };
-        polygon << QPointF(300 + 180 * std::cos(angle) + tremble(),
-                           200 + 120 * std::sin(angle) + tremble());
-    }
-    return Samples::closedPath(polygon);
-}
-
 void tst_RyExpandedLasso::fillsWhatPathAlgebraGives_data()
 {
     QTest::addColumn<QPainterPath>("lasso");
@@ -51,18 +38,14 @@ void tst_RyExpandedLasso::fillsWhatPathAlgebraGives_data()
     QTest::addRow("at the corner") << Samples::rectangle(0, 0, 90, 400);
     QTest::addRow("outside") << Samples::rectangle(700, 10, 90, 90);
     QTest::addRow("a line") << Samples::closedPath({{50, 50}, {300, 200}});
-    QTest::addRow("self-crossing")
-            << Samples::closedPath({{100, 100}, {400, 300}, {400, 100}, {100, 300}});
     QTest::addRow("star, its middle outside by the odd-even rule")
             << Samples::closedPath({{300, 40}, {390, 330}, {120, 150}, {480, 150}, {210, 330}});
-    QTest::addRow("open") << [] {
-        QPainterPath path(QPointF(100, 100));
-        path.lineTo(400, 120);
-        path.lineTo(300, 300);
-        return path;
-    }();
-    QTest::addRow("freehand, smooth") << freehand(200, 0.0);
-    QTest::addRow("freehand, trembling") << freehand(150, 3.0);
+    QPolygonF trembling;
+    QRandomGenerator random(7);
+    for (double angle = 0.0; angle < 6.28; angle += 0.04)
+        trembling << QPointF(300 + 180 * std::cos(angle) + random.bounded(6.0),
+                             200 + 120 * std::sin(angle) + random.bounded(6.0));
+    QTest::addRow("freehand") << Samples::closedPath(trembling);
 }
 
 void tst_RyExpandedLasso::fillsWhatPathAlgebraGives()
@@ -109,21 +92,15 @@ void tst_RyExpandedLasso::containsPathsWithoutPixels_data()
             path.lineTo(point);
         QTest::newRow(name) << path;
     };
-    row("a point inside", {{200, 200}});
     row("a point in the margin", {{94.5, 200}});
-    row("a point outside", {{80, 200}});
     row("a point in the rectangle's corner", {{97, 97}});
     row("a point on the picture's left border", {{0, 380}});
     row("a point on the picture's bottom border", {{40, 400}});
+    row("a point on the right border of the picture", {{600, 20}});
     row("a point beyond the picture", {{-3, 380}});
-    row("a line inside", {{150, 150}, {250, 220.5}});
     row("a level line inside", {{150, 150}, {250, 150}});
-    row("an upright line inside", {{150, 150}, {150, 220}});
-    row("a level line outside", {{80, 80}, {95, 80}});
     row("an upright line outside", {{500, 10}, {500, 300}});
     row("a line that leaves it", {{150, 150}, {300, 80}});
-    row("a line that leaves it in the rectangle", {{200, 200}, {98, 98}});
-    row("a line outside", {{400, 40}, {500, 90}});
     row("a speck inside", {{200.1, 200.1}, {200.3, 200.1}, {200.2, 200.3}, {200.1, 200.1}});
     row("a speck in the rectangle's corner",
         {{97.1, 97.1}, {97.3, 97.1}, {97.2, 97.3}, {97.1, 97.1}});
@@ -134,7 +111,8 @@ void tst_RyExpandedLasso::containsPathsWithoutPixels()
 {
     QFETCH(QPainterPath, path);
     QPainterPath lasso = Samples::ellipse(100, 100, 200, 200);
-    lasso.addPath(Samples::rectangle(0, 350, 50, 50)); // in the picture's corner
+    lasso.addPath(Samples::rectangle(0, 350, 50, 50)); // in the picture's corners
+    lasso.addPath(Samples::rectangle(550, 0, 50, 50));
     QPainterPathStroker stroker;
     stroker.setWidth(20);
     const QPainterPath grown = stroker.createStroke(lasso).united(lasso).intersected(

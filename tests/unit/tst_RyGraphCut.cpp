@@ -1,8 +1,8 @@
 #include "graphcut/RyCutConstraints.h"
-#include "graphcut/RyDistanceTransform.h"
 #include "graphcut/RyGraphCut.h"
 #include "segmentation/RyGraphFirstCut.h"
 #include "support/CutScenes.h"
+#include "support/Digest.h"
 #include "support/Samples.h"
 #include "support/TestClasses.h"
 #include "support/TestPictures.h"
@@ -21,12 +21,8 @@ class tst_RyGraphCut : public QObject
 private Q_SLOTS:
     void findsObjects_data();
     void findsObjects();
-    void cutsMirroredPicturesAlike_data();
-    void cutsMirroredPicturesAlike();
-    void repeatsItself();
-    void fallsBackToTheShrunkLasso_data();
-    void fallsBackToTheShrunkLasso();
-    void leavesSomethingInEveryLasso_data();
+    void photographs_data();
+    void photographs();
     void leavesSomethingInEveryLasso();
     void takesStrangeLassos_data();
     void takesStrangeLassos();
@@ -37,61 +33,41 @@ private Q_SLOTS:
 
 namespace {
 
-QRect boundsOf(const QImage &filled)
+/// The object's pixels are 255. Null without an object.
+QImage cut(const QImage &picture, const QPainterPath &lasso,
+           const RyCutConstraints &constraints = {})
 {
-    QRect bounds;
-    for (int y = 0; y < filled.height(); ++y)
-        for (int x = 0; x < filled.width(); ++x)
-            if (filled.constScanLine(y)[x])
-                bounds |= QRect(x, y, 1, 1);
-    return bounds;
-}
-
-/// Object 255, in the picture's size.
-QImage sidesAsMask(const RyGraphCut &graphCut, const RyCutConstraints &constraints)
-{
-    const std::vector<RyCutSide> sides = graphCut.cut(constraints);
-    QImage mask(graphCut.picture().size(), QImage::Format_Grayscale8);
-    mask.fill(0);
-    const QRect area = graphCut.frame().area();
-    for (std::size_t i = 0; i < sides.size(); ++i) {
-        const int x = area.left() + int(i) % area.width();
-        mask.scanLine(area.top() + int(i) / area.width())[x] =
-                sides[i] == RyCutSide::Object ? 255 : 0;
-    }
-    return mask;
-}
-
-QImage cut(const QImage &picture, const QImage &lasso, const RyCutConstraints &constraints = {})
-{
-    const RyCutFrame frame(picture.size(), boundsOf(lasso).adjusted(-1, -1, 1, 1));
-    return sidesAsMask({picture, frame, lasso.copy(frame.area())}, constraints);
-}
-
-/// What lies deeper in a lasso than some units.
-QImage shrunk(const QImage &lasso, double units)
-{
-    std::vector<quint8> outside;
-    for (int y = 0; y < lasso.height(); ++y)
-        for (int x = 0; x < lasso.width(); ++x)
-            outside.push_back(lasso.constScanLine(y)[x] == 0);
-    const double unit = std::max(lasso.width(), lasso.height()) / 481.0;
-    const auto depths = RyDistanceTransform::toSites(outside, lasso.width(), lasso.height());
-    QImage result(lasso.size(), QImage::Format_Grayscale8);
-    for (int y = 0; y < lasso.height(); ++y)
-        for (int x = 0; x < lasso.width(); ++x)
-            result.scanLine(y)[x] =
-                    double(depths[std::size_t(y * lasso.width() + x)]) > units * unit ? 255 : 0;
-    return result;
+    const auto graphCut = RyGraphFirstCut::analyse(picture, lasso);
+    if (!graphCut)
+        return {};
+    const QImage mask =
+            RyGraphFirstCut::mask(*graphCut, constraints, picture.size(), qRgb(255, 0, 0));
+    QImage object(picture.size(), QImage::Format_Grayscale8);
+    for (int y = 0; y < mask.height(); ++y)
+        for (int x = 0; x < mask.width(); ++x)
+            object.scanLine(y)[x] = mask.pixel(x, y) == 0 ? 255 : 0;
+    return object;
 }
 
 qint64 objectPixels(const QImage &mask)
 {
     qint64 count = 0;
     for (int y = 0; y < mask.height(); ++y)
-        count += std::count_if(mask.constScanLine(y), mask.constScanLine(y) + mask.width(),
-                               [](uchar pixel) { return pixel != 0; });
+        count += std::count(mask.constScanLine(y), mask.constScanLine(y) + mask.width(), 255);
     return count;
+}
+
+QImage flat(const QSize &size)
+{
+    QImage picture(size, QImage::Format_RGB32);
+    picture.fill(Qt::darkCyan);
+    return picture;
+}
+
+QImage coffee(int width)
+{
+    return Samples::photograph(QStringLiteral("coffee.png"), width)
+            .convertToFormat(QImage::Format_RGB32);
 }
 
 } // namespace
@@ -121,149 +97,102 @@ void tst_RyGraphCut::findsObjects()
     QFETCH(Shape, shape);
     QFETCH(Surface, surface);
     QFETCH(double, margin);
-    const QSize size(481, 361);
     const QPointF centre(230, 170);
-    const QImage truth = CutScenes::truth(shape, size, centre, 90);
-    const QImage lasso = CutScenes::filled(size, CutScenes::outline(shape, centre, 90, margin));
-    const QImage mask = cut(CutScenes::painted(truth, surface, 1), lasso);
+    const QImage truth = CutScenes::truth(shape, QSize(481, 361), centre, 90);
+    const QImage mask = cut(CutScenes::painted(truth, surface, 1),
+                            Samples::closedPath(CutScenes::outline(shape, centre, 90, margin)));
     const double overlap = CutScenes::overlap(mask, truth);
     // What lies deep inside counts as object until a user says otherwise, holes too.
     const double floor = shape == Shape::Ring ? 0.74 : 0.98;
     QVERIFY2(overlap > floor, qPrintable(QString::number(overlap)));
 }
 
-void tst_RyGraphCut::cutsMirroredPicturesAlike_data()
+void tst_RyGraphCut::photographs_data()
 {
     QTest::addColumn<QImage>("picture");
-    QTest::addColumn<QImage>("lasso");
-    const auto add = [](const char *name, const QImage &picture, const QPainterPath &lasso) {
-        QTest::newRow(name) << picture << CutScenes::filled(picture.size(), lasso.toFillPolygon());
+    QTest::addColumn<QPainterPath>("lasso");
+    QTest::addColumn<QByteArray>("expected"); // without corrections, and with some
+    const auto row = [](const char *name, const QImage &picture, const QPainterPath &lasso,
+                        const char *expected) {
+        QTest::newRow(name) << picture.convertToFormat(QImage::Format_ARGB32) << lasso
+                            << QByteArray(expected);
     };
-    const QImage coffee =
-            Samples::photograph(QStringLiteral("coffee.png")).convertToFormat(QImage::Format_RGB32);
-    add("photograph", coffee, Samples::lasso(QStringLiteral("coffee")));
-    add("small photograph", coffee.scaledToWidth(160, Qt::SmoothTransformation),
-        TestPictures::ellipse({77, 53}, 60, 48));
-    add("noise", TestPictures::noise(200, 150, 4), TestPictures::ellipse({100, 75}, 70, 50));
+    const auto sample = [row](const QString &file, const char *expected) {
+        row(qPrintable(file), Samples::photograph(file), Samples::lasso(file.section(u'.', 0, 0)),
+            expected);
+    };
+    sample(QStringLiteral("astronaut.png"), "8209b0cf 1c34888e");
+    sample(QStringLiteral("chelsea.png"), "f3c10bb6 cc1f38a0");
+    sample(QStringLiteral("coffee.png"), "78275e1b f865323f");
+    sample(QStringLiteral("rocket.jpg"), "53f62f78 05e5756f");
+    row("small", coffee(160), TestPictures::ellipse({77, 53}, 60, 48), "d7fd8101 82adde89");
+    row("thin", coffee(300), Samples::rectangle(60, 90, 150, 0.9), "891e0862 16d74dda");
+    row("noise", TestPictures::noise(200, 150, 4), TestPictures::ellipse({100, 75}, 70, 50),
+        "439826d8 ecd5b781");
+    row("flat", flat({360, 270}), TestPictures::ellipse({180, 135}, 60, 60), "5dd92ac5 433ff64f");
 }
 
-void tst_RyGraphCut::cutsMirroredPicturesAlike()
+void tst_RyGraphCut::photographs()
 {
     QFETCH(QImage, picture);
-    QFETCH(QImage, lasso);
-    const QImage straight = cut(picture, lasso);
-    for (const auto &[x, y] : {std::pair(true, false), {false, true}}) {
-        const QImage mirrored = cut(picture.mirrored(x, y), lasso.mirrored(x, y)).mirrored(x, y);
-        const double overlap = CutScenes::overlap(straight, mirrored);
-        QVERIFY2(overlap > 0.97, qPrintable(QString::number(overlap)));
+    QFETCH(QPainterPath, lasso);
+    RyCutConstraints constraints(picture.size());
+    const QPoint middle = lasso.boundingRect().center().toPoint();
+    for (int y = 0; y < 20; ++y) {
+        constraints.fix(middle.y() + y, middle.x(), middle.x() + 30, false);
+        constraints.fix(middle.y() - y, middle.x() - 200, middle.x() - 25 + y, true);
     }
-}
-
-void tst_RyGraphCut::repeatsItself()
-{
-    const QImage truth = CutScenes::truth(Shape::Star, {300, 220}, {150, 110}, 70);
-    const QImage picture = CutScenes::painted(truth, Surface::Noisy, 9);
-    const QImage lasso =
-            CutScenes::filled(truth.size(), CutScenes::outline(Shape::Star, {150, 110}, 70, 9));
     QThreadPool &pool = *QThreadPool::globalInstance();
     const int usual = pool.maxThreadCount();
-    const QImage expected = cut(picture, lasso);
-    for (const int cores : {1, 2, 3, 8}) {
+    for (const int cores : {1, 2, 8}) {
         const TestPictures::Machine machine(cores);
         pool.setMaxThreadCount(cores);
-        const QImage mask = cut(picture, lasso);
+        const QByteArray first = (Digest() << cut(picture, lasso)).hex();
+        const QByteArray second = (Digest() << cut(picture, lasso, constraints)).hex();
         pool.setMaxThreadCount(usual);
-        QCOMPARE(mask, expected);
+        QTEST(first + ' ' + second, "expected");
     }
 }
 
-void tst_RyGraphCut::fallsBackToTheShrunkLasso_data()
-{
-    QTest::addColumn<QImage>("picture");
-    QTest::addColumn<double>("radius"); // of the lasso, in units
-    for (const double radius : {30.0, 60.0, 150.0})
-        for (const int longSide : {120, 360}) {
-            const QSize size(longSide, longSide * 3 / 4);
-            QImage flat(size, QImage::Format_RGB32);
-            flat.fill(qRgb(120, 140, 90));
-            QTest::addRow("flat, %d pixels, radius %g", longSide, radius) << flat << radius;
-            QTest::addRow("noise, %d pixels, radius %g", longSide, radius)
-                    << TestPictures::noise(size.width(), size.height(), 3) << radius;
-        }
-}
-
-void tst_RyGraphCut::fallsBackToTheShrunkLasso()
-{
-    QFETCH(QImage, picture);
-    QFETCH(double, radius);
-    const double pixels = radius * picture.width() / 481.0;
-    const QPointF centre(picture.width() / 2.0, picture.height() / 2.0);
-    const QImage lasso = CutScenes::filled(
-            picture.size(), TestPictures::ellipse(centre, pixels, pixels).toFillPolygon());
-    const QImage mask = cut(picture, lasso);
-    double overlap = 0.0;
-    for (int margin = 3; margin <= 30; margin += 3) // whichever was estimated
-        overlap = std::max(overlap, CutScenes::overlap(mask, shrunk(lasso, margin)));
-    QVERIFY2(overlap > 0.6, qPrintable(QString::number(overlap)));
-}
-
-void tst_RyGraphCut::leavesSomethingInEveryLasso_data()
-{
-    QTest::addColumn<QImage>("picture");
-    for (const QSize &size :
-         {QSize(1, 1), QSize(1, 60), QSize(60, 1), QSize(2, 3), QSize(50, 40), QSize(481, 90)}) {
-        QImage flat(size, QImage::Format_RGB32);
-        flat.fill(Qt::darkCyan);
-        QTest::addRow("flat, %d x %d", size.width(), size.height()) << flat;
-        QTest::addRow("noise, %d x %d", size.width(), size.height())
-                << TestPictures::noise(size.width(), size.height(), 3);
-    }
-}
-
-/// However small or thin: an object, and no more than the lasso.
+/// However small or thin, and whatever the picture: an object, and no more than the lasso.
 void tst_RyGraphCut::leavesSomethingInEveryLasso()
 {
-    QFETCH(QImage, picture);
-    const QRect all = picture.rect();
-    for (const QPoint &at : {all.center(), all.bottomRight()})
-        for (const QSize &size :
-             {QSize(1, 1), QSize(2, 2), QSize(1, 9), QSize(30, 1), QSize(5, 5), QSize(3, 40),
-              QSize(20, 20), QSize(90, 7), QSize(60, 60), QSize(2000, 2000)}) {
-            QImage lasso(picture.size(), QImage::Format_Grayscale8);
-            lasso.fill(0);
-            QRect rect(at, size);
-            rect.moveCenter(at);
-            QPainter(&lasso).fillRect(rect, Qt::white);
-            const qint64 covered = objectPixels(lasso);
-            const qint64 object = objectPixels(cut(picture, lasso));
-            QVERIFY2(0 < object && object <= covered,
-                     qPrintable(QStringLiteral("%1 x %2 at %3, %4: %5 of %6 pixels")
-                                        .arg(size.width())
-                                        .arg(size.height())
-                                        .arg(at.x())
-                                        .arg(at.y())
-                                        .arg(object)
-                                        .arg(covered)));
-        }
+    QList<QImage> pictures;
+    for (const QSize &size :
+         {QSize(1, 1), QSize(1, 60), QSize(60, 1), QSize(50, 40), QSize(481, 90)})
+        pictures << flat(size) << TestPictures::noise(size.width(), size.height(), 3);
+    for (const QImage &picture : std::as_const(pictures))
+        for (const QPoint &at : {picture.rect().center(), picture.rect().bottomRight()})
+            for (const QSize &size : {QSize(1, 1), QSize(1, 9), QSize(30, 1), QSize(5, 5),
+                                      QSize(90, 7), QSize(60, 60), QSize(2000, 2000)}) {
+                QRect rect(at, size);
+                rect.moveCenter(at);
+                QPainterPath lasso;
+                lasso.addRect(rect);
+                const QRect inside = rect & picture.rect();
+                const qint64 object = objectPixels(cut(picture, lasso));
+                QVERIFY2(0 < object && object <= qint64(inside.width()) * inside.height(),
+                         qPrintable(QStringLiteral("%1 x %2 in a picture of %3 x %4: %5 pixels")
+                                            .arg(size.width())
+                                            .arg(size.height())
+                                            .arg(picture.width())
+                                            .arg(picture.height())
+                                            .arg(object)));
+            }
 }
+
 void tst_RyGraphCut::takesStrangeLassos_data()
 {
     QTest::addColumn<QPainterPath>("lasso");
     QTest::addColumn<bool>("hasObject");
-    const QSizeF size(140, 90);
     QTest::newRow("none") << QPainterPath() << false;
-    QTest::newRow("a point") << Samples::closedPath({{70, 45}}) << false;
     QTest::newRow("a line") << Samples::closedPath({{20, 20}, {110, 70}}) << false;
     QTest::newRow("between two rows") << Samples::rectangle(20, 30.6, 90, 0.3) << false;
-    QTest::newRow("a row") << Samples::rectangle(20, 30, 90, 1) << true;
     QTest::newRow("beside") << Samples::rectangle(200, 20, 50, 50) << false;
     QTest::newRow("on the border") << Samples::rectangle(139.4, 20, 50, 50) << true;
     QTest::newRow("round everything") << Samples::rectangle(-30, -30, 200, 150) << true;
-    QTest::newRow("nearly everything") << Samples::rectangle(1, 1, 138, 88) << true;
     QTest::newRow("far away") << Samples::rectangle(-1e15, -1e15, 2e15, 2e15) << true;
     QTest::newRow("half of it, far") << Samples::rectangle(70, -1e9, 1e12, 1e12) << true;
-    QTest::newRow("self-crossing")
-            << Samples::closedPath({{10, 10}, {130, 80}, {130, 10}, {10, 80}}) << true;
     QTest::newRow("two loops") << Samples::rectangle(5, 5, 40, 70) +
                                           Samples::rectangle(90, 10, 45, 60)
                                << true;
@@ -273,29 +202,18 @@ void tst_RyGraphCut::takesStrangeLassos()
 {
     QFETCH(QPainterPath, lasso);
     QFETCH(bool, hasObject);
-    const QImage picture = Samples::photograph(QStringLiteral("coffee.png"), 140)
-                                   .copy(0, 0, 140, 90)
-                                   .convertToFormat(QImage::Format_ARGB32);
-    const auto graphCut = RyGraphFirstCut::analyse(picture, lasso);
-    QCOMPARE(graphCut != nullptr, hasObject);
-    if (!graphCut)
-        return;
-    const qint64 object = objectPixels(sidesAsMask(*graphCut, {}));
-    QVERIFY(0 < object && object < 140 * 90);
+    const qint64 object = objectPixels(cut(coffee(140), lasso));
+    QVERIFY(hasObject ? 0 < object && object < 140 * 93 : object == 0);
 }
 
 void tst_RyGraphCut::obeysConstraints_data()
 {
     QTest::addColumn<QImage>("picture");
     QTest::addColumn<QRectF>("lassoRect");
-    const QImage coffee = Samples::photograph(QStringLiteral("coffee.png"), 300)
-                                  .convertToFormat(QImage::Format_RGB32);
-    QImage flat(coffee.size(), QImage::Format_RGB32);
-    flat.fill(Qt::darkYellow);
     for (const QRectF &rect :
          {QRectF(35, 5, 210, 190), QRectF(100, 80, 30, 25), QRectF(60, 90, 150, 0.9)}) {
-        QTest::addRow("photograph, %g x %g", rect.width(), rect.height()) << coffee << rect;
-        QTest::addRow("flat, %g x %g", rect.width(), rect.height()) << flat << rect;
+        QTest::addRow("photograph, %g x %g", rect.width(), rect.height()) << coffee(300) << rect;
+        QTest::addRow("flat, %g x %g", rect.width(), rect.height()) << flat({300, 200}) << rect;
     }
 }
 
@@ -306,8 +224,7 @@ void tst_RyGraphCut::obeysConstraints()
     QFETCH(QRectF, lassoRect);
     QPainterPath lasso;
     lasso.addRect(lassoRect);
-    const auto graphCut = RyGraphFirstCut::analyse(picture, lasso);
-    const qint64 before = objectPixels(sidesAsMask(*graphCut, {}));
+    const qint64 before = objectPixels(cut(picture, lasso));
     for (const bool isInverted : {false, true})
         for (quint32 seed = 0; seed < 6; ++seed) {
             QRandomGenerator dice(seed);
@@ -320,21 +237,18 @@ void tst_RyGraphCut::obeysConstraints()
                                 dice.bounded(2));
             }
             constraints.fix(0, 0, 3, isInverted); // outside, as background
-            const QImage mask =
-                    RyGraphFirstCut::mask(*graphCut, constraints, picture.size(), qRgb(255, 0, 0));
+            const QImage mask = cut(picture, lasso, constraints);
             std::vector<RyCutSide> fixed(std::size_t(picture.width()));
             qint64 object = 0;
-            qint64 wrong = 0;
             for (int y = 0; y < picture.height(); ++y) {
                 constraints.read(y, 0, picture.width(), fixed.data());
                 for (int x = 0; x < picture.width(); ++x) {
-                    const bool isObject = (mask.pixel(x, y) == 0) != isInverted;
+                    const bool isObject = (mask.constScanLine(y)[x] == 255) != isInverted;
                     object += isObject;
-                    wrong += fixed[std::size_t(x)] ==
-                             (isObject ? RyCutSide::Background : RyCutSide::Object);
+                    QVERIFY(fixed[std::size_t(x)] !=
+                            (isObject ? RyCutSide::Background : RyCutSide::Object));
                 }
             }
-            QCOMPARE(wrong, 0);
             QVERIFY(seed > 0 || object > before / 2);
         }
 }
@@ -342,21 +256,15 @@ void tst_RyGraphCut::obeysConstraints()
 /// Also where models that have learnt from the correction would put the outline a little elsewhere.
 void tst_RyGraphCut::leavesAloneWhatIsFarFromCorrections()
 {
-    const QImage picture = Samples::photograph(QStringLiteral("coffee.png"), 600)
-                                   .convertToFormat(QImage::Format_RGB32);
-    QPainterPath lasso;
-    lasso.addEllipse(QRectF(60, 8, 440, 384));
-    const auto graphCut = RyGraphFirstCut::analyse(picture, lasso);
-    const QImage first = sidesAsMask(*graphCut, {});
-    const QRect corrected(90, 200, 20, 12); // the saucer's rim is background now
+    const QImage picture = coffee(600);
+    const QPainterPath lasso = Samples::ellipse(60, 8, 440, 384);
     RyCutConstraints constraints(picture.size());
-    for (int y = corrected.top(); y <= corrected.bottom(); ++y)
-        constraints.fix(y, corrected.left(), corrected.right() + 1, false);
-    const QImage second = sidesAsMask(*graphCut, constraints);
-    const QRect near(60, 150, 140, 130);
-    const QRect far(400, 0, 200, 400);
-    QVERIFY(second.copy(near) != first.copy(near));
-    QCOMPARE(second.copy(far), first.copy(far));
+    for (int y = 200; y < 212; ++y)
+        constraints.fix(y, 90, 110, false); // the saucer's rim is background now
+    const QImage first = cut(picture, lasso);
+    const QImage second = cut(picture, lasso, constraints);
+    QVERIFY(second.copy(60, 150, 140, 130) != first.copy(60, 150, 140, 130));
+    QCOMPARE(second.copy(400, 0, 200, 400), first.copy(400, 0, 200, 400));
 }
 
 RY_TEST_CLASS(tst_RyGraphCut, QCoreApplication)

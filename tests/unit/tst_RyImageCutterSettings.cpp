@@ -28,13 +28,11 @@ class tst_RyImageCutterSettings : public QObject
 private Q_SLOTS:
     void init();
 
-    void bringsBackWhatWasSet_data();
     void bringsBackWhatWasSet();
     void readsFilesWrittenByHand_data();
     void readsFilesWrittenByHand();
     void leavesTheFileAloneWithoutNeed();
     void keepsWhatOthersChanged();
-    void replacesADamagedFileWhenChanged_data();
     void replacesADamagedFileWhenChanged();
     void triesAgainWhatCouldNotBeSaved();
 
@@ -67,26 +65,20 @@ QByteArray tst_RyImageCutterSettings::stored() const
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void tst_RyImageCutterSettings::bringsBackWhatWasSet_data()
-{
-    QTest::addColumn<QString>("folder");
-    QTest::addColumn<QColor>("color");
-    QTest::newRow("plain") << u"some folder/debug"_s << QColor(1, 2, 3);
-    QTest::newRow("odd") << u" a, \"b\";\\x41\n=ä %41 "_s << QColor::fromRgba64(1, 2, 3, 4);
-    QTest::newRow("like a type") << u"@Variant("_s << QColor::fromHsv(10, 20, 30, 40);
-}
-
 void tst_RyImageCutterSettings::bringsBackWhatWasSet()
 {
-    QFETCH(QString, folder);
-    QFETCH(QColor, color);
-    settings().setDebugFolder(folder);
-    settings().setMaximalImageLength(-7);
-    settings().setBackgroundColors(1, color);
-    settings().loadSettings();
-    QCOMPARE(settings().debugFolder(), folder);
-    QCOMPARE(settings().maximalImageLength(), -7);
-    QCOMPARE(settings().backgroundColors(), (QList<QColor>{Qt::white, color, translucentRed}));
+    const std::pair<QString, QColor> odd[] = {
+            {u" a, \"b\";\\x41\n=ä %41 "_s, QColor::fromRgba64(1, 2, 3, 4)},
+            {u"@Variant("_s, QColor::fromHsv(10, 20, 30, 40)}};
+    for (const auto &[folder, color] : odd) {
+        settings().setDebugFolder(folder);
+        settings().setMaximalImageLength(-7);
+        settings().setBackgroundColors(1, color);
+        settings().loadSettings();
+        QCOMPARE(settings().debugFolder(), folder);
+        QCOMPARE(settings().maximalImageLength(), -7);
+        QCOMPARE(settings().backgroundColors(), (QList<QColor>{Qt::white, color, translucentRed}));
+    }
 }
 
 void tst_RyImageCutterSettings::readsFilesWrittenByHand_data()
@@ -152,30 +144,26 @@ void tst_RyImageCutterSettings::keepsWhatOthersChanged()
     QCOMPARE(settings().backgroundColors(), defaultColors);
 }
 
-void tst_RyImageCutterSettings::replacesADamagedFileWhenChanged_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::newRow("a stray line") << QByteArray("[ImageCutter]\nmaxFotoLength=5\nstray\n[a]\nb=c");
-    QTest::newRow("cut off") << QByteArray("[a]\nb=c\n[Imag");
-    QTest::newRow("binary") << QByteArray(100, '\0').append("\n[a]\nb=c");
-}
-
 void tst_RyImageCutterSettings::replacesADamagedFileWhenChanged()
 {
-    QFETCH(QByteArray, text);
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"settings.ini .*damaged"_s)); // once
-    for (int i = 0; i < 2; ++i) {
-        store(text);
+    for (const QByteArray &text :
+         {QByteArray("[ImageCutter]\nmaxFotoLength=5\nstray\n[a]\nb=c"),
+          QByteArray("[a]\nb=c\n[Imag"), QByteArray(100, '\0').append("\n[a]\nb=c")}) {
+        init();
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"settings.ini .*damaged"_s)); // once
+        for (int i = 0; i < 2; ++i) {
+            store(text);
+            settings().loadSettings();
+            QCOMPARE(settings().maximalImageLength(), 1200);
+            settings().saveSettings();
+            QCOMPARE(stored(), text);
+        }
+        settings().setDebugFolder(u"here"_s);
         settings().loadSettings();
+        QCOMPARE(settings().debugFolder(), u"here"_s);
         QCOMPARE(settings().maximalImageLength(), 1200);
-        settings().saveSettings();
-        QCOMPARE(stored(), text);
+        QCOMPARE(settings().readVariant(u"a/b"_s, {}), u"c"_s); // somebody else's, and legible
     }
-    settings().setDebugFolder(u"here"_s);
-    settings().loadSettings();
-    QCOMPARE(settings().debugFolder(), u"here"_s);
-    QCOMPARE(settings().maximalImageLength(), 1200);
-    QCOMPARE(settings().readVariant(u"a/b"_s, {}), u"c"_s); // somebody else's, and legible
 }
 
 void tst_RyImageCutterSettings::triesAgainWhatCouldNotBeSaved()

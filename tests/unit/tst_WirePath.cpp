@@ -52,76 +52,58 @@ class tst_WirePath : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void changesTouchTheNeighboursOnly_data();
     void changesTouchTheNeighboursOnly();
-    void insertedNodesSplitAStretch_data();
     void insertedNodesSplitAStretch();
     void lastNodesGo();
     void outlineNamesEachPointOnce();
 };
 
-void tst_WirePath::changesTouchTheNeighboursOnly_data()
-{
-    QTest::addColumn<int>("node");
-    QTest::addColumn<bool>("isClosed");
-    QTest::addColumn<bool>("isRemoved");
-    QTest::addColumn<QList<qsizetype>>("changed"); // stretches
-    using List = QList<qsizetype>;
-    QTest::addRow("move") << 2 << true << false << List{1, 2};
-    QTest::addRow("move the first") << 0 << true << false << List{0, 4};
-    QTest::addRow("move the last") << 4 << true << false << List{3, 4};
-    QTest::addRow("move the first of an open one") << 0 << false << false << List{0};
-    QTest::addRow("move the last of an open one") << 4 << false << false << List{3};
-    QTest::addRow("remove") << 2 << true << true << List{1};
-    QTest::addRow("remove the first") << 0 << true << true << List{3};
-    QTest::addRow("remove the last") << 4 << true << true << List{3};
-    QTest::addRow("remove the first of an open one") << 0 << false << true << List{};
-    QTest::addRow("remove the last of an open one") << 4 << false << true << List{};
-}
-
 void tst_WirePath::changesTouchTheNeighboursOnly()
 {
-    QFETCH(int, node);
-    QFETCH(bool, isClosed);
-    QFETCH(bool, isRemoved);
-    QFETCH(QList<qsizetype>, changed);
-    WirePath path = pentagon();
-    if (!isClosed)
-        path.removeLast();
-    const WirePath before = path;
-    isRemoved ? path.removeNode(node) : path.moveNode(node, {15, 15});
-    QCOMPARE(newStretches(before, path), changed);
-    QVERIFY(isConnected(path));
-    QCOMPARE(path.isClosed(), isClosed);
-    for (const qsizetype stretch : changed)
-        QCOMPARE(path.stretches().at(stretch).isKnown, path.stretches().at(stretch).isStraight);
-}
-
-void tst_WirePath::insertedNodesSplitAStretch_data()
-{
-    QTest::addColumn<QPointF>("point");
-    QTest::addColumn<QPointF>("node");
-    QTest::addRow("a wire, at one of its points") << QPointF(13, 4) << QPointF(13, 3);
-    QTest::addRow("a straight line, anywhere") << QPointF(2, 8) << QPointF(1, 8);
+    struct Change
+    {
+        int node;
+        bool isClosed;
+        bool isRemoved;
+        QList<qsizetype> stretches;
+    };
+    for (const Change &change :
+         {Change{2, true, false, {1, 2}}, Change{0, true, false, {0, 4}},
+          Change{4, true, false, {3, 4}}, Change{0, false, false, {0}},
+          Change{4, false, false, {3}}, Change{2, true, true, {1}}, Change{0, true, true, {3}},
+          Change{4, true, true, {3}}, Change{0, false, true, {}}, Change{4, false, true, {}}}) {
+        WirePath path = pentagon();
+        if (!change.isClosed)
+            path.removeLast();
+        const WirePath before = path;
+        change.isRemoved ? path.removeNode(change.node) : path.moveNode(change.node, {15, 15});
+        QCOMPARE(newStretches(before, path), change.stretches);
+        QVERIFY(isConnected(path));
+        QCOMPARE(path.isClosed(), change.isClosed);
+        for (const qsizetype stretch : change.stretches)
+            QCOMPARE(path.stretches().at(stretch).isKnown, path.stretches().at(stretch).isStraight);
+    }
 }
 
 void tst_WirePath::insertedNodesSplitAStretch()
 {
-    QFETCH(QPointF, point);
-    QFETCH(QPointF, node);
-    WirePath path = pentagon();
-    const QPolygonF outline = path.outline();
-    const auto place = path.placeNear(CutPoint(point), 2.0);
-    QVERIFY(place);
-    path.insertNode(*place);
-    QCOMPARE(path.nodes().at(place->stretch + 1), node);
-    QVERIFY(isConnected(path));
-    QVERIFY(!path.firstUnknown());
-    QPolygonF found = path.outline();
-    if (!outline.contains(node))
-        found.removeOne(node);
-    QCOMPARE(found, outline);
-    QVERIFY(!path.placeNear({15, 15}, 2.0));
+    // Of a wire at one of its points, of a straight line anywhere.
+    for (const auto &[point, node] :
+         {std::pair(QPointF(13, 4), QPointF(13, 3)), {QPointF(2, 8), QPointF(1, 8)}}) {
+        WirePath path = pentagon();
+        const QPolygonF outline = path.outline();
+        const auto place = path.placeNear(CutPoint(point), 2.0);
+        QVERIFY(place);
+        path.insertNode(*place);
+        QCOMPARE(path.nodes().at(place->stretch + 1), node);
+        QVERIFY(isConnected(path));
+        QVERIFY(!path.firstUnknown());
+        QPolygonF found = path.outline();
+        if (!outline.contains(node))
+            found.removeOne(node);
+        QCOMPARE(found, outline);
+        QVERIFY(!path.placeNear({15, 15}, 2.0));
+    }
 }
 
 void tst_WirePath::lastNodesGo()
