@@ -157,6 +157,44 @@ bool RySafeFile::commit()
     return true;
 }
 
+RySafeFile *RySafeFile::commitAll(std::span<RySafeFile *const> files)
+{
+    for (RySafeFile *const file : files) {
+        if (!file->finish())
+            return file;
+    }
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        files[i]->keepPresent();
+        if (files[i]->giveName())
+            continue;
+        for (RySafeFile *const committed : files.first(i))
+            committed->takeBack();
+        return files[i];
+    }
+    for (RySafeFile *const file : files)
+        file->discard();
+    return nullptr;
+}
+
+/// Gives what is in the place a second name.
+void RySafeFile::keepPresent()
+{
+    const QByteArray place = QFile::encodeName(m_place);
+    const auto linkTo = [&place](const char *name) { return ::link(place.constData(), name); };
+    const bool isKept = withFreeName(m_place, m_keptName, linkTo) == 0;
+    m_canBeTakenBack = isKept || errno == ENOENT; // some disks know no second names
+}
+
+void RySafeFile::takeBack()
+{
+    const QByteArray place = QFile::encodeName(m_place);
+    if (!m_keptName.isEmpty())
+        std::rename(QFile::encodeName(m_keptName).constData(), place.constData());
+    else if (m_canBeTakenBack)
+        unlink(place.constData());
+    m_keptName.clear();
+}
+
 /// Under another name first where there is something in the place: only so is it replaced at once.
 bool RySafeFile::giveName()
 {
@@ -182,9 +220,11 @@ void RySafeFile::discard()
     if (m_file >= 0)
         ::close(m_file);
     m_file = -1;
-    if (!m_temporaryName.isEmpty())
-        unlink(QFile::encodeName(m_temporaryName).constData());
-    m_temporaryName.clear();
+    for (QString *const name : {&m_temporaryName, &m_keptName}) {
+        if (!name->isEmpty())
+            unlink(QFile::encodeName(*name).constData());
+        name->clear();
+    }
 }
 
 bool RySafeFile::fail(int error)

@@ -5,6 +5,8 @@
 #include <QIODevice>
 #include <QString>
 
+#include <span>
+
 /**
  * A file that appears complete or not at all: until commit() its place shows what was there before,
  * and it goes on to do so when anything fails.
@@ -28,11 +30,13 @@ public:
     /// allow it, where what is there may only be read, and where it is no regular file.
     bool open(OpenMode mode = WriteOnly) override;
 
-    /// Brings everything to the disk. Then only a change of names is left to commit(): of several
-    /// files that belong together, finish all before the first is committed.
+    /// Brings everything to the disk. Then only a change of names is left to commit().
     bool finish();
     /// Puts the file in its place, after finishing it.
     bool commit();
+    /// Puts files that belong together in their places, once all of them are finished. Where one
+    /// cannot be put there, those that could are taken back. Returns that one; null for success.
+    static RySafeFile *commitAll(std::span<RySafeFile *const> files);
 
     qint64 size() const override;
 
@@ -43,10 +47,14 @@ protected:
 private:
     bool fail(int error);
     bool giveName();
+    void keepPresent();
+    void takeBack();
     void discard();
 
     const QString m_place;   // where links lead
     QString m_temporaryName; // empty while the file has none, or its own
+    QString m_keptName;      // of what was in the place, while it may have to go back there
     int m_file = -1;
     bool m_hasFailed = false;
+    bool m_canBeTakenBack = false;
 };

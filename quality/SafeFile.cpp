@@ -1,18 +1,16 @@
 #include "SafeFile.h"
 
+#include "RySafeFile.h"
 #include "cutout/AppError.h"
 
 #include <QBuffer>
-#include <QSaveFile>
 
 using namespace Qt::StringLiterals;
 
 void SafeFile::write(const QString &fileName, const QByteArray &bytes)
 {
-    QSaveFile file(fileName);
-    const bool isWritten =
-            file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
-    if (!isWritten)
+    RySafeFile file(fileName);
+    if (!file.open() || file.write(bytes) != bytes.size() || !file.commit())
         throw AppError(u"%1 cannot be written: %2"_s.arg(fileName, file.errorString()));
 }
 

@@ -2,6 +2,7 @@
 
 #include "cutout/MaskImage.h"
 
+#include <new>
 #include <vector>
 
 namespace {
@@ -14,7 +15,10 @@ public:
         : m_topLeft(box.topLeft() - QPoint(1, 1))
         , m_mask(mask.copy(box.adjusted(-1, -1, 1, 1))) // 0 where it reaches beyond the mask
         , m_isWalked(size_t(m_mask.width()) * size_t(m_mask.height()))
-    {}
+    {
+        if (m_mask.isNull())
+            throw std::bad_alloc();
+    }
 
     QPainterPath path()
     {

@@ -11,6 +11,7 @@
  * the screen, with corners only where they turn. Pixels that meet at a corner are in one piece.
  * Coordinates are pixels of the mask; OddEvenFill. Empty without an object.
  *
+ * Errors   std::bad_alloc.
  * Threads  pure, any thread. Time O(pixels of the object's rectangle).
  */
 namespace MaskOutline {

@@ -26,6 +26,20 @@ void checkSize(const QSize &size)
                            PictureError::Kind::TooLarge);
 }
 
+[[noreturn]] void throwNoMemory()
+{
+    throw PictureError(u"there is not enough memory"_s, PictureError::Kind::NoMemory);
+}
+
+/// Whether there could be a picture of this size, and another one while it is turned upright. The
+/// readers do not say why they fail.
+bool hasMemoryFor(const QSize &size)
+{
+    const QImage picture(size, QImage::Format_ARGB32);
+    const QImage turned(size.transposed(), QImage::Format_ARGB32);
+    return size.isEmpty() || (!picture.isNull() && !turned.isNull());
+}
+
 /// For pixels that were not RGB in their file, but are now: their profile does not describe them.
 void dropForeignProfile(QImage &picture)
 {
@@ -48,7 +62,10 @@ QImage PictureDecoder::decode(QIODevice &device, bool allowHuge)
         throw PictureError(reader.errorString());
     if (!allowHuge)
         checkSize(reader.size());
+    const QSize size = reader.size();
     QImage picture = reader.read();
+    if (picture.isNull() && !hasMemoryFor(size))
+        throwNoMemory();
     if (picture.isNull())
         throw PictureError(reader.errorString());
     return prepared(std::move(picture));
@@ -58,7 +75,7 @@ QImage PictureDecoder::prepared(QImage image)
 {
     image.convertTo(QImage::Format_ARGB32);
     if (image.isNull())
-        throw PictureError(u"there is too little memory"_s);
+        throwNoMemory();
     dropForeignProfile(image);
     return image;
 }

@@ -10,11 +10,15 @@ QString PictureEncoder::encode(QIODevice &device, const QImage &picture, const Q
             15; // Qt's scale of 100: a sixth of the default's time, + 20 % size
     constexpr int jpegQuality = 95;
     if (picture.isNull())
-        return u"there is too little memory"_s;
+        return u"there is not enough memory"_s;
     QImageWriter writer(&device, format);
     if (format == "png")
         writer.setCompression(fastCompression);
     else
         writer.setQuality(jpegQuality);
-    return writer.write(picture) ? QString() : writer.errorString();
+    if (writer.write(picture))
+        return {};
+    return writer.error() == QImageWriter::UnknownError
+                   ? u"it does not fit the format, or there is not enough memory"_s
+                   : writer.errorString();
 }

@@ -6,7 +6,7 @@
 class PictureError : public AppError
 {
 public:
-    enum class Kind { Unreadable, TooLarge };
+    enum class Kind { Unreadable, TooLarge, NoMemory };
 
     explicit PictureError(const QString &reason, Kind kind = Kind::Unreadable)
         : AppError(reason)

@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 
+#include <new>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -57,8 +58,12 @@ void GesturePlayer::apply(const Gesture::Lasso &lasso)
 
 void GesturePlayer::apply(const Gesture::Seed &seed)
 {
-    if (!m_picture.isNull()) // sessions without wires are spared the edges
-        m_wire.setPicture(RyScissorsEdgePicture::edgePicture(std::exchange(m_picture, {})));
+    if (!m_picture.isNull()) { // sessions without wires are spared the edges
+        const QImage edges = RyScissorsEdgePicture::edgePicture(std::exchange(m_picture, {}));
+        if (edges.isNull())
+            throw std::bad_alloc();
+        m_wire.setPicture(edges);
+    }
     m_wire.begin(m_toSession.map(seed.point));
 }
 

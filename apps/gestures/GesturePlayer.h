@@ -28,7 +28,8 @@ public:
     void setPicture(const QImage &picture);
 
     /// Returns when the session has answered and what it said has been delivered; meanwhile events
-    /// are processed. False once stop() was called. Throws AppError where no wire leads on.
+    /// are processed. False once stop() was called. Throws AppError where no wire leads on, and
+    /// std::bad_alloc where memory is too short for wires.
     bool play(const Gesture &gesture);
     /// What the last cut began with, drawn or laid as a wire, in pixels of the picture.
     QPolygonF lasso() const { return m_lasso; }

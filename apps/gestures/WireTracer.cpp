@@ -3,6 +3,7 @@
 #include <QEventLoop>
 
 #include <algorithm>
+#include <new>
 
 void WireTracer::setPicture(const QImage &picture)
 {
@@ -54,7 +55,10 @@ bool WireTracer::isReached(const QPoint &target)
     connect(this, &WireTracer::stopped, &loop, &QEventLoop::quit);
     while (!m_isStopped && m_scissors.isSearching() && !m_scissors.containsWireToPoint(target))
         loop.exec();
-    return !m_isStopped && m_scissors.containsWireToPoint(target);
+    const bool isReached = m_scissors.containsWireToPoint(target);
+    if (!m_isStopped && !isReached && m_scissors.hasFailed())
+        throw std::bad_alloc();
+    return !m_isStopped && isReached;
 }
 
 QPolygonF WireTracer::outline() const

@@ -26,7 +26,8 @@ public:
     /// outside.
     void begin(const QPointF &point);
     /// Leads the wire on to the point; meanwhile events are processed. False when the scissors find
-    /// no way there, and once stop() was called; the wire then stays as it is.
+    /// no way there, and once stop() was called; the wire then stays as it is. Throws
+    /// std::bad_alloc when they find none for want of memory.
     bool continueTo(const QPointF &point);
     bool close() { return continueTo(m_first); } ///< back to where the wire began
 

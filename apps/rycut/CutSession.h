@@ -18,9 +18,9 @@ class CutSession : public QObject
 public:
     explicit CutSession(const CuttingScale &scale);
 
-    /// The session's mask after the last gesture, in its own format. Null when the session had too
-    /// little memory, or was aborted. The picture has the cutting size, gestures are in pixels of
-    /// the full size. Throws AppError where one cannot be played.
+    /// The session's mask after the last gesture, in its own format. Null when it was aborted, or
+    /// memory was too short; that may throw std::bad_alloc as well. The picture has the cutting
+    /// size, gestures are in pixels of the full size. Throws AppError where one cannot be played.
     QImage cut(const QImage &picture, const QList<Gesture> &gestures);
     const RyImageSegmentation &segmentation() const { return m_segmentation; }
     QPolygonF lasso() const { return m_player.lasso(); }

@@ -5,9 +5,7 @@
 #include "OutputNames.h"
 #include "cutout/PictureEncoder.h"
 
-#include <QFileInfo>
-
-#include <algorithm>
+#include <new>
 
 using namespace Qt::StringLiterals;
 
@@ -18,54 +16,60 @@ OutputFile::OutputFile(const QString &name)
         m_standardOutput.open(QIODevice::WriteOnly);
         return;
     }
-    // A device or a pipe would be replaced by a file of the same name.
-    const QFileInfo present(name);
-    if (present.exists() && !present.isFile())
-        fail(u"it is not a regular file"_s);
-    m_file = std::make_unique<QSaveFile>(name);
-    if (!m_file->open(QIODevice::WriteOnly))
+    m_file = std::make_unique<RySafeFile>(name);
+    if (!m_file->open())
         fail(m_file->errorString());
 }
 
-bool OutputFile::isStandardOutput() const
+QIODevice &OutputFile::device()
 {
-    return m_file == nullptr;
+    return m_file ? static_cast<QIODevice &>(*m_file) : m_standardOutput;
 }
 
 void OutputFile::write(const QByteArray &bytes)
 {
-    QIODevice &device = m_file ? static_cast<QIODevice &>(*m_file) : m_standardOutput;
-    if (device.write(bytes) != bytes.size())
-        fail(device.errorString());
+    if (device().write(bytes) != bytes.size())
+        fail(device().errorString());
 }
 
 void OutputFile::write(const QImage &picture)
 {
-    QIODevice &device = m_file ? static_cast<QIODevice &>(*m_file) : m_standardOutput;
+    if (picture.isNull())
+        throw std::bad_alloc();
     const QString problem =
-            PictureEncoder::encode(device, picture, OutputNames::format(m_name).toLatin1());
-    if (!problem.isEmpty())
-        fail(problem);
+            PictureEncoder::encode(device(), picture, OutputNames::format(m_name).toLatin1());
+    if (problem.isEmpty())
+        return;
+    finish(); // the encoder does not know why it could not write
+    fail(problem);
 }
 
-void OutputFile::commit()
+void OutputFile::finish()
 {
-    if (m_file && !m_file->commit())
+    if (m_file && !m_file->finish())
         fail(m_file->errorString());
-    if (!m_file && !Console::writeResult(m_standardOutput.data()))
-        fail(u"its reader has gone, or its disk is full"_s);
 }
 
-QStringList OutputFile::commitAll(std::vector<OutputFile *> files)
+QStringList OutputFile::commitAll(const std::vector<OutputFile *> &files)
 {
-    // Standard output fails more often than renaming does, and then no file must have appeared.
-    std::stable_partition(files.begin(), files.end(),
-                          [](const OutputFile *file) { return file->isStandardOutput(); });
+    std::vector<RySafeFile *> onDisk;
     QStringList names;
     for (OutputFile *const file : files) {
-        file->commit();
-        if (!file->isStandardOutput())
-            names.append(file->name());
+        file->finish();
+        if (file->isStandardOutput())
+            continue;
+        onDisk.push_back(file->m_file.get());
+        names.append(file->m_name);
+    }
+    // What went out cannot be taken back, but fails more often than a change of names.
+    for (const OutputFile *const file : files) {
+        if (file->isStandardOutput() && !Console::writeResult(file->m_standardOutput.data()))
+            file->fail(u"its reader has gone, or its disk is full"_s);
+    }
+    const RySafeFile *const failed = RySafeFile::commitAll(onDisk);
+    for (const OutputFile *const file : files) {
+        if (failed && file->m_file.get() == failed)
+            file->fail(failed->errorString());
     }
     return names;
 }

@@ -29,11 +29,11 @@ QStringList OutputFiles::commitAll()
         files.push_back(&file);
     if (m_report)
         files.push_back(m_report.get());
-    return OutputFile::commitAll(std::move(files));
+    return OutputFile::commitAll(files);
 }
 
 void OutputFiles::commitReport()
 {
     if (m_report)
-        m_report->commit();
+        OutputFile::commitAll({m_report.get()});
 }

@@ -17,6 +17,8 @@ QImage PictureInput::decode(QIODevice &device, const PictureOptions &options)
                                                          error.message());
         if (error.kind() == PictureError::Kind::TooLarge)
             message += u"; --allow-huge lifts this limit"_s;
-        throw CommandError(ExitStatus::UnreadableInput, message);
+        const bool isShortOfMemory = error.kind() == PictureError::Kind::NoMemory;
+        throw CommandError(isShortOfMemory ? ExitStatus::NoMemory : ExitStatus::UnreadableInput,
+                           message);
     }
 }

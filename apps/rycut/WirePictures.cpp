@@ -32,7 +32,9 @@ QPainterPath path(const WireResult &result)
 
 QImage WirePictures::overlay(const WireResult &result, const QImage &picture)
 {
-    QImage image = picture;
+    QImage image = picture.copy();
+    if (image.isNull())
+        return image;
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     const int longestSide = std::max(image.width(), image.height());
@@ -51,6 +53,8 @@ QImage WirePictures::overlay(const WireResult &result, const QImage &picture)
 QImage WirePictures::mask(const WireResult &result)
 {
     QImage mask(result.picture.size(), QImage::Format_Grayscale8);
+    if (mask.isNull())
+        return mask;
     mask.fill(0);
     mask.setDotsPerMeterX(result.picture.dotsPerMeterX());
     mask.setDotsPerMeterY(result.picture.dotsPerMeterY());

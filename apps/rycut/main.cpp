@@ -3,9 +3,13 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLoggingCategory>
 
 #include <csignal>
 #include <cstdlib>
+#include <exception>
+#include <new>
+#include <string_view>
 #include <unistd.h>
 
 namespace {
@@ -28,6 +32,27 @@ void provideRuntimeFolder()
                         QStringLiteral("%1/runtime-%2").arg(QDir::tempPath()).arg(getuid())));
 }
 
+/// What Qt remarks on its own, as of threads that the system does not give, is told by our errors.
+void leaveTalkingToUs()
+{
+    QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false\nqt.*.warning=false"));
+}
+
+/// Memory may be short in threads of Qt's and in its event loop, where nothing can be caught.
+[[noreturn]] void endForLackOfMemory()
+{
+    try {
+        if (const std::exception_ptr exception = std::current_exception())
+            std::rethrow_exception(exception);
+    } catch (const std::bad_alloc &) {
+        constexpr std::string_view message = "rycut: there is not enough memory\n";
+        static_cast<void>(!write(STDERR_FILENO, message.data(), message.size()));
+        std::_Exit(int(ExitStatus::NoMemory));
+    } catch (...) { // a fault of the program
+    }
+    std::abort();
+}
+
 ExitStatus runProgram(int &argc, char **argv)
 {
     QApplication application(argc, argv);
@@ -46,6 +71,9 @@ ExitStatus runProgram(int &argc, char **argv)
 int main(int argc, char *argv[])
 {
     std::signal(SIGPIPE, SIG_IGN); // a reader that went away is an error to report
+    std::signal(SIGXFSZ, SIG_IGN); // as is a file that may not become so large
+    std::set_terminate(endForLackOfMemory);
+    leaveTalkingToUs();
     runWithoutDisplayWhereThereIsNone();
     provideRuntimeFolder();
     return int(runProgram(argc, argv));

@@ -60,8 +60,10 @@ void RyIntelligentScissors::setup(const QImage &picture)
         m_grey = greyOf(picture);
         if (!m_grey.isNull())
             createCalculators();
+        m_hasSetupFailed = m_grey.isNull() && !picture.isNull();
     } catch (const std::bad_alloc &) {
         m_grey = QImage();
+        m_hasSetupFailed = true;
     }
 }
 
@@ -119,6 +121,12 @@ bool RyIntelligentScissors::isSearching() const
 {
     const QMutexLocker lock(&m_mutex);
     return m_wireCalculator && m_wireCalculator->isExecuting();
+}
+
+bool RyIntelligentScissors::hasFailed() const
+{
+    return m_hasSetupFailed ||
+           (m_wireCalculator && (m_wireCalculator->hasFailed() || m_weightCalculator->hasFailed()));
 }
 
 bool RyIntelligentScissors::containsWireToPoint(const QPointF &point) const

@@ -21,7 +21,7 @@ class RyIntelligentScissorsWireCalculator;
  * Output   wires as lists of points, one for each square of 2 × 2 pixels that they pass, at its
  *          pixel (1, 1): the last one may lie a pixel outside the picture, and the host clips it.
  * Source   Mortensen and Barrett, Intelligent Scissors, SIGGRAPH 1995, with brightness for costs.
- * Errors   none reported: before setup(), and after one that failed, there is no wire anywhere.
+ * Errors   told by hasFailed(): before setup(), and after one that failed, there is no wire anywhere.
  * Threads  belongs to the thread that it lives in. isSearching(), containsWireToPoint() and
  *          bestWire() may be called from any other as well, while runs start and stop, and never
  *          wait for a run.
@@ -56,6 +56,10 @@ public:
     /// True while the search from the last seed goes on. What it has not found by its end, it will
     /// not find.
     bool isSearching() const;
+
+    /// True once memory was too short for the picture, or memory or threads for a search on it:
+    /// then a point that has no wire may well have a way to it.
+    bool hasFailed() const;
 
     /// The point is rounded, and brought into the picture.
     bool containsWireToPoint(const QPointF &point) const;
@@ -93,6 +97,7 @@ private:
     const RyIntelligentScissorsWeightCalculator::Settings m_settings;
     const quint32 m_windowSize = 4096; // pixels
     QImage m_grey;                     // read by the weight calculator while it exists
+    bool m_hasSetupFailed = false;
     QList<QPoint> m_seeds;
 
     // Taken for the questions, which other threads may ask, and where the calculators come and go.

@@ -159,7 +159,8 @@ void RyIntelligentScissorsWeightCalculator::applySettings(const Settings &settin
 
 void RyIntelligentScissorsWeightCalculator::calculateRegion(quint32 x, quint32 y, quint32 radius)
 {
-    m_blocks->request(x, y, radius);
+    if (!m_blocks->request(x, y, radius))
+        noteFailure();
 }
 
 bool RyIntelligentScissorsWeightCalculator::get(quint32 x, quint32 y, quint8 &weight)
@@ -234,6 +235,8 @@ void RyIntelligentScissorsWeightCalculator::calculateBlock(quint32 index)
     const Blocks::Content content = makeContent(right - left, bottom - top);
     if (content.memory && fill(content, left, top))
         return m_blocks->publish(index, content);
+    if (isExecuting())
+        noteFailure();
     BlockPool::returnBlock(content.memory);
     m_blocks->giveUp(index);
 }

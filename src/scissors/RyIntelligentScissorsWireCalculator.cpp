@@ -64,6 +64,7 @@ void RyIntelligentScissorsWireCalculator::runningThread()
                                             m_radius);
         m_search->run(*m_weightCalculator->m_blocks, *this);
     } catch (const std::bad_alloc &) { // what is final stays so; nothing more is reached
+        noteFailure();
     }
 }
 

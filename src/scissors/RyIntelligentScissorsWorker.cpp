@@ -33,12 +33,14 @@ void RyIntelligentScissorsWorker::setTotalProgress(int total)
 void RyIntelligentScissorsWorker::startThread()
 {
     stop(true);
+    m_hasFailed.store(false, std::memory_order_release);
     if (!prepareRun())
         return;
     setExecuting(true);
     m_progress.store(0, std::memory_order_relaxed);
     start(QThread::InheritPriority);
     if (!isRunning() && !isFinished()) { // the system gave no thread: nobody may wait for its work
+        noteFailure();
         setExecuting(false);
         wakeUp();
     }

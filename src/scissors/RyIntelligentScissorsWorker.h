@@ -32,6 +32,8 @@ public:
 
     QString name() const { return m_name; }
     bool isExecuting() const { return m_isExecuting.load(std::memory_order_acquire); }
+    /// The last run has done less than it should, or has not begun: memory or threads were short.
+    bool hasFailed() const { return m_hasFailed.load(std::memory_order_acquire); }
 
     int progress() const { return m_progress.load(std::memory_order_relaxed); }
     /// Counts up to this number of units. Where that completes a hundredth, the signal carries the
@@ -66,6 +68,7 @@ protected:
     virtual void wakeUp() {}
 
     void run() override;
+    void noteFailure() { m_hasFailed.store(true, std::memory_order_release); }
 
 private:
     bool setExecuting(bool isExecuting);
@@ -73,6 +76,7 @@ private:
     const QString m_name;
     QMutex m_mutex; // held while the flag is written
     std::atomic<bool> m_isExecuting = false;
+    std::atomic<bool> m_hasFailed = false;
     // Written at the end of a run and read after waiting for it. The thread's end alone would
     // order what both touch, but Qt is built without the instructions by which sanitizers could
     // tell.

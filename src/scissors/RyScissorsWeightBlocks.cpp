@@ -176,11 +176,12 @@ void RyScissorsWeightBlocks::wakeReaders()
     m_calculated.notify_all();
 }
 
-void RyScissorsWeightBlocks::request(quint32 x, quint32 y, quint32 radius)
+bool RyScissorsWeightBlocks::request(quint32 x, quint32 y, quint32 radius)
 {
     std::unique_lock lock(m_mutex);
     if (!m_isServed || !isOpen())
-        return;
+        return true;
+    bool hasMemory = true;
     std::pair<double, double> point(double(x) / side, double(y) / side);
     m_queue.updateAllScores(calculateScoreCB, &point);
     const auto [left, right] = blocksWithin(x, radius, m_gridWidth, m_columns);
@@ -191,12 +192,14 @@ void RyScissorsWeightBlocks::request(quint32 x, quint32 y, quint32 radius)
             if (state(index) != State::NotRequested)
                 continue;
             m_queue.enqueue(column, row, index, calculateScoreCB(column, row, index, &point));
-            if (!m_queue.contains(column, row))
-                continue; // too little memory: nobody may wait for it
-            m_states[index].store(State::Queued, std::memory_order_release);
+            if (m_queue.contains(column, row))
+                m_states[index].store(State::Queued, std::memory_order_release);
+            else
+                hasMemory = false; // nobody may wait for it
         }
     }
     m_requested.notify_all();
+    return hasMemory;
 }
 
 std::optional<quint32> RyScissorsWeightBlocks::takeNext()

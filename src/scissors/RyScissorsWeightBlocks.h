@@ -72,8 +72,9 @@ public:
     void interrupt();
     void wakeReaders();
 
-    /// Sorts what is queued by the distance to the point, and queues the blocks within radius.
-    void request(quint32 x, quint32 y, quint32 radius);
+    /// Sorts what is queued by the distance to the point, and queues the blocks within radius. False
+    /// where memory was too short for one of them.
+    bool request(quint32 x, quint32 y, quint32 radius);
 
     std::optional<quint32> takeNext(); ///< waits for one; none when interrupted
     void publish(quint32 index, const Content &content);

@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <array>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -39,6 +40,7 @@ class tst_RySafeFile : public QObject
 private Q_SLOTS:
     void replaces_data();
     void replaces();
+    void appearTogetherOrNotAtAll();
     void refuses_data();
     void refuses();
     void leavesAFullDiskAlone_data();
@@ -91,6 +93,29 @@ void tst_RySafeFile::replaces()
         QCOMPARE(QFile::permissions(path), permissions);
     QCOMPARE(dir.entryList(QDir::Files | QDir::System).size(), names.size() + !isThere);
     QCOMPARE(QFileInfo(dir.filePath(name)).isSymLink(), name != place);
+}
+
+void tst_RySafeFile::appearTogetherOrNotAtAll()
+{
+    const QTemporaryDir folder;
+    const QDir dir(folder.path());
+    store(dir.filePath(u"present"_s), "before");
+    const auto commit = [&dir](const QString &last) {
+        RySafeFile present(dir.filePath(u"present"_s)), fresh(dir.filePath(u"new"_s)),
+                spoilt(dir.filePath(last));
+        const std::array files{&present, &fresh, &spoilt};
+        for (RySafeFile *const file : files)
+            QVERIFY(file->open() && file->write("after") == 5);
+        const bool isSpoilt = last == "in the way"_L1;
+        QVERIFY(!isSpoilt || dir.mkdir(last));
+        QCOMPARE(RySafeFile::commitAll(files), isSpoilt ? &spoilt : nullptr);
+    };
+    commit(u"in the way"_s);
+    QCOMPARE(contentOf(dir.filePath(u"present"_s)), "before");
+    QCOMPARE(dir.entryList(QDir::Files | QDir::System), QStringList{u"present"_s});
+    commit(u"third"_s);
+    QCOMPARE(contentOf(dir.filePath(u"present"_s)), "after");
+    QCOMPARE(dir.entryList(QDir::Files | QDir::System).size(), 3);
 }
 
 void tst_RySafeFile::refuses_data()
