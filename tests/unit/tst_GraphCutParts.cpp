@@ -130,7 +130,7 @@ void tst_GraphCutParts::cleansRandomMasks()
         RyMaskParts::clean(sides, width, height, repetition % 2 == 1 ? &fixed : nullptr);
         digest << asText(sides);
     }
-    QCOMPARE(digest.hex(), QByteArray(""));
+    QCOMPARE(digest.hex(), QByteArray("09644f36"));
 }
 
 void tst_GraphCutParts::keepsConstraints()
