@@ -233,8 +233,8 @@ QSet<int> CutRunner::regionsUnder(const PicturePoint &point, double diameter) co
 {
     if (!m_hasCut)
         return {};
-    const double scale =
-            std::sqrt(m_pictureToCut.determinant()); // rounding may make the two directions differ
+    // Of the mean of both directions, which rounding may make differ.
+    const double scale = std::sqrt(m_pictureToCut.determinant());
     return m_session.superpixels(m_pictureToCut.map(point).toPoint(),
                                  std::max(1, int(std::lround(diameter * scale))));
 }
