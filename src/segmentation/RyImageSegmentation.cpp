@@ -4,15 +4,11 @@
 #include "RyUndoController.h"
 #include "segmentation/RyImageSegmentation_p.h"
 
-#include <QDeadlineTimer>
 #include <QMutexLocker>
 
 #include <new>
 
 namespace {
-
-constexpr int destructionPauseMs = 100;
-constexpr int destructionPauses = 20; // before a thread that does not end is terminated
 
 void log(const char *tag)
 {
@@ -60,12 +56,7 @@ RyImageSegmentation::~RyImageSegmentation()
     }
     d->buffers->retire();
     requestInterruption();
-    for (int pause = 0; pause < destructionPauses; ++pause) {
-        if (wait(QDeadlineTimer(destructionPauseMs)))
-            return;
-    }
-    terminate();
-    wait();
+    wait(); // a thread that is terminated in the middle of its work may take the host with it
 }
 
 void RyImageSegmentation::setup(const QImage &image, const QFileInfo &fileInfo)

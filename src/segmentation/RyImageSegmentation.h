@@ -79,7 +79,7 @@ public:
     Q_ENUM(CutMethod)
 
     RyImageSegmentation();
-    /// Asks running work to stop and waits for it; after two seconds it is terminated.
+    /// Asks running work to stop, and waits for the step that it is at.
     ~RyImageSegmentation() override;
     Q_DISABLE_COPY_MOVE(RyImageSegmentation)
 

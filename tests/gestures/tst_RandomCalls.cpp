@@ -6,6 +6,7 @@
 
 #include <QRandomGenerator>
 #include <QTest>
+#include <QThreadPool>
 
 #include <atomic>
 #include <functional>
@@ -20,6 +21,7 @@ private Q_SLOTS:
     void survive();
     void endAnywhere();
     void cutsOnceForALasso();
+    void hostNeverWaitsForThePool();
 };
 
 namespace {
@@ -240,6 +242,32 @@ void tst_RandomCalls::cutsOnceForALasso()
     QVERIFY(driver.answered());
     QCOMPARE(driver.progress.count({14, 14}), 1);
     QCOMPARE(driver.progress.last(), std::pair(14, 14));
+}
+
+/// On a picture with rows enough for Qt's painter to divide them among the pool's threads.
+void tst_RandomCalls::hostNeverWaitsForThePool()
+{
+    SessionDriver driver(Samples::photograph(QStringLiteral("coffee.png"), 300));
+    RyImageSegmentation &session = driver.session;
+    driver.cut(Samples::ellipse(40, 20, 200, 160));
+    const auto white = mementoOf(session, false);
+    session.setMaskColor(Qt::red);
+    QVERIFY(driver.answered());
+    const auto red = mementoOf(session, false);
+    QThreadPool &pool = *QThreadPool::globalInstance();
+    const int threads = pool.maxThreadCount();
+    for (const int fewer : {1, 2}) {
+        pool.setMaxThreadCount(fewer);
+        for (int i = 0; i < 300; ++i) {
+            for (int click = 0; click < 2 * fewer; ++click)
+                session.startThreadWithClicker(QPointF(100 + 30 * click, 80));
+            session.setMaskIsInverted(i % 2 == 0);
+            if (i % 5 == 0)
+                session.setMemento(i % 2 ? white.get() : red.get());
+        }
+        QVERIFY(driver.answered());
+    }
+    pool.setMaxThreadCount(threads);
 }
 
 RY_TEST_CLASS(tst_RandomCalls, QApplication)

@@ -92,10 +92,8 @@ void tst_BackgroundLane::whatFailsSaysWhy()
     lane.run([](const std::stop_token &) { throw AppError(QStringLiteral("it is shut")); }, [] {},
              note);
     lane.run([](const std::stop_token &) { throw std::bad_alloc(); }, [] {}, note);
-    QTRY_COMPARE_WITH_TIMEOUT(reasons,
-                              QStringList({QStringLiteral("it is shut"),
-                                           QStringLiteral("there is too little memory")}),
-                              patienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!lane.isBusy(), patienceMs);
+    QCOMPARE(reasons.join(u','), QStringLiteral("it is shut,there is too little memory"));
 }
 
 RY_TEST_CLASS(tst_BackgroundLane, QCoreApplication)
