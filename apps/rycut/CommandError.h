@@ -17,3 +17,9 @@ public:
 private:
     ExitStatus m_status;
 };
+
+/// What was asked for does not make sense; the message says which part.
+[[noreturn]] inline void throwUsage(const QString &message)
+{
+    throw CommandError(ExitStatus::Usage, message);
+}

@@ -1,5 +1,6 @@
 #include "CutCommand.h"
 
+#include "CommandError.h"
 #include "CutOptionsParser.h"
 
 using namespace Qt::StringLiterals;

@@ -1,5 +1,6 @@
 #include "CutOptionsParser.h"
 
+#include "CommandError.h"
 #include "CutOutputs.h"
 
 using namespace Qt::StringLiterals;

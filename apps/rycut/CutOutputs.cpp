@@ -17,11 +17,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-[[noreturn]] void throwUsage(const QString &message)
-{
-    throw CommandError(ExitStatus::Usage, message);
-}
-
 bool isRaw(const QString &fileName)
 {
     return OutputNames::format(fileName) == "raw"_L1;

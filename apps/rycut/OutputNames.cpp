@@ -11,11 +11,6 @@ namespace {
 
 constexpr QLatin1StringView standardOutput("-"); // and input
 
-[[noreturn]] void throwUsage(const QString &message)
-{
-    throw CommandError(ExitStatus::Usage, message);
-}
-
 /// The file that a name leads to, through all links, whether it is there or not.
 QString fileBehind(const QString &name)
 {

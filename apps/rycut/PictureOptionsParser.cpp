@@ -39,11 +39,6 @@ PictureOptionsParser::PictureOptionsParser(const QString &command, const QString
     m_parser.addOption({{u"h"_s, u"help"_s}, u"Show this help."_s});
 }
 
-void PictureOptionsParser::throwUsage(const QString &message)
-{
-    throw CommandError(ExitStatus::Usage, message);
-}
-
 void PictureOptionsParser::addSizeOptions()
 {
     m_parser.addOptions({{u"max-length"_s,

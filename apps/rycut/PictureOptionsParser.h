@@ -75,7 +75,6 @@ protected:
     /// The first of the options for edges that is set, or empty.
     QString firstEdgeOption() const;
 
-    [[noreturn]] static void throwUsage(const QString &message);
     QString argument(int index) const { return m_parser.positionalArguments().at(index); }
     bool isSet(const QString &name) const { return m_parser.isSet(name); }
     QString value(const QString &name) const { return m_parser.value(name); }

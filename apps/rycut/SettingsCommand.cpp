@@ -21,11 +21,6 @@ struct Setting
     void (*setValue)(const QString &value); ///< throws CommandError when there is no such value
 };
 
-[[noreturn]] void throwUsage(const QString &message)
-{
-    throw CommandError(ExitStatus::Usage, message);
-}
-
 QString debugFolder()
 {
     return Settings::instance().debugFolder();

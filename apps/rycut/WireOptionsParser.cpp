@@ -1,5 +1,6 @@
 #include "WireOptionsParser.h"
 
+#include "CommandError.h"
 #include "WireOutputs.h"
 
 using namespace Qt::StringLiterals;

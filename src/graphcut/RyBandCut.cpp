@@ -88,6 +88,7 @@ std::vector<RyCutSide> withBand(const std::vector<RyCutSide> &sides, int columns
 std::vector<int> middlesOf(const RyCutFrame &level)
 {
     std::vector<int> middles;
+    middles.reserve(std::size_t(level.columns()));
     for (int column = 0; column < level.columns(); ++column)
         middles.push_back(std::min(level.middleOf(column), level.width() - 1));
     return middles;

@@ -19,10 +19,10 @@ struct RyLabColor
 
     friend int squaredDifference(const RyLabColor &left, const RyLabColor &right)
     {
-        const int l = left.l - right.l;
-        const int a = left.a - right.a;
-        const int b = left.b - right.b;
-        return l * l + a * a + b * b;
+        const int dl = left.l - right.l;
+        const int da = left.a - right.a;
+        const int db = left.b - right.b;
+        return dl * dl + da * da + db * db;
     }
 };
 

@@ -24,7 +24,8 @@ std::pair<double, double> medianAndMean(const RyColorEdges::Histogram &histogram
         if (count < half)
             median = strength;
     }
-    return {double(median), count > 0 ? double(weighted / count) : 0.0};
+    const qint64 mean = count > 0 ? weighted / count : 0;
+    return {double(median), double(mean)};
 }
 
 } // namespace

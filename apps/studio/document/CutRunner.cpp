@@ -299,7 +299,7 @@ bool CutRunner::goOnWithStep()
 void CutRunner::beginStep()
 {
     const CutJob &job = m_jobs.front();
-    m_running.emplace().before = state();
+    m_running.emplace(state());
     if (const auto *const gestures = std::get_if<GesturesJob>(&job))
         m_running->before.wire = gestures->wire;
     // A lasso inside the last one would use its regions again, and its cut would depend on lassos

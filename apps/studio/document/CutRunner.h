@@ -93,6 +93,10 @@ private:
     /// Of the first job, once it has begun.
     struct Running
     {
+        explicit Running(const CutState &stateBefore)
+            : before(stateBefore)
+        {}
+
         CutState before;
         qsizetype started = 0; ///< gestures
         bool isGivenUp = false;

@@ -353,7 +353,8 @@ void ScissorsTool::applyNow()
         Q_EMIT message(tr("The wire encloses nothing."));
         return;
     }
-    const auto wire = std::make_shared<const UsedWire>(m_editor.path(), m_editor.changes(), m_use);
+    const auto wire =
+            std::make_shared<const UsedWire>(UsedWire{m_editor.path(), m_editor.changes(), m_use});
     cancel();
     document().useWire(outline, m_use, wire);
     if (document().isCutting()) {

@@ -13,7 +13,8 @@ double snappedCoordinate(double coordinate, int pixels)
 {
     const int lastGridPoint = (std::max(pixels, 1) - 1) / gridStep;
     const int gridPoint = int(std::floor(std::clamp(coordinate, 0.0, double(pixels)) / gridStep));
-    return std::clamp(gridPoint, 0, lastGridPoint) * gridStep + gridStep / 2;
+    constexpr int middle = gridStep / 2;
+    return std::clamp(gridPoint, 0, lastGridPoint) * gridStep + middle;
 }
 
 } // namespace
