@@ -79,7 +79,7 @@ void tst_GestureFile::understandsFields()
     const auto scribble = std::get<Gesture::Scribble>(file.gestures.at(0).step);
     QCOMPARE(scribble.width, 5.0);
     QVERIFY(!scribble.isForeground && !scribble.isTemporary);
-    QCOMPARE(scribble.points, QPolygonF({{1, 2}, {3, 4}}));
+    QCOMPARE(scribble.points, QPolygonF(QList<QPointF>{{1, 2}, {3, 4}}));
     const auto paint = std::get<Gesture::Paint>(file.gestures.at(1).step);
     QVERIFY(paint.isForeground && paint.isTemporary);
     const auto hover = std::get<Gesture::Hover>(file.gestures.at(2).step);
