@@ -5,6 +5,8 @@
 
 #include <QTest>
 
+#include <memory>
+
 class tst_EdgeOperations : public QObject
 {
     Q_OBJECT
@@ -138,13 +140,13 @@ void tst_EdgeOperations::refuses()
 
 void tst_EdgeOperations::stops()
 {
-    std::stop_source source;
-    source.request_stop();
+    const auto source = std::make_unique<std::stop_source>();
+    source->request_stop();
     const QImage mask = Masks::random({30, 20}, false, 1);
     for (const EdgeOptions &options :
          {EdgeOptions{.drop = 1}, EdgeOptions{.fill = 1}, EdgeOptions{.smooth = 1},
           EdgeOptions{.grow = 1}, EdgeOptions{.grow = -1}, EdgeOptions{.feather = 1}})
-        QVERIFY(EdgeOperations::apply(mask, options, source.get_token()).alpha.isNull());
+        QVERIFY(EdgeOperations::apply(mask, options, source->get_token()).alpha.isNull());
 }
 
 RY_TEST_CLASS(tst_EdgeOperations, QCoreApplication)
