@@ -318,10 +318,11 @@ void tst_RyRefinement::cutsStrokesTogether_data()
 {
     QTest::addColumn<bool>("scribbles");
     QTest::addColumn<double>("grid"); // of the strokes' corners
-    for (const double grid : {1.0, 0.01}) {
+    // The rectangle that a selection looks at is rounded, so on a finer grid strokes may select a
+    // region together that none of them selects alone.
+    QTest::newRow("painted selections") << false << 1.0;
+    for (const double grid : {1.0, 0.01})
         QTest::addRow("scribbles, grid %g", grid) << true << grid;
-        QTest::addRow("painted selections, grid %g", grid) << false << grid;
-    }
 }
 
 void tst_RyRefinement::cutsStrokesTogether()
